@@ -1,0 +1,77 @@
+/* The plain C interface of refgrove.so: loading a data directory, the query
+ * operations, printing, and preprocessing text dumps into a data directory.
+ *
+ * Every operation reads the one loaded data set through `refgrove_data`.
+ * Lookups return 1 when the document (or item) exists and 0 when it does not;
+ * a DID, item index or author id outside the loaded data counts as absent.
+ * Strings handed out are borrowed from the loaded data: they stay valid until
+ * the next refgrove_load_1 and must not be freed.
+ *
+ * Single-threaded: no call may run while another one is in progress. */
+#ifndef REFGROVE_CORE_REFGROVE_H_
+#define REFGROVE_CORE_REFGROVE_H_
+
+#define REFGROVE_VISIBLE __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+class RefgroveData;
+extern "C" {
+#else
+typedef struct RefgroveData RefgroveData;
+#endif
+
+/* The loaded data set, or null before the first successful load. */
+extern REFGROVE_VISIBLE RefgroveData* refgrove_data;
+
+/* Replaces the loaded data set by the one in directory `path` (a prefix to
+ * which the file names are appended, so it normally ends in "/"). */
+REFGROVE_VISIBLE void refgrove_load_1(const char* path);
+
+/* Preprocesses the dumps of input directory `a` into data directory `b`
+ * (both prefixes, as above). Ends the process with status 3 on a dump that
+ * does not parse. */
+REFGROVE_VISIBLE void refgrove_preproc_1(const char* a, const char* b);
+
+/* One more than the largest DID of the loaded data (0 when empty). */
+REFGROVE_VISIBLE void refgrove_last_did_1(int* out);
+REFGROVE_VISIBLE int refgrove_has_graph_info_1(int did);
+REFGROVE_VISIBLE int refgrove_has_word_info_1(int did);
+
+/* Graph record of a document. When absent, the outputs of get_year,
+ * cite_count, title_length, author_count and get_cite are set to 0; the
+ * others are left untouched. */
+REFGROVE_VISIBLE int refgrove_get_key_1(int did, const char** out);
+REFGROVE_VISIBLE int refgrove_get_year_1(int did, int* out);
+REFGROVE_VISIBLE int refgrove_cite_count_1(int did, int* out);
+/* Note the order: `cited` receives the cited DID, `gid` its group id. */
+REFGROVE_VISIBLE int refgrove_get_cite_1(int did, int i, int* cited, int* gid);
+REFGROVE_VISIBLE int refgrove_title_length_1(int did, int* out);
+REFGROVE_VISIBLE int refgrove_get_title_word_1(int did, int i, const char** out);
+REFGROVE_VISIBLE int refgrove_author_count_1(int did, int* out);
+REFGROVE_VISIBLE int refgrove_get_author_id_1(int did, int i, int* out);
+REFGROVE_VISIBLE int refgrove_get_author_1(int did, int i, const char** out);
+/* Copies the document's author ids to out[0..n-1], n from
+ * refgrove_author_count_1; writes nothing when the document is absent. */
+REFGROVE_VISIBLE void refgrove_get_authors_1(int did, int* out);
+
+/* Words of a document's abstract. */
+REFGROVE_VISIBLE int refgrove_word_count_1(int did, int* out);
+REFGROVE_VISIBLE int refgrove_get_word_1(int did, int i, const char** out);
+
+/* Authors and the whole data set. */
+REFGROVE_VISIBLE int refgrove_id2author_1(int author_id, const char** out);
+REFGROVE_VISIBLE int refgrove_get_nb_authors_1(void);
+/* Documents with word data, distinct words, authors; all 0 before a load. */
+REFGROVE_VISIBLE void refgrove_stats_1(int* docs, int* words, int* authors);
+/* A placeholder: always 0.0. */
+REFGROVE_VISIBLE double refgrove_author_distance_1(int a, int b);
+
+/* Printing to the standard streams. */
+REFGROVE_VISIBLE void refgrove_printdoc_1(int did);
+REFGROVE_VISIBLE void refgrove_print_author_1(int author_id);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* REFGROVE_CORE_REFGROVE_H_ */
