@@ -1,0 +1,344 @@
+// The character layer's slow paths, the scanner and element merging.
+#include "tokenizer/tokenizer.h"
+
+#include "tokenizer/string_helpers.h"
+
+namespace {
+
+bool is_digit(int c) { return c >= '0' && c <= '9'; }
+
+}  // namespace
+
+Tokenizer::Tokenizer(TokenizerLanguage* language_)
+    : file_name(nullptr),
+      at_eof(0),
+      pushback_count(0),
+      char_pushback_count(0),
+      space_before(false),
+      last_space_char(' '),
+      char_pushback{0, 0},
+      language(language_) {
+  init();
+}
+
+Tokenizer::Tokenizer() : Tokenizer(nullptr) {
+  // Owned here only so that it is freed with the tokenizer; nothing else can
+  // reach it.
+  own_language_.reset(new TokenizerLanguage());
+  language = own_language_.get();
+}
+
+Tokenizer::~Tokenizer() = default;
+
+void Tokenizer::init() {
+  file_name = nullptr;
+  sub_language.release();
+  reset_all();
+}
+
+void Tokenizer::reset_all() {
+  at_eof = 0;
+  pushback_count = 0;
+  char_pushback_count = 0;
+  pending_space_ = false;
+  reset_position();
+}
+
+void Tokenizer::reset_position() {
+  pos.set(1, 0);
+  token_pos.set(0, 0);
+}
+
+void Tokenizer::select_language(int sub) {
+  if (sub == -1) {
+    sub_language.release();
+  } else {
+    sub_language = language->sub_languages[static_cast<std::size_t>(sub)];
+  }
+}
+
+int Tokenizer::token_read_sig_char() {
+  for (;;) {
+    const int c = token_read_char();
+    if (at_eof) return ' ';
+    if (c == ' ') {
+      space_before = true;
+      continue;
+    }
+    if (language->comment_chars.contains(c)) {
+      space_before = true;
+      token_skip_to_end();
+      continue;
+    }
+    if (c != '/') return c;
+    const int d = token_read_char();
+    if (d == '/' && language->line_comments) {
+      space_before = true;
+      token_skip_to_end();
+    } else if (d == '*' && language->block_comments) {
+      space_before = true;
+      read_till_close_comment();
+    } else {
+      push_char(d);
+      return '/';
+    }
+  }
+}
+
+void Tokenizer::token_skip_to_end() {
+  int c;
+  for (;;) {
+    if (!raw_get(&c)) {
+      at_eof = 1;
+      return;
+    }
+    ++pos.column;
+    if (c == '\n') break;
+  }
+  pos.incRow();
+  if (!language->space_chars.contains('\n')) push_char('\n');
+}
+
+std::string& Tokenizer::read_line() {
+  token.clear();
+  while (pushback_count > 0) token += pushback[static_cast<std::size_t>(--pushback_count)].token;
+  while (char_pushback_count > 0) token += char_pushback[--char_pushback_count];
+  int c;
+  while (raw_get(&c) && c != '\n') token += static_cast<char>(c);
+  return token;
+}
+
+void Tokenizer::read_till_close_comment() {
+  TokenizerPos start = pos;
+  int prev = 0;
+  for (;;) {
+    const int c = token_read_char();
+    if (at_eof) {
+      --start.column;
+      throw error(start, "comment block '/*' not terminated");
+    }
+    if (prev == '*' && c == '/') return;
+    prev = c;
+  }
+}
+
+void Tokenizer::read_number_term(char c) {
+  int ch = token_read_char();
+  if (!is_digit(ch)) {
+    push_char(ch);
+    push_char(c);
+    return;
+  }
+  token += c;
+  bool sign_allowed = false;
+  bool exponent_seen = false;
+  for (;;) {
+    token += static_cast<char>(ch);
+    ch = token_read_char();
+    if ((ch == '+' || ch == '-') && sign_allowed) continue;
+    if ((ch == 'e' || ch == 'E') && !exponent_seen) {
+      exponent_seen = true;
+      sign_allowed = true;
+      continue;
+    }
+    if (is_digit(ch)) {
+      sign_allowed = false;
+      continue;
+    }
+    break;
+  }
+  if (ch == ' ') {
+    pending_space_ = at_eof == 0;
+    on_trailing_space();
+  } else if (language->single_char_tokens.contains(ch)) {
+    push_char(ch);
+  } else {
+    throw error("illegal token_character '" + std::string(1, static_cast<char>(ch)) +
+                "' while reading number");
+  }
+}
+
+void Tokenizer::read_single_quoted() {
+  // `prev1` is the character before the one just read, `prev2` the one
+  // before that: a quote is escaped by a backslash that is not itself
+  // escaped. A doubled quote stands for one quote inside the string.
+  int prev1 = 0;
+  int prev2 = 0;
+  for (;;) {
+    const int ch = token_read_char();
+    token += static_cast<char>(ch);
+    if (ch == '\'' && !(prev1 == '\\' && prev2 != '\\')) {
+      const int next = token_read_char();
+      if (next != '\'') {
+        push_char(next);
+        return;
+      }
+      token += '\'';
+    }
+    prev2 = prev1;
+    prev1 = ch;
+    if (at_eof) throw error("unterminated string constant");
+  }
+}
+
+void Tokenizer::read_double_quoted() {
+  // A backslash right before a quote always protects it, and a doubled quote
+  // ends the string (the second one opens the next string).
+  int prev = '"';
+  for (;;) {
+    const int ch = token_read_char();
+    token += static_cast<char>(ch);
+    if (ch == '"' && prev != '\\') return;
+    if (at_eof) throw error("unterminated string constant");
+    prev = ch;
+  }
+}
+
+void Tokenizer::get_token_2() {
+  if (pushback_count > 0) {
+    TokenAndPos& top = pushback[static_cast<std::size_t>(--pushback_count)];
+    token.swap(top.token);  // the slot is dead now; keep its storage
+    token_pos = top.pos;
+    space_before = top.space_before;
+    return;
+  }
+  space_before = pending_space_;
+  pending_space_ = false;
+  const int c = token_read_sig_char();
+  if (at_eof) {
+    token.clear();
+    return;
+  }
+  token_pos = pos;
+  const TokenizerLanguage& lang = *language;
+  if (c == '\'' && lang.strings) {
+    token.assign(1, '\'');
+    read_single_quoted();
+    return;
+  }
+  if (c == '"' && lang.strings) {
+    token.assign(1, '"');
+    read_double_quoted();
+    return;
+  }
+  token.assign(1, static_cast<char>(c));
+  if (lang.single_char_tokens.contains(c)) return;
+
+  // A word. Characters that need no more than appending and counting one
+  // column are taken in bulk from the source's direct characters; the rest
+  // go through token_read_char. `stop` is everything else: the characters
+  // that end a word, and tab and newline, which move the position
+  // differently.
+  TokenizerCharSet stop = lang.single_char_tokens;
+  stop.merge(lang.space_chars);
+  stop.add(' ');
+  stop.add('\t');
+  stop.add('\n');
+  const char number_char = lang.number_char;
+  if (number_char != 0) stop.add(number_char);
+  for (;;) {
+    if (char_pushback_count == 0 && direct_next_ != direct_end_) {
+      const char* p = direct_next_;
+      while (p != direct_end_ && !stop.contains(*p)) ++p;
+      const std::ptrdiff_t n = p - direct_next_;
+      if (n > 0) {
+        token.append(direct_next_, static_cast<std::size_t>(n));
+        pos.column += static_cast<int>(n);
+        direct_next_ = p;
+      }
+    }
+    const int ch = token_read_char();
+    if (number_char != 0 && ch == number_char) {
+      if (is_integer(token)) {
+        read_number_term(static_cast<char>(ch));
+      } else {
+        push_char(ch);
+      }
+      return;
+    }
+    if (lang.single_char_tokens.contains(ch)) {
+      push_char(ch);
+      return;
+    }
+    if (ch == ' ') {
+      pending_space_ = at_eof == 0;
+      on_trailing_space();
+      return;
+    }
+    token += static_cast<char>(ch);
+    if (at_eof) return;
+  }
+}
+
+void Tokenizer::get_token() {
+  get_token_2();
+  if (!sub_language || token.empty() || sub_language->empty()) return;
+  auto it = sub_language->find(token);
+  if (it == sub_language->end()) return;
+  // Hold the node: the lookup below may read ahead, but must not lose it.
+  const TokenizerLangHashPtr node = it->second;
+  if (TokenizerLangElem* e = findLangElem(node.get())) token = e->name;
+}
+
+void Tokenizer::get_check_token() {
+  get_token();
+  if (token.empty()) throw error("unexpected end of file");
+}
+
+TokenizerLangElem* Tokenizer::findLangElem(const TokenizerLangHash* h) {
+  const std::string saved_token = token;
+  const TokenizerPos saved_pos = token_pos;
+  get_token_2();
+  if (!token.empty()) {
+    if (space_before) {
+      pushback_token();
+    } else if (TokenizerLangElem* e = findLangElem2(h)) {
+      token_pos = saved_pos;  // the merged token stands where it began
+      return e;
+    }
+  }
+  // No longer match. When the first token is an element by itself, its
+  // position and spacing are left as the look-ahead set them.
+  if (h->elem == nullptr) {
+    token = saved_token;
+    token_pos = saved_pos;
+  }
+  return h->elem;
+}
+
+TokenizerLangElem* Tokenizer::findLangElem2(const TokenizerLangHash* h) {
+  TokenAndPos remembered;
+  remembered.space_before = space_before;
+  remembered.token = token;
+  remembered.pos = token_pos;
+  auto it = h->find(token);
+  if (it == h->end()) {
+    pushback_token(remembered);
+    return nullptr;
+  }
+  const TokenizerLangHash* child = it->second.get();
+  get_token_2();
+  if (!token.empty()) {
+    if (space_before) {
+      pushback_token();
+    } else if (TokenizerLangElem* e = findLangElem2(child)) {
+      return e;
+    }
+  }
+  if (child->elem != nullptr) return child->elem;
+  pushback_token(remembered);
+  return nullptr;
+}
+
+TokenizerLangElem* Tokenizer::try_find_lang_elem(int sub) {
+  get_token_2();
+  if (token.empty()) return nullptr;
+  const TokenizerLangHashPtr root = language->sub_languages[static_cast<std::size_t>(sub)];
+  auto it = root->find(token);
+  if (it != root->end()) {
+    const TokenizerLangHashPtr node = it->second;
+    if (TokenizerLangElem* e = findLangElem(node.get())) return e;
+  }
+  pushback_token();
+  return nullptr;
+}

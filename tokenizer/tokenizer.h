@@ -1,0 +1,240 @@
+// Tokenizer: the abstract scanner and parsing interface of the toolkit.
+//
+// Design. A tokenizer turns the characters of a source into tokens in three
+// layers:
+//
+//   1. The character layer reads one character at a time from the source
+//      (the two pure virtual operations stream_get/stream_ok), keeps the
+//      row/column position, turns every space character into a blank and
+//      lets the scanner push back up to two characters.
+//   2. The scanner (get_token_2) skips white space and comments and cuts one
+//      raw token: a word, a single-character token, a quoted string or a
+//      number. get_token then merges raw tokens written directly after each
+//      other into the multi-token elements of the selected sub-language.
+//   3. The parsing interface (next_token, is_next_token, ensure_next_token,
+//      next_integer, ...) sits on a token pushback stack and reports bad
+//      input by throwing ParserError at the offending token's position.
+//
+// The per-character work is what costs: a preprocessing run reads hundreds
+// of megabytes through layer 1. Every class test is one bit test, the token
+// is built in place in one string whose capacity is reused, and a source may
+// hand the character layer a run of characters it has already fetched (see
+// "direct characters" below) so that plain word characters are taken in bulk
+// instead of through two virtual calls each.
+//
+// A word ends only at a single-character token, a blank (any space
+// character, or the end of the input) or the number character; other
+// punctuation, quotes and "/" inside a word belong to it. The blank that ends
+// a word or number is consumed, yet the token after it still counts as
+// preceded by white space, so it never merges with the word into an element.
+#ifndef REFGROVE_TOKENIZER_TOKENIZER_H_
+#define REFGROVE_TOKENIZER_TOKENIZER_H_
+
+#include <cassert>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tokenizer/parser_error.h"
+#include "tokenizer/tokenizer_language.h"
+#include "tokenizer/tokenizer_pos.h"
+
+// A token with its position and whether white space preceded it; the unit of
+// the pushback stack.
+struct TokenAndPos {
+  bool space_before = false;
+  std::string token;
+  TokenizerPos pos;
+};
+
+class Tokenizer {
+ public:
+  const char* file_name;      // for error messages; not owned; null if none
+  std::string token;          // current token; empty: no token left
+  int at_eof;                 // 1 once the source reported its end
+  int pushback_count;         // live entries of `pushback`
+  int char_pushback_count;    // 0 to 2
+  bool space_before;          // white space or a comment before `token`
+  char last_space_char;       // raw form of the last space character read
+  char char_pushback[2];      // pushed-back characters, last in first out
+  std::vector<TokenAndPos> pushback;  // token stack; entries past the count are dead
+  TokenizerPos token_pos;     // position of `token`
+  TokenizerPos pos;           // reading position
+  TokenizerLangHashPtr sub_language;  // selected root, or null: no merging
+  TokenizerLanguage* language;        // not owned
+
+  // The language is only stored here, not read: a subclass may pass the
+  // address of a member language that is constructed after this base.
+  explicit Tokenizer(TokenizerLanguage* language_);
+  // Uses a private language of its own with the language defaults (empty
+  // character sets, strings on).
+  Tokenizer();
+  Tokenizer(const Tokenizer&) = delete;
+  Tokenizer& operator=(const Tokenizer&) = delete;
+
+  virtual ~Tokenizer();
+  // Skips white space and comments and returns the first significant
+  // character, or a blank at the end of the input (at_eof is then 1).
+  virtual int token_read_sig_char();
+  // Called when a word or number has been ended by white space;
+  // last_space_char holds that character.
+  virtual void on_trailing_space() {}
+  // Non-zero while the last stream_get() delivered a real character.
+  virtual int stream_ok() = 0;
+  // The next raw character of the source.
+  virtual int stream_get() = 0;
+
+  // ---- state -------------------------------------------------------------
+
+  // Forgets the file name and the selected sub-language, then reset_all().
+  void init();
+  // Clears the end flag and both pushbacks (the stack's storage is kept but
+  // its tokens are dropped), back to row 1, column 0.
+  void reset_all();
+  void reset_position();
+
+  TokenizerLanguage* get_language() { return language; }
+  int token_line() const { return token_pos.row; }
+  int token_column() const { return token_pos.column; }  // raw counter
+
+  // -1 selects no sub-language (merging off). No bounds check.
+  void select_language(int sub);
+
+  // ---- character layer and scanner ---------------------------------------
+
+  // The next character (pushed-back ones first), with position tracking; a
+  // space character comes out as a blank and so does the end of the input.
+  int token_read_char();
+  // Skips the rest of the line. The newline is given back when the language
+  // does not treat it as white space, so a newline token survives a comment.
+  void token_skip_to_end();
+  // The rest of the current line, pushed-back tokens and characters first;
+  // the newline is consumed but not returned. Also left in `token`.
+  std::string& read_line();
+  // Skips a block comment up to and including the closing "*/".
+  void read_till_close_comment();
+  // Continues the integer in `token` into a number after the number
+  // character `c`.
+  void read_number_term(char c);
+
+  // One raw token into `token` (pushed-back tokens first); empty at the end.
+  void get_token_2();
+  // get_token_2(), then merging into an element of the selected sub-language.
+  void get_token();
+  // get_token(), throwing "unexpected end of file" when no token is left.
+  void get_check_token();
+
+  // With the token that starts a match in `token` and `h` its node: the
+  // element of the longest chain of adjacent tokens that ends at an element,
+  // or null (then `token` and `token_pos` are as they were). Tokens read
+  // beyond the match are back on the pushback stack.
+  TokenizerLangElem* findLangElem(const TokenizerLangHash* h);
+  // The same one level down, with the next raw token already in `token`.
+  TokenizerLangElem* findLangElem2(const TokenizerLangHash* h);
+  // Tests for an element of sub-language `sub` (selected or not) at the
+  // next raw token; on a miss the token is pushed back and null returned.
+  TokenizerLangElem* try_find_lang_elem(int sub);
+
+  // ---- parsing interface -------------------------------------------------
+
+  std::string& next_token();      // throws at the end of input
+  std::string& try_next_token();  // empty at the end of input
+  void next_token_and_pos(TokenAndPos& out);
+  void peek_token(std::string* out);
+  // True when a character other than white space or comment is left. Tokens
+  // on the pushback stack are not considered.
+  bool has_more_tokens();
+
+  void pushback_token();  // the current token, with its position and spacing
+  void pushback_token(const TokenAndPos& t);
+  void pushback_token(const std::string& text, const TokenizerPos& at);
+  void pushback_token(const std::string& text);  // at token_pos
+  void pushback_token(const char* text);         // at token_pos
+
+  // These consume the token when it matches and push it back otherwise.
+  bool is_next_token(const char* s);
+  bool is_next_token_uc(const char* s);  // str_i_equals(token, s): a prefix test
+  int is_next_token_in(const char* chars);  // the character, or -1
+
+  // These consume the token and throw ParserError when it is wrong.
+  void ensure_next_token(const char* s);
+  int ensure_next_token_in(const char* chars);
+  void ensure_next_token_list(const char* chars);
+
+  // Base-10 conversion of the whole token, clamped to the int range.
+  int next_integer();
+  bool try_next_integer(int* value);  // consumes the token either way
+  double next_double();               // strtod, unchecked
+
+  ParserError error(const std::string& message) const;
+  ParserError error(const TokenizerPos& at, const std::string& message) const;
+
+ protected:
+  // Direct characters: a source may hand over a run of characters it has
+  // already fetched, [direct_next_, direct_end_). The character layer takes
+  // them as if stream_get() had returned each and stream_ok() had then been
+  // true, without calling either. Only a source whose stream_get() is the
+  // final one may do this (StreamTokenizer's does, from stream_get itself);
+  // a source that filters characters in its own stream_get must not call a
+  // base stream_get that hands characters over.
+  const char* direct_next_ = nullptr;
+  const char* direct_end_ = nullptr;
+
+  void push_char(int c) {
+    assert(char_pushback_count < 2);
+    if (char_pushback_count < 2) char_pushback[char_pushback_count++] = static_cast<char>(c);
+  }
+
+ private:
+  // stream_get()/stream_ok() for the raw readers (no pushback, no position):
+  // false at the end of the source.
+  bool raw_get(int* c);
+
+  // Part of a string token after its opening quote.
+  void read_single_quoted();
+  void read_double_quoted();
+
+  // The word ended at white space: the next raw token counts as preceded by
+  // white space even though the blank is already consumed.
+  bool pending_space_ = false;
+  std::unique_ptr<TokenizerLanguage> own_language_;  // for Tokenizer()
+};
+
+// ---- the character layer, inline: it runs once per input character -------
+
+inline int Tokenizer::token_read_char() {
+  if (char_pushback_count > 0) return char_pushback[--char_pushback_count];
+  int c;
+  if (direct_next_ != direct_end_) {
+    c = static_cast<signed char>(*direct_next_++);
+  } else {
+    c = stream_get();
+    if (!stream_ok()) {
+      at_eof = 1;
+      return ' ';
+    }
+    c = static_cast<signed char>(c);
+  }
+  if (c == '\t') {
+    pos.column = pos.column / 8 * 8 + 8;
+  } else {
+    ++pos.column;
+    if (c == '\n') pos.incRow();
+  }
+  if (language->space_chars.contains(c)) {
+    last_space_char = static_cast<char>(c);
+    return ' ';
+  }
+  return c;
+}
+
+inline bool Tokenizer::raw_get(int* c) {
+  if (direct_next_ != direct_end_) {
+    *c = static_cast<signed char>(*direct_next_++);
+    return true;
+  }
+  *c = static_cast<signed char>(stream_get());
+  return stream_ok() != 0;
+}
+
+#endif  // REFGROVE_TOKENIZER_TOKENIZER_H_

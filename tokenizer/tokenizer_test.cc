@@ -1,0 +1,262 @@
+// The scanner: raw tokens, positions, strings, numbers, comments and element
+// merging, through every kind of source.
+#include "tokenizer/tokenizer.h"
+
+#include <random>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "tokenizer/stream_tokenizer.h"
+#include "tokenizer/string_tokenizer.h"
+#include "tokenizer/tokenizer_test_util.h"
+
+namespace tokenizer_test {
+namespace {
+
+// A source that goes through stream_get/stream_ok for every character, the
+// reference against which the buffered StreamTokenizer is checked.
+class CharByCharTokenizer : public Tokenizer {
+ public:
+  CharByCharTokenizer(std::string text, TokenizerLanguage* l) : Tokenizer(l), text_(std::move(text)) {}
+  int stream_get() override {
+    ok_ = i_ < text_.size();
+    return ok_ ? static_cast<unsigned char>(text_[i_++]) : -1;
+  }
+  int stream_ok() override { return ok_; }
+
+ private:
+  std::string text_;
+  std::size_t i_ = 0;
+  bool ok_ = true;
+};
+
+std::string ScanStream(const std::string& input, Lang kind) {
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(kind);
+  std::istringstream in(input);
+  StreamTokenizer t(&in, lang.get());
+  if (!lang->sub_languages.empty()) t.select_language(0);
+  return Tokens(t);
+}
+
+std::string ScanCharByChar(const std::string& input, Lang kind) {
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(kind);
+  CharByCharTokenizer t(input, lang.get());
+  if (!lang->sub_languages.empty()) t.select_language(0);
+  return Tokens(t);
+}
+
+std::string ScanString(const std::string& input, Lang kind) {
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(kind);
+  StringTokenizer t(input.c_str(), lang.get());
+  if (!lang->sub_languages.empty()) t.select_language(0);
+  return Tokens(t);
+}
+
+struct ScanCase {
+  const char* input;
+  Lang lang;
+  const char* expected;  // see Tokens(): "_" marks white space before
+};
+
+// A character pushed back by the scanner keeps the reading position, so the
+// token it starts reports the position after the character read beyond it
+// (".@1:2" in "3.x", "*@1:1" in "/*").
+const ScanCase kScanCases[] = {
+    // Words, single-character tokens and white space.
+    {"", Lang::kDefault, ""},
+    {"  \n\t ", Lang::kDefault, ""},
+    {"a b", Lang::kDefault, "a@1:0 | _b@1:2"},
+    {"a  b\n c", Lang::kDefault, "a@1:0 | _b@1:3 | _c@2:1"},
+    {"f(x,y);", Lang::kDefault, "f@1:0 | (@1:1 | x@1:2 | ,@1:3 | y@1:4 | )@1:5 | ;@1:6"},
+    {"a'b\"c!d$", Lang::kDefault, "a'b\"c!d$@1:0"},
+    {"a\r\nb", Lang::kDefault, "a@1:0 | _b@2:0"},
+    {"caf\xc3\xa9 x", Lang::kDefault, "caf\\xc3\\xa9@1:0 | _x@1:6"},
+    // Tabs move to the next multiple of 8.
+    {"abc\tx", Lang::kDefault, "abc@1:0 | _x@1:8"},
+    {"abcdefgh\tx", Lang::kDefault, "abcdefgh@1:0 | _x@1:16"},
+    // Without space characters only the blank separates; tab and newline
+    // are word characters that still move the position.
+    {"a,b", Lang::kBare, "a,b@1:0"},
+    {"a\tb c", Lang::kBare, "a\\tb@1:0 | _c@1:10"},
+    {"a\nb c", Lang::kBare, "a\\nb@1:0 | _c@2:2"},
+    // Newline as a token.
+    {"a\nb", Lang::kLines, "a@1:0 | \\n@2:-1 | b@2:0"},
+    {"a % x\nb", Lang::kLines, "a@1:0 | _\\n@2:-1 | b@2:0"},
+    // Numbers.
+    {"x=12.5e-3;", Lang::kNumbers, "x@1:0 | =@1:1 | 12.5e-3@1:2 | ;@1:9"},
+    {"3.x", Lang::kNumbers, "3@1:0 | .@1:2 | x@1:2"},
+    {"a.b", Lang::kNumbers, "a@1:0 | .@1:1 | b@1:2"},
+    {"1.2.3", Lang::kNumbers, "1.2@1:0 | .@1:3 | 3@1:4"},
+    {"1.", Lang::kNumbers, "1@1:0"},
+    {"1. 2", Lang::kNumbers, "1@1:0 | .@1:2 | _2@1:3"},
+    {"1.5e+-3 x", Lang::kNumbers, "1.5e+-3@1:0 | _x@1:8"},
+    {"1.5e", Lang::kNumbers, "1.5e@1:0"},
+    {"12.5E-3)", Lang::kNumbers, "12.5E-3@1:0 | )@1:7"},
+    {"-1.5", Lang::kNumbers, "-@1:0 | 1.5@1:1"},
+    {"1.5", Lang::kDefault, "1@1:0 | .@1:1 | 5@1:2"},
+    // Strings keep their quotes and escapes.
+    {"'it''s'", Lang::kDefault, "'it''s'@1:0"},
+    {"\"it\"\"s\"", Lang::kDefault, "\"it\"@1:0 | \"s\"@1:4"},
+    {"'a\\\\' b", Lang::kDefault, "'a\\\\'@1:0 | _b@1:6"},
+    {"'a\\'b' c", Lang::kDefault, "'a\\'b'@1:0 | _c@1:7"},
+    {"x'a b'", Lang::kDefault, "x'a@1:0 | _b'@1:4"},
+    {"'a b',", Lang::kDefault, "'a b'@1:0 | ,@1:5"},
+    {"\"a\\\"b\" c", Lang::kDefault, "\"a\\\"b\"@1:0 | _c@1:7"},
+    // Comments.
+    {"a // c\nb", Lang::kComments, "a@1:0 | _b@2:0"},
+    {"a // c", Lang::kComments, "a@1:0"},
+    {"a/*x*/b", Lang::kComments, "a@1:0 | _b@1:6"},
+    {"/*/ x */y", Lang::kComments, "_y@1:8"},
+    {"/**/x", Lang::kComments, "_x@1:4"},
+    {"a%c\nb", Lang::kComments, "a%c@1:0 | _b@2:0"},
+    {"x=1 % rest\ny", Lang::kComments, "x@1:0 | =@1:1 | 1@1:2 | _y@2:0"},
+    {"/* no end", Lang::kDefault, "/@1:1 | *@1:1 | _no@1:3 | _end@1:6"},
+    {"a // c", Lang::kDefault, "a@1:0 | _/@1:3 | /@1:4 | _c@1:5"},
+    // Elements. Merging never restores space_before, so a token that failed
+    // to merge carries the flag of the look-ahead.
+    {"Title:", Lang::kElements, "Title:@1:0"},
+    {"Title :", Lang::kElements, "_Title@1:0 | _:@1:6"},
+    {"Title  :", Lang::kElements, "_Title@1:0 | _:@1:7"},
+    {"Title", Lang::kElements, "Title@1:0"},
+    {"Title:x", Lang::kElements, "Title:@1:0 | x@1:6"},
+    {"x foo", Lang::kElements, "_x@1:2 | _foo@1:2"},
+    {"a:b:c", Lang::kElements, "a:b:c@1:0"},
+    {"a:b:x", Lang::kElements, "a@1:0 | :@1:1 | b@1:2 | :@1:3 | x@1:4"},
+    {"<=", Lang::kElements, "<=@1:0"},
+    {"< =", Lang::kElements, "_<@1:0 | _=@1:2"},
+    {"Authors: Title:", Lang::kElements, "_Authors:@1:0 | Title:@1:9"},
+    {"Authors:/*c*/x", Lang::kElements, "Authors:@1:0 | /@1:9 | *@1:9 | c@1:10 | *@1:11 | /@1:13 | x@1:13"},
+};
+
+TEST(ScannerTest, TokensAndPositions) {
+  for (const ScanCase& c : kScanCases) {
+    EXPECT_EQ(ScanStream(c.input, c.lang), c.expected) << "input: \"" << Escape(c.input) << '"';
+    // The buffered stream must agree with a source read one call at a time.
+    EXPECT_EQ(ScanCharByChar(c.input, c.lang), c.expected) << "input: \"" << Escape(c.input) << '"';
+  }
+}
+
+struct ErrorCase {
+  const char* input;
+  Lang lang;
+  const char* message;
+  const char* at;
+};
+
+const ErrorCase kErrorCases[] = {
+    {"12.5q", Lang::kNumbers, "illegal token_character 'q' while reading number", "1:0"},
+    {"x 1.5ee", Lang::kNumbers, "illegal token_character 'e' while reading number", "1:2"},
+    {"7.5'", Lang::kNumbers, "illegal token_character ''' while reading number", "1:0"},
+    {"'abc", Lang::kDefault, "unterminated string constant", "1:0"},
+    {"ab \"cd", Lang::kBare, "unterminated string constant", "1:3"},
+    {"\"a\\\\\" b", Lang::kDefault, "unterminated string constant", "1:0"},
+    {"'it''", Lang::kDefault, "unterminated string constant", "1:0"},
+    {"/* no end", Lang::kComments, "comment block '/*' not terminated", "1:0"},
+    {"x\n  /* /", Lang::kComments, "comment block '/*' not terminated", "2:2"},
+};
+
+TEST(ScannerTest, Errors) {
+  for (const ErrorCase& c : kErrorCases) {
+    std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(c.lang);
+    std::istringstream in(c.input);
+    StreamTokenizer t(&in, lang.get());
+    t.file_name = "in.txt";
+    try {
+      while (!t.try_next_token().empty()) {
+      }
+      ADD_FAILURE() << "no error for \"" << Escape(c.input) << '"';
+    } catch (const ParserError& e) {
+      std::ostringstream at;
+      e.pos.write(at);
+      EXPECT_EQ(e.message, c.message) << "input: \"" << Escape(c.input) << '"';
+      EXPECT_EQ(at.str(), c.at) << "input: \"" << Escape(c.input) << '"';
+      EXPECT_EQ(e.file_name, "in.txt");
+    }
+  }
+}
+
+TEST(ScannerTest, HighBytesInCharacterClasses) {
+  // Bytes above 127 index the sets by their unsigned value.
+  TokenizerLanguage lang;
+  lang.space_chars.add(0xFF);
+  lang.single_char_tokens.add(0x80);
+  std::istringstream in("a\xff" "b\x80" "c");
+  StreamTokenizer t(&in, &lang);
+  EXPECT_EQ(Tokens(t), "a@1:0 | _b@1:2 | \\x80@1:3 | c@1:4");
+  EXPECT_EQ(static_cast<unsigned char>(t.last_space_char), 0xFF);
+}
+
+TEST(ScannerTest, StreamAndStringSourcesAgreeOnRandomInput) {
+  // Random text over the characters that matter to some language, compared
+  // between the buffered stream, a char-by-char source and the string
+  // source; this also has to finish without crashing or hanging.
+  const std::string alphabet = "ab1 2\t\n\r.:;/*'\"\\%eE+-<=xT\xff\x80";
+  std::mt19937 rng(42);
+  for (int round = 0; round < 3000; ++round) {
+    std::string input;
+    const int n = static_cast<int>(rng() % 40);
+    for (int i = 0; i < n; ++i) input += alphabet[rng() % alphabet.size()];
+    for (Lang kind : {Lang::kBare, Lang::kDefault, Lang::kNumbers, Lang::kComments, Lang::kLines,
+                      Lang::kElements}) {
+      const std::string expected = ScanCharByChar(input, kind);
+      ASSERT_EQ(ScanStream(input, kind), expected) << "input: \"" << Escape(input) << '"';
+      ASSERT_EQ(ScanString(input, kind), expected) << "input: \"" << Escape(input) << '"';
+    }
+  }
+}
+
+TEST(ScannerTest, NulBytesAreOrdinaryInAStream) {
+  const std::string input("a\0b c", 5);
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(Lang::kDefault);
+  std::istringstream in(input);
+  StreamTokenizer t(&in, lang.get());
+  EXPECT_EQ(Tokens(t), "a\\x00b@1:0 | _c@1:4");
+}
+
+TEST(ScannerTest, ReadLine) {
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(Lang::kNumbers);
+  std::istringstream in("x 3.y rest of line\nnext");
+  StreamTokenizer t(&in, lang.get());
+  EXPECT_EQ(t.next_token(), "x");
+  EXPECT_EQ(t.next_token(), "3");  // "." and "y" are now pushed back
+  t.pushback_token("P");
+  t.pushback_token("Q");
+  EXPECT_EQ(t.read_line(), "QP.y rest of line");
+  EXPECT_EQ(t.next_token(), "next");
+  EXPECT_EQ(t.read_line(), "");
+  EXPECT_FALSE(t.has_more_tokens());
+}
+
+TEST(ScannerTest, TryFindLangElemInAnotherSubLanguage) {
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(Lang::kDefault);
+  lang->addSubLanguages(2);
+  lang->addLanguageElem(1, "Title:");
+  std::istringstream in("Title: Title : end");
+  StreamTokenizer t(&in, lang.get());
+  t.select_language(0);
+  TokenizerLangElem* e = t.try_find_lang_elem(1);
+  ASSERT_NE(e, nullptr);
+  EXPECT_EQ(e->name, "Title:");
+  EXPECT_EQ(t.try_find_lang_elem(1), nullptr);
+  EXPECT_EQ(t.next_token(), "Title");  // pushed back by the miss
+  EXPECT_EQ(t.next_token(), ":");
+  EXPECT_EQ(t.try_find_lang_elem(1), nullptr);
+  EXPECT_EQ(t.next_token(), "end");
+  EXPECT_EQ(t.try_find_lang_elem(1), nullptr);  // end of input
+}
+
+TEST(ScannerTest, SelectedRootOutlivesLanguage) {
+  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(Lang::kElements);
+  std::unique_ptr<TokenizerLanguage> other = MakeLanguage(Lang::kDefault);
+  std::istringstream in("Title: x");
+  StreamTokenizer t(&in, other.get());
+  t.language = lang.get();
+  t.select_language(0);
+  t.language = other.get();
+  lang.reset();  // the tokenizer still holds the root of sub-language 0
+  EXPECT_EQ(Tokens(t), "_Title:@1:0 | x@1:7");
+}
+
+}  // namespace
+}  // namespace tokenizer_test
