@@ -221,7 +221,8 @@ void Tokenizer::get_token_2() {
     read_double_quoted();
     return;
   }
-  token.assign(1, static_cast<char>(c));
+  token.clear();
+  token.push_back(static_cast<char>(c));
   if (lang.single_char_tokens.contains(c)) return;
 
   // A word. Characters that need no more than appending and counting one
@@ -270,9 +271,7 @@ void Tokenizer::get_token_2() {
   }
 }
 
-void Tokenizer::get_token() {
-  get_token_2();
-  if (!sub_language || token.empty() || sub_language->empty()) return;
+void Tokenizer::merge_token() {
   auto it = sub_language->find(token);
   if (it == sub_language->end()) return;
   // Hold the node: the lookup below may read ahead, but must not lose it.
@@ -280,10 +279,7 @@ void Tokenizer::get_token() {
   if (TokenizerLangElem* e = findLangElem(node.get())) token = e->name;
 }
 
-void Tokenizer::get_check_token() {
-  get_token();
-  if (token.empty()) throw error("unexpected end of file");
-}
+void Tokenizer::throw_end_of_file() const { throw error("unexpected end of file"); }
 
 TokenizerLangElem* Tokenizer::findLangElem(const TokenizerLangHash* h) {
   const std::string saved_token = token;

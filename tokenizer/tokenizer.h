@@ -186,6 +186,11 @@ class Tokenizer {
   }
 
  private:
+  // The element lookup of get_token, for a non-empty token with a
+  // sub-language selected.
+  void merge_token();
+  [[noreturn]] void throw_end_of_file() const;
+
   // stream_get()/stream_ok() for the raw readers (no pushback, no position):
   // false at the end of the source.
   bool raw_get(int* c);
@@ -200,7 +205,24 @@ class Tokenizer {
   std::unique_ptr<TokenizerLanguage> own_language_;  // for Tokenizer()
 };
 
-// ---- the character layer, inline: it runs once per input character -------
+// ---- inline: these run once per token or once per character --------------
+
+inline void Tokenizer::get_token() {
+  get_token_2();
+  // One hash probe per token when a sub-language with elements is selected.
+  if (sub_language && !token.empty() && !sub_language->empty()) merge_token();
+}
+
+inline void Tokenizer::get_check_token() {
+  get_token();
+  if (token.empty()) throw_end_of_file();
+}
+
+inline std::string& Tokenizer::next_token() {
+  get_check_token();
+  return token;
+}
+
 
 inline int Tokenizer::token_read_char() {
   if (char_pushback_count > 0) return char_pushback[--char_pushback_count];

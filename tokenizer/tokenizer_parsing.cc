@@ -26,11 +26,6 @@ int to_int(const std::string& s, bool* whole) {
 
 }  // namespace
 
-std::string& Tokenizer::next_token() {
-  get_check_token();
-  return token;
-}
-
 std::string& Tokenizer::try_next_token() {
   get_token();
   return token;
