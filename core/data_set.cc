@@ -1,0 +1,68 @@
+#include "core/data_set.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iostream>
+#include <string>
+
+RefgroveData* refgrove_data = nullptr;
+
+namespace {
+// The DID index holds at most this many entries per document of the data,
+// or kMinIndexSize, whichever is more: a damaged file with a DID of two
+// billion must not make the index take gigabytes.
+constexpr std::size_t kIndexEntriesPerDocument = 16;
+constexpr std::size_t kMinIndexSize = std::size_t{1} << 21;
+}  // namespace
+
+RefgroveData::RefgroveData(const char* path) {
+  word_data = std::make_unique<WordData>(path);
+  const std::string graph_file_name = std::string(path) + kGraphFile;
+  std::cerr << "graph_file_name=" << graph_file_name << std::endl;
+  {
+    std::ifstream in(graph_file_name, std::ios::in | std::ios::binary);
+    graph = std::make_unique<RefgroveGraph>(in);
+  }
+  max_index_size_ = std::max(kMinIndexSize, kIndexEntriesPerDocument * (graph->docs.size() + word_data->doc_info.size()));
+  index_graph();
+  index_words();
+  if (unindexed_ > 0) {
+    std::cerr << "refgrove: " << unindexed_ << " documents not indexed: their DID is negative or out of range\n";
+  }
+}
+
+bool RefgroveData::reserve_did(std::int32_t did) {
+  if (did < 0 || static_cast<std::size_t>(did) >= max_index_size_) {
+    ++unindexed_;
+    return false;
+  }
+  if (static_cast<std::size_t>(did) >= did_index.size()) did_index.resize(static_cast<std::size_t>(did) + 1);
+  return true;
+}
+
+void RefgroveData::index_graph() {
+  const std::vector<RefgroveGraphData*>& docs = graph->docs;
+  for (std::size_t i = 0; i < docs.size(); ++i) {
+    if (reserve_did(docs[i]->did)) did_index[static_cast<std::size_t>(docs[i]->did)].graph_index = static_cast<std::int32_t>(i);
+  }
+}
+
+// The last header is the repeated end sentinel and is not a document; the
+// file's own sentinel has DID -1 and is skipped like every such header.
+void RefgroveData::index_words() {
+  const std::vector<DocumentWordInfo>& headers = word_data->doc_info;
+  for (std::size_t j = 0; j + 1 < headers.size(); ++j) {
+    const std::int32_t did = headers[j].did;
+    if (did == -1) continue;
+    if (reserve_did(did)) did_index[static_cast<std::size_t>(did)].word_index = static_cast<std::int32_t>(j);
+  }
+}
+
+void refgrove_load_1(const char* path) {
+  if (refgrove_data != nullptr) {
+    std::cerr << "deleting loaded data...\n";
+    delete refgrove_data;
+    refgrove_data = nullptr;
+  }
+  refgrove_data = new RefgroveData(path);
+}

@@ -1,0 +1,56 @@
+// RefgroveData: the one loaded data set, joining the graph half and the word
+// half of a data directory through a DID index.
+//
+// The two halves are written by different passes and list documents in
+// different orders; a document may be in one half only. `did_index` is a flat
+// array indexed by DID that gives, for every DID, the position of its graph
+// record and of its word-data header (-1 where a half has none), so that a
+// query reaches either in one array access. Where a DID occurs more than
+// once in a half, the last occurrence wins.
+#ifndef REFGROVE_CORE_DATA_SET_H_
+#define REFGROVE_CORE_DATA_SET_H_
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "core/refgrove.h"
+#include "graph/graph_file.h"
+#include "words/word_data.h"
+
+struct WordGraphDataIds {
+  std::int32_t graph_index = -1;  // position in graph->docs, or -1
+  std::int32_t word_index = -1;   // position in word_data->doc_info, or -1
+};
+
+class RefgroveData {
+ public:
+  // Loads the data directory `path`, a prefix to which the file names are
+  // appended (so it normally ends in "/").
+  explicit RefgroveData(const char* path);
+
+  RefgroveData(const RefgroveData&) = delete;
+  RefgroveData& operator=(const RefgroveData&) = delete;
+
+  // The entry of `did`, or null for a DID outside the index.
+  const WordGraphDataIds* entry(int did) const {
+    if (did < 0 || static_cast<std::size_t>(did) >= did_index.size()) return nullptr;
+    return &did_index[static_cast<std::size_t>(did)];
+  }
+
+  std::vector<WordGraphDataIds> did_index;
+  std::unique_ptr<WordData> word_data;
+  std::unique_ptr<RefgroveGraph> graph;
+
+ private:
+  // Makes room for `did` in the index; false for a DID that is negative or
+  // too large for an index proportional to the data's size.
+  bool reserve_did(std::int32_t did);
+  void index_graph();
+  void index_words();
+
+  std::size_t max_index_size_ = 0;
+  std::size_t unindexed_ = 0;  // documents whose DID could not be indexed
+};
+
+#endif  // REFGROVE_CORE_DATA_SET_H_

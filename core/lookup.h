@@ -1,0 +1,32 @@
+// Shared steps of the query and printing operations: from a DID to its graph
+// record or its word run, and from an id to its text. Every step checks its
+// range, so a DID, index or id outside the loaded data is simply absent.
+#ifndef REFGROVE_CORE_LOOKUP_H_
+#define REFGROVE_CORE_LOOKUP_H_
+
+#include <cstdint>
+
+#include "core/data_set.h"
+
+// The run of word ids of one word-data header: positions start ..
+// start + count - 1 of "word-data", counted in word ids.
+struct WordRun {
+  std::int64_t start;
+  std::int64_t count;
+};
+
+// The graph record of `did` found through the DID index, or null.
+const RefgroveGraphData* graph_record(int did);
+
+// The word-data header position of `did`, or -1.
+int word_index_of(int did);
+
+// The word run of header `w` (which must be a document header, not the last
+// entry of doc_info).
+WordRun word_run_at(int w);
+
+// The text of a word id or an author id, or null outside its table.
+const char* word_text(std::uint32_t id);
+const char* author_text(int author_id);
+
+#endif  // REFGROVE_CORE_LOOKUP_H_

@@ -1,0 +1,59 @@
+#include "graph/graph_file.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+
+#include "words/byte_io.h"
+
+namespace {
+constexpr std::size_t kSmallestRecordBytes = 22;
+}
+
+void write_graph_file(std::ostream& out, const CompactedStringTable& authors,
+                      const std::vector<RefgroveGraphData*>& docs) {
+  authors.write(out);
+  put_int32(out, static_cast<std::int32_t>(docs.size()));
+  for (const RefgroveGraphData* doc : docs) doc->write(out);
+}
+
+RefgroveGraph::RefgroveGraph(std::istream& in) {
+  std::cerr << "Reading Graph Data...\n";
+  const std::string bytes = read_rest_of_stream(in);
+  ByteReader reader(bytes.data(), bytes.size());
+  author_table = std::make_unique<CompactedStringTable>(reader);
+  std::int32_t n = 0;
+  reader.read_int32(&n);
+  // The stored count is reported as it is, but only whole records are kept.
+  docs.reserve(std::min<std::size_t>(static_cast<std::size_t>(std::max(n, 0)), reader.remaining() / kSmallestRecordBytes));
+  for (std::int32_t i = 0; i < n; ++i) {
+    RefgroveGraphData* doc = RefgroveGraphData::read(reader, arena_);
+    if (doc == nullptr) break;
+    docs.push_back(doc);
+  }
+  std::cerr << "read " << n << " items.\n" << "Done.\n";
+}
+
+std::ostream& RefgroveGraph::write(std::ostream& out) const {
+  write_graph_file(out, *author_table, docs);
+  return out;
+}
+
+int RefgroveGraph::findDid(int did) const {
+  int lo = 0;
+  int hi = static_cast<int>(docs.size());
+  if (hi < 1) return -1;
+  for (;;) {
+    const int mid = lo + (hi - lo) / 2;
+    const int k = docs[mid]->did;
+    if (k < did) {
+      lo = mid + 1;
+      if (lo >= hi) return -1;
+    } else if (k == did) {
+      return mid;
+    } else {
+      hi = mid;
+      if (lo >= hi) return -1;
+    }
+  }
+}

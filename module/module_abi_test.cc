@@ -1,0 +1,106 @@
+// Loads refgrove.so the way a host program does, with dlopen, and checks that
+// it exports its C interface and nothing else.
+#include <dlfcn.h>
+#include <stdio.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "core/test_documents.h"
+
+namespace {
+
+std::vector<std::string> exported_symbols() {
+  std::vector<std::string> names;
+  FILE* nm = popen("nm -D --defined-only " REFGROVE_MODULE_PATH, "r");
+  char line[512];
+  while (nm != nullptr && fgets(line, sizeof line, nm) != nullptr) {
+    std::string s(line);
+    s = s.substr(s.find_last_of(' ') + 1);
+    s.pop_back();  // the line end
+    names.push_back(s);
+  }
+  if (nm != nullptr) pclose(nm);
+  return names;
+}
+
+bool is_interface_symbol(const std::string& name) {
+  return name.rfind("refgrove_", 0) == 0 || name.rfind("lumox_", 0) == 0 || name == "init_refgrove";
+}
+
+TEST(Module, ExportsOnlyItsCInterface) {
+  const std::vector<std::string> names = exported_symbols();
+  ASSERT_FALSE(names.empty());
+  for (const std::string& name : names) EXPECT_TRUE(is_interface_symbol(name)) << name;
+}
+
+class ModuleCalls : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    handle_ = dlopen(REFGROVE_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle_, nullptr) << dlerror();
+  }
+  void TearDown() override {
+    if (handle_ != nullptr) dlclose(handle_);
+  }
+  template <class F>
+  F* fn(const char* name) {
+    void* sym = dlsym(handle_, name);
+    EXPECT_NE(sym, nullptr) << name;
+    return reinterpret_cast<F*>(sym);
+  }
+  void* handle_ = nullptr;
+};
+
+TEST_F(ModuleCalls, EveryPlainOperationAnswers) {
+  TempDir dir;
+  sample_documents().write(dir.path());
+  {
+    StreamCapture capture;
+    fn<void(const char*)>("refgrove_load_1")(dir.path().c_str());
+  }
+  EXPECT_NE(*fn<void*>("refgrove_data"), nullptr);
+  int n = 0, a = 0, b = 0;
+  const char* text = nullptr;
+  fn<void(int*)>("refgrove_last_did_1")(&n);
+  EXPECT_EQ(n, 10);
+  EXPECT_EQ(fn<int(int)>("refgrove_has_graph_info_1")(4), 1);
+  EXPECT_EQ(fn<int(int)>("refgrove_has_word_info_1")(4), 0);
+  EXPECT_EQ(fn<int(int, const char**)>("refgrove_get_key_1")(2, &text), 1);
+  EXPECT_STREQ(text, "smith94");
+  EXPECT_EQ(fn<int(int, int*)>("refgrove_get_year_1")(2, &n), 1);
+  EXPECT_EQ(n, 1994);
+  EXPECT_EQ(fn<int(int, int*)>("refgrove_cite_count_1")(2, &n), 1);
+  EXPECT_EQ(n, 2);
+  EXPECT_EQ(fn<int(int, int, int*, int*)>("refgrove_get_cite_1")(2, 1, &a, &b), 1);
+  EXPECT_EQ(a * 100 + b, 912);
+  EXPECT_EQ(fn<int(int, int*)>("refgrove_title_length_1")(2, &n), 1);
+  EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_title_word_1")(2, 0, &text), 1);
+  EXPECT_STREQ(text, "Graph");
+  EXPECT_EQ(fn<int(int, int*)>("refgrove_author_count_1")(2, &n), 1);
+  EXPECT_EQ(n, 3);
+  EXPECT_EQ(fn<int(int, int, int*)>("refgrove_get_author_id_1")(2, 1, &n), 1);
+  EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_author_1")(2, 1, &text), 1);
+  EXPECT_STREQ(text, "A. B. Jones");
+  int ids[3] = {};
+  fn<void(int, int*)>("refgrove_get_authors_1")(2, ids);
+  EXPECT_EQ(ids[2], 2);
+  EXPECT_EQ(fn<int(int, int*)>("refgrove_word_count_1")(2, &n), 1);
+  EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_word_1")(2, 1, &text), 1);
+  EXPECT_STREQ(text, "study");
+  EXPECT_EQ(fn<int(int, const char**)>("refgrove_id2author_1")(2, &text), 1);
+  EXPECT_STREQ(text, "C. Doe");
+  EXPECT_EQ(fn<int()>("refgrove_get_nb_authors_1")(), 3);
+  fn<void(int*, int*, int*)>("refgrove_stats_1")(&n, &a, &b);
+  EXPECT_EQ(n * 10000 + a * 100 + b, 40903);
+  EXPECT_EQ(fn<double(int, int)>("refgrove_author_distance_1")(1, 2), 0.0);
+  testing::internal::CaptureStdout();
+  fn<void(int)>("refgrove_print_author_1")(0);
+  fn<void(int)>("refgrove_printdoc_1")(3);
+  fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "J. SmithDocument without word-data\nno graph info found \n");
+}
+
+}  // namespace

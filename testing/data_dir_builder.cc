@@ -1,0 +1,96 @@
+#include "testing/data_dir_builder.h"
+
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <stdexcept>
+
+#include "graph/arena.h"
+#include "graph/graph_file.h"
+#include "words/compacted_string_table.h"
+#include "words/string_table.h"
+
+DataDirBuilder& DataDirBuilder::add(TestDocument doc) {
+  docs_.push_back(std::move(doc));
+  return *this;
+}
+
+void DataDirBuilder::write(const std::string& dir) const {
+  StringTable words;
+  std::vector<DocumentWordInfo> headers;
+  std::vector<std::uint32_t> ids;
+  for (const TestDocument& doc : docs_) {
+    if (!doc.in_words) continue;
+    headers.push_back(DocumentWordInfo{doc.did, static_cast<std::int32_t>(kWordIdBytes * ids.size())});
+    for (const std::string& w : doc.words) ids.push_back(static_cast<std::uint32_t>(words.String2ID(w)));
+  }
+  headers.push_back(DocumentWordInfo{-1, static_cast<std::int32_t>(kWordIdBytes * ids.size())});
+  write_word_idx(dir, headers);
+  write_word_data(dir, ids);
+
+  Arena arena;
+  StringTable authors;
+  std::vector<RefgroveGraphData*> records;
+  for (const TestDocument& doc : docs_) {
+    if (!doc.in_graph) continue;
+    std::vector<WordId> title;
+    for (const std::string& w : doc.title) title.push_back(WordId::from_id(static_cast<std::uint32_t>(words.String2ID(w))));
+    std::vector<std::int32_t> author_ids;
+    for (const std::string& a : doc.authors) author_ids.push_back(authors.String2ID(a));
+    records.push_back(RefgroveGraphData::create(arena, doc.did, doc.key, doc.year, doc.citations, title, author_ids));
+  }
+  std::ofstream graph(dir + kGraphFile, std::ios::binary);
+  write_graph_file(graph, CompactedStringTable(authors), records);
+
+  std::ofstream table(dir + kWordTableFile, std::ios::binary);
+  CompactedStringTable(words).write(table);
+}
+
+void write_word_table(const std::string& dir, const std::vector<std::string>& words) {
+  StringTable table;
+  for (const std::string& w : words) table.String2ID(w);
+  std::ofstream out(dir + kWordTableFile, std::ios::binary);
+  CompactedStringTable(table).write(out);
+}
+
+void write_word_idx(const std::string& dir, const std::vector<DocumentWordInfo>& headers) {
+  std::ofstream out(dir + kWordIdxFile, std::ios::binary);
+  for (const DocumentWordInfo& h : headers) write_document_word_info(out, h);
+}
+
+void write_word_data(const std::string& dir, const std::vector<std::uint32_t>& ids) {
+  std::ofstream out(dir + kWordDataFile, std::ios::binary);
+  for (std::uint32_t id : ids) write_word_id(out, WordId::from_id(id));
+}
+
+void write_file(const std::string& path, const std::string& bytes) {
+  std::ofstream out(path, std::ios::binary);
+  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string read_file(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+TempDir::TempDir() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "refgrove-test-XXXXXX").string();
+  if (mkdtemp(&pattern[0]) == nullptr) throw std::runtime_error("mkdtemp failed");
+  path_ = pattern + "/";
+}
+
+TempDir::~TempDir() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+StreamCapture::StreamCapture()
+    : old_out_(std::cout.rdbuf(out_.rdbuf())), old_err_(std::cerr.rdbuf(err_.rdbuf())) {}
+
+StreamCapture::~StreamCapture() {
+  std::cout.rdbuf(old_out_);
+  std::cerr.rdbuf(old_err_);
+}

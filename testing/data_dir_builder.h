@@ -1,0 +1,77 @@
+// Test support: data directories written with the production writers, and
+// capture of the standard streams.
+#ifndef REFGROVE_TESTING_DATA_DIR_BUILDER_H_
+#define REFGROVE_TESTING_DATA_DIR_BUILDER_H_
+
+#include <cstdint>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "graph/graph_record.h"
+#include "words/word_files.h"
+
+// A document as the dumps would describe it.
+struct TestDocument {
+  std::int32_t did = 0;
+  std::string key;
+  std::int32_t year = -1;
+  std::vector<CitationInfo> citations;
+  std::vector<std::string> title;
+  std::vector<std::string> authors;
+  std::vector<std::string> words;
+  bool in_graph = true;  // has a graph record
+  bool in_words = true;  // has a word-data header
+};
+
+// Writes a data directory the way preprocessing does: word ids are interned
+// first from the documents' words (in document order), then from the title
+// words; authors have a table of their own; word-idx offsets are byte
+// positions in word-data, followed by the end sentinel.
+class DataDirBuilder {
+ public:
+  DataDirBuilder& add(TestDocument doc);
+  void write(const std::string& dir) const;
+
+ private:
+  std::vector<TestDocument> docs_;
+};
+
+// The single files, for tests that need exact control of their contents.
+void write_word_table(const std::string& dir, const std::vector<std::string>& words);
+void write_word_idx(const std::string& dir, const std::vector<DocumentWordInfo>& headers);
+void write_word_data(const std::string& dir, const std::vector<std::uint32_t>& ids);
+void write_file(const std::string& path, const std::string& bytes);
+std::string read_file(const std::string& path);
+
+// A fresh directory under the system's temporary directory, removed with its
+// contents at the end of the scope. path() ends in "/".
+class TempDir {
+ public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+// Redirects std::cout and std::cerr into strings for the scope's duration.
+class StreamCapture {
+ public:
+  StreamCapture();
+  ~StreamCapture();
+  StreamCapture(const StreamCapture&) = delete;
+  StreamCapture& operator=(const StreamCapture&) = delete;
+  std::string out() const { return out_.str(); }
+  std::string err() const { return err_.str(); }
+
+ private:
+  std::ostringstream out_, err_;
+  std::streambuf* old_out_;
+  std::streambuf* old_err_;
+};
+
+#endif  // REFGROVE_TESTING_DATA_DIR_BUILDER_H_

@@ -1,0 +1,100 @@
+// Little-endian integers on disk, whatever the build's own byte order.
+//
+// Writers append to a std::ostream; readers take bytes from a ByteReader, a
+// cursor over a block of memory that never reads past its end. A reader that
+// runs short fails: it reads nothing more and every later read fails too, so
+// a truncated file yields exactly the items that are whole.
+#ifndef REFGROVE_WORDS_BYTE_IO_H_
+#define REFGROVE_WORDS_BYTE_IO_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <istream>
+#include <ostream>
+#include <string>
+
+inline void put_uint8(std::ostream& out, std::uint8_t v) { out.put(static_cast<char>(v)); }
+
+inline void put_uint16(std::ostream& out, std::uint16_t v) {
+  const char b[2] = {static_cast<char>(v), static_cast<char>(v >> 8)};
+  out.write(b, 2);
+}
+
+inline void put_int32(std::ostream& out, std::int32_t value) {
+  const auto v = static_cast<std::uint32_t>(value);
+  const char b[4] = {static_cast<char>(v), static_cast<char>(v >> 8), static_cast<char>(v >> 16),
+                     static_cast<char>(v >> 24)};
+  out.write(b, 4);
+}
+
+inline std::uint16_t get_uint16(const unsigned char* p) {
+  return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
+}
+
+inline std::int32_t get_int32(const unsigned char* p) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
+                                   (static_cast<std::uint32_t>(p[2]) << 16) |
+                                   (static_cast<std::uint32_t>(p[3]) << 24));
+}
+
+class ByteReader {
+ public:
+  ByteReader(const char* data, std::size_t size)
+      : p_(reinterpret_cast<const unsigned char*>(data)), end_(p_ + size) {}
+
+  std::size_t remaining() const { return static_cast<std::size_t>(end_ - p_); }
+  bool failed() const { return failed_; }
+
+  // Marks the reader as exhausted: used when a count in the data cannot be
+  // trusted, so that nothing behind it is interpreted either.
+  void fail() {
+    failed_ = true;
+    p_ = end_;
+  }
+
+  // Returns the next n bytes and moves past them, or null (and fails) when
+  // fewer than n remain.
+  const unsigned char* take(std::size_t n) {
+    if (failed_ || n > remaining()) {
+      fail();
+      return nullptr;
+    }
+    const unsigned char* at = p_;
+    p_ += n;
+    return at;
+  }
+
+  bool read_int32(std::int32_t* out) {
+    const unsigned char* p = take(4);
+    if (p) *out = get_int32(p);
+    return p != nullptr;
+  }
+  bool read_int16(std::int16_t* out) {
+    const unsigned char* p = take(2);
+    if (p) *out = static_cast<std::int16_t>(get_uint16(p));
+    return p != nullptr;
+  }
+
+  // Reads a count of items of item_size bytes each: fails when the count is
+  // negative or the items could not fit in the bytes that remain.
+  bool read_count(std::size_t item_size, std::int32_t* out) {
+    if (!read_int32(out)) return false;
+    if (*out < 0 || static_cast<std::uint64_t>(*out) * item_size > remaining()) {
+      fail();
+      return false;
+    }
+    return true;
+  }
+
+ private:
+  const unsigned char* p_;
+  const unsigned char* end_;
+  bool failed_ = false;
+};
+
+// The rest of a stream, from its current position to its end; empty for a
+// stream in a failed state.
+std::string read_rest_of_stream(std::istream& in);
+
+#endif  // REFGROVE_WORDS_BYTE_IO_H_

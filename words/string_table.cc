@@ -1,0 +1,38 @@
+#include "words/string_table.h"
+
+#include "tokenizer/name_hash.h"
+
+namespace {
+constexpr std::size_t kInitialSlots = 1024;
+}
+
+StringTable::StringTable() : slots_(kInitialSlots, Slot{0, -1}) {}
+
+int StringTable::String2ID(const std::string& s) {
+  const std::uint32_t h = hash_name_hash_key::hash(s.c_str());
+  const std::size_t mask = slots_.size() - 1;
+  const eq_name_hash_key equal;
+  for (std::size_t i = h & mask;; i = (i + 1) & mask) {
+    Slot& slot = slots_[i];
+    if (slot.id < 0) {
+      slot = Slot{h, static_cast<std::int32_t>(by_id.size())};
+      by_id.push_back(s);
+      if (by_id.size() * 2 > slots_.size()) grow();
+      return static_cast<int>(by_id.size()) - 1;
+    }
+    if (slot.hash == h && equal(by_id[slot.id], s)) return slot.id;
+  }
+}
+
+void StringTable::grow() {
+  std::vector<Slot> old;
+  old.swap(slots_);
+  slots_.assign(old.size() * 2, Slot{0, -1});
+  const std::size_t mask = slots_.size() - 1;
+  for (const Slot& slot : old) {
+    if (slot.id < 0) continue;
+    std::size_t i = slot.hash & mask;
+    while (slots_[i].id >= 0) i = (i + 1) & mask;
+    slots_[i] = slot;
+  }
+}

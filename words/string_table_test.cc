@@ -1,0 +1,53 @@
+#include "words/string_table.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tokenizer/name_hash.h"
+
+namespace {
+
+TEST(NameHash, FiveTimesPlusSignedByteUpToFirstNul) {
+  const struct {
+    std::string s;
+    std::uint32_t h;
+  } cases[] = {
+      {"", 0},
+      {"a", 97},
+      {"ab", 5 * 97 + 98},
+      {"\xff", 0xFFFFFFFFu},                             // the byte counts as -1
+      {std::string("ab\0zz", 5), 5 * 97 + 98},           // stops at the NUL
+      {std::string(20, 'z'), [] {                         // wraps at 32 bits
+         std::uint32_t h = 0;
+         for (int i = 0; i < 20; ++i) h = 5 * h + 'z';
+         return h;
+       }()},
+  };
+  for (const auto& c : cases) EXPECT_EQ(hash_name_hash_key()(c.s), c.h) << "input of length " << c.s.size();
+  EXPECT_TRUE(eq_name_hash_key()(std::string("a\0b", 3), std::string("a\0b", 3)));
+  EXPECT_FALSE(eq_name_hash_key()(std::string("a\0b", 3), std::string("a\0c", 3)));
+  EXPECT_FALSE(eq_name_hash_key()("a", std::string("a\0", 2)));
+}
+
+TEST(StringTable, HandsOutDenseIdsInFirstComeOrder) {
+  StringTable t;
+  EXPECT_EQ(t.String2ID("word"), 0);
+  EXPECT_EQ(t.String2ID("Word"), 1);  // case matters
+  EXPECT_EQ(t.String2ID(""), 2);
+  EXPECT_EQ(t.String2ID(" word"), 3);  // surrounding blanks matter
+  EXPECT_EQ(t.String2ID("word"), 0);
+  EXPECT_EQ(t.String2ID(std::string("a\0b", 3)), 4);
+  EXPECT_EQ(t.String2ID("a"), 5);  // same hash as "a\0b", different key
+  EXPECT_EQ(t.size(), 6);
+  EXPECT_EQ(t.by_id[1], "Word");
+}
+
+TEST(StringTable, KeepsIdsAcrossGrowth) {
+  StringTable t;
+  for (int i = 0; i < 100000; ++i) ASSERT_EQ(t.String2ID("w" + std::to_string(i)), i);
+  for (int i = 0; i < 100000; i += 997) EXPECT_EQ(t.String2ID("w" + std::to_string(i)), i);
+  EXPECT_EQ(t.size(), 100000);
+}
+
+}  // namespace
