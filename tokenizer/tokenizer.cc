@@ -1,13 +1,81 @@
 // The character layer's slow paths, the scanner and element merging.
 #include "tokenizer/tokenizer.h"
 
+#include <cstring>
+
 #include "tokenizer/string_helpers.h"
+
+#if defined(__x86_64__) && defined(__GNUC__)
+#include <immintrin.h>
+#define REFGROVE_VECTOR_SCAN 1
+#endif
 
 namespace {
 
 bool is_digit(int c) { return c >= '0' && c <= '9'; }
 
+#ifdef REFGROVE_VECTOR_SCAN
+// Set membership of 16 bytes at once: the low nibble of each byte picks a
+// row of eight bits from a table (one table for high nibbles 0-7, one for
+// 8-15), the high nibble picks the bit. Returns the first member in
+// [p, end) or the point where fewer than 16 bytes are left.
+__attribute__((target("ssse3"))) const char* scan_16(const char* p, const char* end,
+                                                     const unsigned char* low_hi0,
+                                                     const unsigned char* low_hi1) {
+  const __m128i nibble = _mm_set1_epi8(0x0F);
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i rows0 = _mm_load_si128(reinterpret_cast<const __m128i*>(low_hi0));
+  const __m128i rows1 = _mm_load_si128(reinterpret_cast<const __m128i*>(low_hi1));
+  const __m128i bits = _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 1, 2, 4, 8, 16, 32, 64, -128);
+  while (end - p >= 16) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+    const __m128i lo = _mm_and_si128(v, nibble);
+    const __m128i hi = _mm_and_si128(_mm_srli_epi16(v, 4), nibble);
+    const __m128i upper = _mm_cmplt_epi8(v, zero);  // high nibble 8-15
+    const __m128i row = _mm_or_si128(_mm_andnot_si128(upper, _mm_shuffle_epi8(rows0, lo)),
+                                     _mm_and_si128(upper, _mm_shuffle_epi8(rows1, lo)));
+    const __m128i outside = _mm_cmpeq_epi8(_mm_and_si128(row, _mm_shuffle_epi8(bits, hi)), zero);
+    const unsigned members = ~static_cast<unsigned>(_mm_movemask_epi8(outside)) & 0xFFFFu;
+    if (members != 0) return p + __builtin_ctz(members);
+    p += 16;
+  }
+  return p;
+}
+
+bool have_ssse3() {
+  static const bool yes = __builtin_cpu_supports("ssse3");
+  return yes;
+}
+#endif
+
 }  // namespace
+
+const char* Tokenizer::scan_word(const char* p, const char* end, const TokenizerCharSet& stop) {
+#ifdef REFGROVE_VECTOR_SCAN
+  if (end - p >= 16 && have_ssse3()) {
+    WordStopTables& t = stop_tables_;
+    if (!t.built || std::memcmp(t.set.words, stop.words, sizeof stop.words) != 0) {
+      t.set = stop;
+      std::memset(t.low_hi0, 0, sizeof t.low_hi0);
+      std::memset(t.low_hi1, 0, sizeof t.low_hi1);
+      for (int c = 0; c < 256; ++c) {
+        if (!stop.contains(c)) continue;
+        const int hi = c >> 4;
+        if (hi < 8) {
+          t.low_hi0[c & 15] |= static_cast<unsigned char>(1u << hi);
+        } else {
+          t.low_hi1[c & 15] |= static_cast<unsigned char>(1u << (hi - 8));
+        }
+      }
+      t.built = true;
+    }
+    p = scan_16(p, end, t.low_hi0, t.low_hi1);
+    if (p != end && stop.contains(*p)) return p;
+  }
+#endif
+  while (p != end && !stop.contains(*p)) ++p;
+  return p;
+}
 
 Tokenizer::Tokenizer(TokenizerLanguage* language_)
     : file_name(nullptr),
@@ -239,8 +307,7 @@ void Tokenizer::get_token_2() {
   if (number_char != 0) stop.add(number_char);
   for (;;) {
     if (char_pushback_count == 0 && direct_next_ != direct_end_) {
-      const char* p = direct_next_;
-      while (p != direct_end_ && !stop.contains(*p)) ++p;
+      const char* p = scan_word(direct_next_, direct_end_, stop);
       const std::ptrdiff_t n = p - direct_next_;
       if (n > 0) {
         token.append(direct_next_, static_cast<std::size_t>(n));

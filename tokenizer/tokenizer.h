@@ -199,6 +199,22 @@ class Tokenizer {
   void read_single_quoted();
   void read_double_quoted();
 
+  // The end of a plain run of word characters in [p, end): the first
+  // character in `stop`, or end.
+  const char* scan_word(const char* p, const char* end, const TokenizerCharSet& stop);
+
+  // Nibble tables of the last set of word-ending characters, for scanning
+  // 16 characters at a time: bit h of low_hi0[l] says whether the byte
+  // (h << 4 | l) is in the set, for h below 8; low_hi1 does the same for h
+  // from 8 on (bit h - 8). Rebuilt when the set changes.
+  struct WordStopTables {
+    TokenizerCharSet set;
+    bool built = false;
+    alignas(16) unsigned char low_hi0[16];
+    alignas(16) unsigned char low_hi1[16];
+  };
+  WordStopTables stop_tables_;
+
   // The word ended at white space: the next raw token counts as preceded by
   // white space even though the blank is already consumed.
   bool pending_space_ = false;

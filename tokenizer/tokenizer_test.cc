@@ -195,7 +195,7 @@ TEST(ScannerTest, StreamAndStringSourcesAgreeOnRandomInput) {
   std::mt19937 rng(42);
   for (int round = 0; round < 3000; ++round) {
     std::string input;
-    const int n = static_cast<int>(rng() % 40);
+    const int n = static_cast<int>(rng() % 80);
     for (int i = 0; i < n; ++i) input += alphabet[rng() % alphabet.size()];
     for (Lang kind : {Lang::kBare, Lang::kDefault, Lang::kNumbers, Lang::kComments, Lang::kLines,
                       Lang::kElements}) {
