@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -27,13 +26,18 @@ TEST(WordData, LoadsTheThreeFilesWithItsMessages) {
   StreamCapture capture;
   const WordData data(dir.path());
 
-  const std::regex expected("Reading Word Data from " + dir.path() + "word-table \\.\\.\\.\n" +
-                            "Read 3 words in 17 bytes\\.\n"
-                            "Read 3 document headers\n"
-                            "Mapping abstract file " + dir.path() + "word-data\\.\\.\\.\n"
-                            "Mapped abstracts file at 0x[0-9a-f]+\n"
-                            "start=Done\\.\n");
-  EXPECT_TRUE(std::regex_match(capture.err(), expected)) << capture.err();
+  const std::string before = "Reading Word Data from " + dir.path() + "word-table ...\n" +
+                             "Read 3 words in 17 bytes.\n"
+                             "Read 3 document headers\n"
+                             "Mapping abstract file " + dir.path() + "word-data...\n"
+                             "Mapped abstracts file at 0x";
+  const std::string after = "\nstart=Done.\n";
+  const std::string err = capture.err();
+  ASSERT_GT(err.size(), before.size() + after.size()) << err;
+  EXPECT_EQ(err.substr(0, before.size()), before);
+  EXPECT_EQ(err.substr(err.size() - after.size()), after);
+  const std::string address = err.substr(before.size(), err.size() - before.size() - after.size());
+  EXPECT_EQ(address.find_first_not_of("0123456789abcdef"), std::string::npos) << address;
   EXPECT_EQ(capture.out(), "");
 
   // The headers, the sentinel, and the sentinel again.
