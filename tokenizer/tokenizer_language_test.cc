@@ -95,15 +95,4 @@ TEST(TokenizerLanguageTest, NodeCounting) {
   EXPECT_EQ(a->refcount, 1);
 }
 
-TEST(TokenizerLanguageTest, ElementIndex) {
-  TokenizerLanguage lang;
-  TokenizerLangElem e;
-  lang.addElementIndex(3);
-  lang.setElement(2, &e);
-  lang.addElementIndex(5);  // the old table goes, its elements are not freed
-  lang.setElement(4, &e);
-  EXPECT_EQ(lang.elements[4], &e);
-  EXPECT_EQ(e.refcount, 0);
-}
-
 }  // namespace

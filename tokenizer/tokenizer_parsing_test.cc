@@ -166,15 +166,6 @@ TEST(ParsingTest, Integers) {
   }
 }
 
-TEST(ParsingTest, Doubles) {
-  TokenizerLanguage lang;
-  StringTokenizer t("1.5e3 abc 2.5x -0.25", &lang);
-  EXPECT_DOUBLE_EQ(t.next_double(), 1500.0);
-  EXPECT_DOUBLE_EQ(t.next_double(), 0.0);
-  EXPECT_DOUBLE_EQ(t.next_double(), 2.5);
-  EXPECT_DOUBLE_EQ(t.next_double(), -0.25);
-}
-
 TEST(ParsingTest, ResetDropsPushedBackTokens) {
   TokenizerLanguage lang;
   StringTokenizer t("a b", &lang);

@@ -48,14 +48,6 @@ TEST(TokenizerPosTest, WriteAndGetString) {
   }
 }
 
-TEST(TokenizerPosTest, IncRowAndEquals) {
-  TokenizerPos p = At(4, 9);
-  p.incRow();
-  EXPECT_TRUE(p.equals(At(5, 0)));
-  EXPECT_FALSE(p.equals(At(0, 5)));
-  EXPECT_TRUE(TokenizerPos().equals(At(-10, -10)));
-}
-
 TEST(ParserErrorTest, WriteAndEquals) {
   const ParserError anonymous("unexpected end of file", At(12, 8), nullptr);
   const ParserError named("unexpected end of file", At(12, 8), "graph.txt");
@@ -102,9 +94,6 @@ TEST(StringHelpersTest, Edits) {
     strip_string_markers(s);
     EXPECT_EQ(s, c.stripped) << c.in;
   }
-  std::string s = "Title: x1";
-  str_to_uppercase(s);
-  EXPECT_EQ(s, "TITLE: X1");
 }
 
 TEST(StringHelpersTest, CaseInsensitivePrefix) {
@@ -123,18 +112,6 @@ TEST(StringHelpersTest, CaseInsensitivePrefix) {
   }
   // A NUL inside s where t ends must not read past t.
   EXPECT_FALSE(str_i_equals(std::string("a\0b", 3), "a"));
-}
-
-TEST(StringHelpersTest, SearchAndTabs) {
-  EXPECT_TRUE(strcontains(",;", ';'));
-  EXPECT_FALSE(strcontains("", 'a'));
-  EXPECT_FALSE(strcontains("abc", '\0'));
-  EXPECT_EQ(strposition("abcb", 'b'), 1);
-  EXPECT_EQ(strposition("abc", 'x'), -1);
-  std::ostringstream os;
-  mtab(os, 3) << 'x';
-  mtab(os, -2) << 'y';
-  EXPECT_EQ(os.str(), "\t\t\tx" "y");
 }
 
 }  // namespace
