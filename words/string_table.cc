@@ -4,7 +4,20 @@
 
 namespace {
 constexpr std::size_t kInitialSlots = 1024;
+
+// The slot where the probe for hash `h` starts. The name hash (h = 5h + c)
+// leaves its low bits to the last characters only, so strings that differ in
+// their first characters would crowd into a few neighbouring slots; mixing
+// the high bits in spreads them over the table.
+std::size_t home_slot(std::uint32_t h, std::size_t mask) {
+  h ^= h >> 16;
+  h *= 0x85ebca6bu;
+  h ^= h >> 13;
+  h *= 0xc2b2ae35u;
+  h ^= h >> 16;
+  return h & mask;
 }
+}  // namespace
 
 StringTable::StringTable() : slots_(kInitialSlots, Slot{0, -1}) {}
 
@@ -12,7 +25,7 @@ int StringTable::String2ID(const std::string& s) {
   const std::uint32_t h = hash_name_hash_key::hash(s.c_str());
   const std::size_t mask = slots_.size() - 1;
   const eq_name_hash_key equal;
-  for (std::size_t i = h & mask;; i = (i + 1) & mask) {
+  for (std::size_t i = home_slot(h, mask);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];
     if (slot.id < 0) {
       slot = Slot{h, static_cast<std::int32_t>(by_id.size())};
@@ -31,7 +44,7 @@ void StringTable::grow() {
   const std::size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
     if (slot.id < 0) continue;
-    std::size_t i = slot.hash & mask;
+    std::size_t i = home_slot(slot.hash, mask);
     while (slots_[i].id >= 0) i = (i + 1) & mask;
     slots_[i] = slot;
   }

@@ -1,0 +1,66 @@
+#include "graph/graph_dump.h"
+
+#include <string>
+#include <vector>
+
+RefgroveGraphLanguage::RefgroveGraphLanguage() {
+  single_char_tokens.add('\n');
+  space_chars.add_all(" \t\r");
+  // With ":" an ordinary character, both elements are single tokens; the
+  // elements only make them stand out as keywords of the line.
+  addSubLanguages(1);
+  addLanguageElem(0, "Title:");
+  addLanguageElem(0, "Authors:");
+  number_char = 0;
+  strings = 0;
+}
+
+RefgroveGraphTokenizer::RefgroveGraphTokenizer(std::istream& in) : StreamTokenizer(&in, &language_) {
+  language_.strings = 0;
+  select_language(0);
+}
+
+std::unique_ptr<RefgroveGraphTokenizer> create_refgrovegraph_tokenizer(std::istream& in) {
+  return std::make_unique<RefgroveGraphTokenizer>(in);
+}
+
+RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t) {
+  const std::int32_t did = t.next_integer();
+
+  std::string key;
+  if (!t.is_next_token("-")) key = t.next_token();
+
+  std::int32_t year = -1;
+  if (!t.is_next_token("-")) year = t.next_integer();
+
+  // The GIDs come first; each fixes one citation, whose DID follows after
+  // "DIDs:" in the same order.
+  t.ensure_next_token("GIDs:");
+  std::vector<CitationInfo> citations;
+  while (!t.is_next_token("DIDs:")) citations.push_back(CitationInfo{t.next_integer(), 0});
+  for (CitationInfo& c : citations) c.did = t.next_integer();
+
+  // The first title word is taken whatever it is, so a title never is empty.
+  t.ensure_next_token("Title:");
+  std::vector<WordId> title;
+  do {
+    title.push_back(WordId::from_id(static_cast<std::uint32_t>(words->String2ID(t.next_token()))));
+  } while (!t.is_next_token("Authors:"));
+
+  std::vector<std::int32_t> author_ids;
+  if (!t.is_next_token("\n")) {
+    std::string name = t.next_token();
+    while (!t.is_next_token("\n")) {
+      if (t.is_next_token("and")) {
+        author_ids.push_back(authors->String2ID(name));
+        name = t.next_token();
+      } else {
+        name += ' ';
+        name += t.next_token();
+      }
+    }
+    author_ids.push_back(authors->String2ID(name));
+  }
+
+  return RefgroveGraphData::create(arena, did, key, year, citations, title, author_ids);
+}

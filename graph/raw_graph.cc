@@ -1,0 +1,34 @@
+#include "graph/raw_graph.h"
+
+#include <fstream>
+#include <iostream>
+
+#include "graph/graph_dump.h"
+#include "graph/graph_file.h"
+#include "words/compacted_string_table.h"
+
+RawRefgroveGraph::RawRefgroveGraph(const std::string& in_dir, StringTable* words) {
+  std::cout << "preprocGraph() ...\n";
+  std::ifstream in(in_dir + kGraphDumpFile, std::ios::in | std::ios::binary);
+  const std::unique_ptr<RefgroveGraphTokenizer> t = create_refgrovegraph_tokenizer(in);
+  while (t->has_more_tokens() && !t->is_next_token("xxxx")) {
+    docs.push_back(parse_graph_record(arena_, words, &author_table, *t));
+    if (docs.size() % 1000 == 0) std::cerr << '\r' << static_cast<unsigned>(docs.size());
+  }
+  std::cerr << std::endl;
+}
+
+std::ostream& RawRefgroveGraph::write(std::ostream& out) const {
+  const CompactedStringTable authors(author_table);
+  write_graph_file(out, authors, docs);
+  return out;
+}
+
+void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words) {
+  const RawRefgroveGraph graph(in_dir, words);
+  const std::string name = out_dir + kGraphFile;
+  std::cerr << "writing graph file " << name << "...\n";
+  std::ofstream out(name, std::ios::out | std::ios::trunc | std::ios::binary);
+  graph.write(out);
+  out.close();
+}

@@ -1,0 +1,47 @@
+// Graph preprocessing: the graph text dump of an input directory read into
+// records, and written as the graph file of a data directory.
+#ifndef REFGROVE_GRAPH_RAW_GRAPH_H_
+#define REFGROVE_GRAPH_RAW_GRAPH_H_
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "graph/arena.h"
+#include "graph/graph_record.h"
+#include "words/string_table.h"
+
+// Every record of a graph dump, in dump order (never sorted: the graph file
+// keeps that order, so the dump must list DIDs ascending for lookups by DID
+// to work on the loaded graph).
+class RawRefgroveGraph {
+ public:
+  // Reads in_dir + "graph-data-aug-2002.txt" (in_dir is a plain prefix) up
+  // to a line starting with "xxxx" or the end of the file. Title words are
+  // interned in `words`, author names in `author_table`. Writes
+  // "preprocGraph() ..." to standard output and, every 1000 records, "\r"
+  // and the count to standard error, then a line end. A missing dump reads
+  // as an empty one. A malformed line throws ParserError.
+  RawRefgroveGraph(const std::string& in_dir, StringTable* words);
+
+  RawRefgroveGraph(const RawRefgroveGraph&) = delete;
+  RawRefgroveGraph& operator=(const RawRefgroveGraph&) = delete;
+
+  // Writes the graph file: the frozen author table, the record count, the
+  // records.
+  std::ostream& write(std::ostream& out) const;
+
+  std::vector<RefgroveGraphData*> docs;
+  StringTable author_table;
+
+ private:
+  Arena arena_;  // holds the records
+};
+
+// Reads the graph dump of in_dir and writes out_dir + "graph_data" (both
+// plain prefixes), reporting "writing graph file <name>..." on standard
+// error. `words` keeps every title word of the dump, with the ids the graph
+// file uses. The output file is opened only once the whole dump has parsed.
+void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words);
+
+#endif  // REFGROVE_GRAPH_RAW_GRAPH_H_

@@ -1,0 +1,141 @@
+#include "words/word_preproc.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+
+#include "core/refgrove.h"
+#include "graph/raw_graph.h"
+#include "words/compacted_string_table.h"
+#include "words/word_files.h"
+
+namespace {
+
+const char* const kWordDumpFiles[] = {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt",
+                                      "word-data3-mar-2002.txt"};
+
+// Stands for every word holding a byte outside ASCII.
+const std::string kForeignWord = "[foreign]";
+
+bool is_foreign(const std::string& word) {
+  for (const char c : word) {
+    if (static_cast<unsigned char>(c) >= 128) return true;
+  }
+  return false;
+}
+
+bool is_line_end(const std::string& token) { return token.size() == 1 && token[0] == '\n'; }
+
+}  // namespace
+
+WordPreproc::WordLanguage::WordLanguage() {
+  single_char_tokens.add_all(kSingleChars);
+  // Every control character but the line end, then blank, 255, 127, 128.
+  int n = 0;
+  for (int c = 1; c < 32; ++c) {
+    if (c != '\n') blanks[n++] = static_cast<char>(c);
+  }
+  for (const int c : {32, 255, 127, 128}) blanks[n++] = static_cast<char>(c);
+  blanks[n] = '\0';
+  space_chars.add_all(blanks);
+  strings = 0;
+  addSubLanguages(1);
+  number_char = 0;
+}
+
+WordPreproc::WordTokenizer::WordTokenizer(std::istream* in) : StreamTokenizer(in, &language_) {
+  select_language(0);
+}
+
+WordPreproc::WordTokenizer::~WordTokenizer() = default;
+
+WordPreproc::WordPreproc() : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)) {}
+
+void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
+  StringTable table;
+  std::ofstream data_out(out_dir + kWordDataFile, std::ios::out | std::ios::trunc | std::ios::binary);
+  std::ofstream idx_out(out_dir + kWordIdxFile, std::ios::out | std::ios::trunc | std::ios::binary);
+  std::cout << "Preproc word data ... \n";
+  std::cout << "1. Reading words ... \n";
+  for (const char* f : files) preprocFile(&table, data_out, idx_out, (in_dir + f).c_str());
+
+  std::cout << "2. Finalizing word-idx\n";
+  const std::streamoff end = data_out.tellp();
+  write_document_word_info(idx_out, DocumentWordInfo{-1, static_cast<std::int32_t>(end)});
+  idx_out.close();
+  data_out.close();
+
+  // The graph pass interns the title words in the same table, after the
+  // abstracts' words; the table is written only once both are in.
+  std::cout << "3. Preproc author\n";
+  preprocGraph(in_dir, out_dir, &table);
+
+  std::cout << "4. Writing word-table\n";
+  std::ofstream table_out(out_dir + kWordTableFile, std::ios::out | std::ios::trunc | std::ios::binary);
+  CompactedStringTable(table).write(table_out);
+  table_out.close();
+  std::cout << "Done Preproc Word.\n";
+}
+
+void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::ofstream& idx_out,
+                              const char* path) {
+  std::ifstream in(path, std::ios::in | std::ios::binary);
+  std::cout << "  - Reading " << path << std::endl;
+  if (!in.good()) std::cerr << "failed to open file ! \n";
+
+  WordTokenizer t(&in);
+  // The put position of "word-data", kept here rather than asked of the
+  // stream for every document (a failed stream reports -1).
+  std::int64_t position = data_out.tellp();
+  std::string ids;  // the document's word ids, 3 bytes each
+  while (t.has_more_tokens()) {
+    int did = 0;
+    if (!t.try_next_integer(&did)) {
+      // The offending token is gone; echo the rest of its line.
+      std::cerr << "no did at line " << t.token_line() << std::endl;
+      for (;;) {
+        const std::string& token = t.next_token();
+        if (is_line_end(token)) break;
+        std::cerr << token;
+      }
+      std::cerr << "\n ------------------------- \n";
+      continue;
+    }
+
+    const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
+    write_document_word_info(idx_out, DocumentWordInfo{did, offset});
+    if (did % 1000 == 0) std::cout << '\r' << did;
+
+    t.next_token();  // the field after the DID is not used
+    ids.clear();
+    // Reading each token and comparing it with the line end is what testing
+    // for the line end and then reading it again would do: the word
+    // language has no elements, so a token comes back from the pushback
+    // stack unchanged.
+    for (;;) {
+      const std::string& token = t.next_token();
+      if (is_line_end(token)) break;
+      const int id = table->String2ID(is_foreign(token) ? kForeignWord : token);
+      const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
+      ids += static_cast<char>(w.low & 0xFF);
+      ids += static_cast<char>(w.low >> 8);
+      ids += static_cast<char>(w.high);
+    }
+    data_out.write(ids.data(), static_cast<std::streamsize>(ids.size()));
+    position += static_cast<std::int64_t>(ids.size());
+  }
+  std::cout << std::endl;
+}
+
+void refgrove_preproc_1(const char* a, const char* b) {
+  // The one place where a dump that does not parse ends the process: the
+  // parsers below only throw.
+  try {
+    WordPreproc preproc;
+    preproc.preproc(a, b);
+  } catch (const ParserError& e) {
+    e.write(std::cerr);
+    std::cerr.flush();
+    std::exit(3);
+  }
+}

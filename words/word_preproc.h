@@ -1,0 +1,68 @@
+// Word preprocessing: the three word dumps of an input directory turned into
+// the word files of a data directory, with the graph preprocessing run in
+// between on the same word table (so that one "word-table" serves the
+// abstracts and the titles).
+//
+// A word dump holds one document per line: the DID, one more token (skipped,
+// whatever it is), then the words of the abstract, then the line end. Words
+// are cut by WordLanguage: every punctuation character is a word of its own
+// and control characters are blanks. A word with any byte of 128 or more is
+// stored as "[foreign]".
+#ifndef REFGROVE_WORDS_WORD_PREPROC_H_
+#define REFGROVE_WORDS_WORD_PREPROC_H_
+
+#include <fstream>
+#include <istream>
+#include <string>
+#include <vector>
+
+#include "tokenizer/stream_tokenizer.h"
+#include "words/string_table.h"
+
+class WordPreproc {
+ public:
+  // The word dumps' language: the characters of kSingleChars are tokens of
+  // their own (the line end among them, as the end of a document); the
+  // bytes 1-9, 11-31, 32, 255, 127 and 128 are blanks; no strings, no
+  // numbers; one empty sub-language.
+  class WordLanguage : public TokenizerLanguage {
+   public:
+    static constexpr char kSingleChars[] = "\\=+-*/:;.,;~<>`'?[]{}^$#@!%&()|\"\n";
+
+    WordLanguage();
+
+    // The blank characters, NUL-terminated.
+    char blanks[35];
+  };
+
+  // A tokenizer over a word dump that owns its language, with sub-language
+  // 0 selected. The stream is not owned.
+  class WordTokenizer : public StreamTokenizer {
+   public:
+    explicit WordTokenizer(std::istream* in);
+    ~WordTokenizer() override;
+
+   private:
+    // Constructed after the base, which only stores its address.
+    WordLanguage language_;
+  };
+
+  // Fills `files` with the three dump names, in processing order.
+  WordPreproc();
+
+  // Preprocesses the dumps of in_dir into out_dir (both plain prefixes: the
+  // file names are appended without a separator). Writes "word-data" and
+  // "word-idx", then the graph file, then "word-table". Progress goes to
+  // standard output; a dump that does not parse throws ParserError.
+  void preproc(const std::string& in_dir, const std::string& out_dir);
+
+  // Processes one word dump: appends its documents' word ids to `data_out`
+  // ("word-data") and one header per document to `idx_out` ("word-idx").
+  // A line without a leading DID is reported on standard error and skipped;
+  // a file that cannot be opened is reported and contributes nothing.
+  void preprocFile(StringTable* table, std::ofstream& data_out, std::ofstream& idx_out, const char* path);
+
+  std::vector<const char*> files;
+};
+
+#endif  // REFGROVE_WORDS_WORD_PREPROC_H_
