@@ -20,4 +20,14 @@ int tokens_command(int argc, char** argv);
 // The same with explicit streams: `in` is read for the file name "-".
 int tokens_main(int argc, char** argv, std::istream& in, std::ostream& out, std::ostream& err);
 
+// `refgrove preprocess`: text dumps into a data directory.
+int preprocess_command(int argc, char** argv);
+// `refgrove stats`, `printdoc`, `author`, `query`: reading a data directory.
+int stats_command(int argc, char** argv);
+int printdoc_command(int argc, char** argv);
+int author_command(int argc, char** argv);
+int query_command(int argc, char** argv);
+// `refgrove generate`: synthetic text dumps.
+int generate_command(int argc, char** argv);
+
 #endif  // REFGROVE_TOOLS_COMMANDS_H_

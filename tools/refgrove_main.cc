@@ -10,6 +10,12 @@ namespace {
 const Command kCommands[] = {
     {"tokens", "list the tokens of a file, with positions, under a chosen tokenizer language",
      tokens_command},
+    {"preprocess", "turn the text dumps of a directory into a data directory", preprocess_command},
+    {"stats", "show the size of a data directory", stats_command},
+    {"printdoc", "print documents of a data directory by DID", printdoc_command},
+    {"author", "print authors of a data directory by id", author_command},
+    {"query", "run one query operation on a data directory and print its result", query_command},
+    {"generate", "write synthetic text dumps of any size", generate_command},
 };
 
 void usage(std::ostream& os) {
