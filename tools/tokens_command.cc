@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "graph/graph_dump.h"
 #include "tokenizer/stream_tokenizer.h"
+#include "words/word_preproc.h"
 #include "tools/commands.h"
 
 namespace {
@@ -40,6 +42,9 @@ const char kHelp[] =
     "  --element TEXT      merge the tokens of TEXT into one token when they are\n"
     "                      written without white space between them, e.g.\n"
     "                      --element 'Title:' (repeatable)\n"
+    "  --language NAME     the language of a text dump instead of the options\n"
+    "                      above: graph (the graph dump) or words (the word\n"
+    "                      dumps), with its sub-language selected\n"
     "CHARS and C take the escapes \\n \\t \\r \\s (blank) \\\\ and \\xHH.\n"
     "\n"
     "Exit status: 0 when the whole file was read, 1 on a tokenizing error (its\n"
@@ -107,6 +112,7 @@ struct Options {
   char number_char = 0;
   bool strings = true, line_comments = false, block_comments = false;
   std::vector<std::string> elements;
+  std::string language;  // "graph", "words", or empty
 };
 
 // Fills `o` from the arguments; returns -1 to go on, or an exit status.
@@ -157,6 +163,14 @@ int parse_options(int argc, char** argv, Options* o, std::ostream& out, std::ost
       o->line_comments = true;
     } else if (a == "--block-comments") {
       o->block_comments = true;
+    } else if (a == "--language") {
+      const char* v;
+      if (!value(&v)) return 2;
+      if (std::strcmp(v, "graph") != 0 && std::strcmp(v, "words") != 0) {
+        err << "refgrove tokens: unknown language '" << v << "' (graph or words)\n";
+        return 2;
+      }
+      o->language = v;
     } else if (a == "--element") {
       const char* v;
       if (!value(&v)) return 2;
@@ -170,6 +184,12 @@ int parse_options(int argc, char** argv, Options* o, std::ostream& out, std::ost
     } else {
       o->file = argv[i];
     }
+  }
+  if (!o->language.empty() &&
+      (o->single_given || o->space_given || !o->comment.empty() || o->number_char != 0 || !o->strings ||
+       o->line_comments || o->block_comments || !o->elements.empty())) {
+    err << "refgrove tokens: --language does not combine with other language options\n";
+    return 2;
   }
   return -1;
 }
@@ -191,7 +211,12 @@ int tokens_main(int argc, char** argv, std::istream& in, std::ostream& out, std:
   lang.line_comments = o.line_comments ? 1 : 0;
   lang.block_comments = o.block_comments ? 1 : 0;
 
-  StreamTokenizer t(&lang);
+  // The dump languages, built as preprocessing builds them.
+  RefgroveGraphLanguage graph_lang;
+  WordPreproc::WordLanguage word_lang;
+  TokenizerLanguage* chosen = o.language == "graph" ? &graph_lang : o.language == "words" ? &word_lang : &lang;
+  StreamTokenizer t(chosen);
+  if (!o.language.empty()) t.select_language(0);
   try {
     if (!o.elements.empty()) {
       lang.addSubLanguages(1);

@@ -47,6 +47,13 @@ TEST(TokensCommandTest, Listings) {
        "1:0 ws \"Title:\"\n1:7 - \"<=\"\n"},
       {{"--element", "Title:"}, "Title :", "1:0 ws \"Title\"\n1:6 ws \":\"\n"},
       {{"--space", "\\x01"}, "a\x01" "b c\xc3", "1:0 - \"a\"\n1:2 ws \"b\"\n1:4 ws \"c\\xc3\"\n"},
+      // The dump languages: punctuation splits words in the word dumps only;
+      // the element "Title:" stands where the token after it does.
+      {{"--language", "words"}, "7 k Don't,\x01x\n",
+       "1:0 - \"7\"\n1:2 ws \"k\"\n1:4 ws \"Don\"\n1:7 - \"'\"\n1:8 - \"t\"\n1:9 - \",\"\n1:11 ws \"x\"\n"
+       "2:-1 - \"\\n\"\n"},
+      {{"--language", "graph"}, "5 \"q\" Title: a,b\n",
+       "1:0 - \"5\"\n1:2 ws \"\\\"q\\\"\"\n1:13 ws \"Title:\"\n1:13 ws \"a,b\"\n2:-1 - \"\\n\"\n"},
   };
   for (const Case& c : cases) {
     const Result r = RunTokens(c.args, c.input);
@@ -71,6 +78,9 @@ TEST(TokensCommandTest, Failures) {
       {{"--space", "\\q"}, "", 2, "refgrove tokens: bad escape in --space '\\q'\n"},
       {{"--number-char", ".."}, "", 2, "refgrove tokens: --number-char takes one character\n"},
       {{"a", "b"}, "", 2, "refgrove tokens: more than one file given\n"},
+      {{"--language", "xml"}, "", 2, "refgrove tokens: unknown language 'xml' (graph or words)\n"},
+      {{"--language", "words", "--no-strings"}, "", 2,
+       "refgrove tokens: --language does not combine with other language options\n"},
   };
   for (const Case& c : cases) {
     const Result r = RunTokens(c.args, c.input);
