@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "core/test_documents.h"
+#include "host/host_engine.h"
+#include "host/term_text.h"
+
+namespace {
+
+class TermTextTest : public ::testing::Test {
+ protected:
+  void SetUp() override { m_ = lumox_sim::create_machine(); }
+  void TearDown() override { lumox_sim::destroy_machine(m_); }
+  LumoxMachine* m_ = nullptr;
+};
+
+TEST_F(TermTextTest, GoalsParseAndPrintBack) {
+  const struct {
+    const char* goal;
+    const char* args;  // the arguments as written back, joined by " ; "
+  } cases[] = {
+      {"p(1, -2, 0, 134217727)", "1 ; -2 ; 0 ; 134217727"},
+      {"p(3.5, -0.25, 2.0e3, 1.0E-2)", "3.5 ; -0.25 ; 2000.0 ; 0.01"},
+      {"p(abc, 'A. B. Jones', 'don''t', 'a\\\\b\\n')", "abc ; 'A. B. Jones' ; 'don\\'t' ; 'a\\\\b\\n'"},
+      {"p([], '[]', [1, 2, 3], [1|[2]])", "[] ; [] ; [1, 2, 3] ; [1, 2]"},
+      {"p(lowerCase_1, 'Upper', '', x1)", "lowerCase_1 ; 'Upper' ; '' ; x1"},
+      {"p( 7 ) .", "7"},
+      {"p", ""},
+  };
+  for (const auto& c : cases) {
+    toplevel::Query q;
+    ASSERT_NO_THROW(q = toplevel::parse_query(m_, c.goal)) << c.goal;
+    ASSERT_EQ(q.calls.size(), 1u) << c.goal;
+    EXPECT_EQ(q.calls[0].name, "p") << c.goal;
+    std::string args;
+    for (const term t : q.calls[0].args) args += (args.empty() ? "" : " ; ") + toplevel::format_term(t);
+    EXPECT_EQ(args, c.args) << c.goal;
+  }
+}
+
+TEST_F(TermTextTest, VariablesAreSharedByNameExceptTheAnonymousOne) {
+  const toplevel::Query q = toplevel::parse_query(m_, "p(X, _, Y), 'q r'(X, _, [Y|T])");
+  ASSERT_EQ(q.calls.size(), 2u);
+  EXPECT_EQ(q.calls[1].name, "q r");
+  EXPECT_EQ(q.calls[0].args[0], q.calls[1].args[0]);
+  EXPECT_NE(q.calls[0].args[1], q.calls[1].args[1]);
+  ASSERT_EQ(q.variables.size(), 3u);  // X, Y, T
+  EXPECT_EQ(q.variables[2].first, "T");
+  EXPECT_EQ(toplevel::format_answer(q), "true.");
+  ASSERT_TRUE(unify_terms_always_trail(q.calls[0].args[0], int_term(4), m_));
+  ASSERT_TRUE(unify_terms_always_trail(q.calls[0].args[2], lumox_sim::make_atom("J. Smith"), m_));
+  EXPECT_EQ(toplevel::format_answer(q), "X = 4,\nY = 'J. Smith'.");
+}
+
+TEST_F(TermTextTest, SyntaxErrors) {
+  const char* goals[] = {"", "p(", "p(1 2)", "P(x)", "p(f(x))", "p('abc)", "p(134217728)",
+                         "p(12a)", "p(1), ", "p(1) q", "p([1, 2)", "p('\\q')", "p(-)"};
+  for (const char* goal : goals) {
+    EXPECT_THROW(toplevel::parse_query(m_, goal), toplevel::SyntaxError) << goal;
+  }
+}
+
+TEST(GoalReader, CutsAtFullStopsOutsideQuotes) {
+  std::istringstream in(
+      "a. b(1.5).\n% a comment. with full stops.\n 'x. y'(1).  c(X),\n d(X)\n. e('it''s. ok') . tail");
+  toplevel::GoalReader reader(in);
+  std::vector<std::string> goals;
+  std::string goal;
+  while (reader.next(&goal)) goals.push_back(goal);
+  const std::vector<std::string> expected = {"a", "b(1.5)", "'x. y'(1)", "c(X),\n d(X)", "e('it''s. ok')", "tail"};
+  EXPECT_EQ(goals, expected);
+}
+
+// ---- The refgrove-host program --------------------------------------------
+
+struct HostRun {
+  int status;
+  std::string out, err;
+};
+
+std::string shell_quote(const std::string& s) {
+  std::string q = "'";
+  for (const char c : s) q += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return q + "'";
+}
+
+HostRun run_host(const std::vector<std::string>& args, const std::string& input = "") {
+  TempDir tmp;
+  write_file(tmp.path() + "in", input);
+  std::string cmd = shell_quote(REFGROVE_HOST_PATH) + " --module " + shell_quote(REFGROVE_MODULE_PATH);
+  for (const std::string& a : args) cmd += " " + shell_quote(a);
+  cmd += " <" + tmp.path() + "in >" + tmp.path() + "out 2>" + tmp.path() + "err";
+  const int raw = std::system(cmd.c_str());
+  return {WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, read_file(tmp.path() + "out"), read_file(tmp.path() + "err")};
+}
+
+TEST(RefgroveHost, AnswersGoalsFromArgumentsAndStandardInput) {
+  TempDir data;
+  sample_documents().write(data.path());
+  const std::string load = "refgrove_load(" + std::string("'") + data.path() + "')";
+  const HostRun r = run_host({load, "refgrove_get_key(2, K), refgrove_get_year(2, Y)", "refgrove_get_year(6, Y)",
+                          "refgrove_get_authors(2, L), refgrove_author_distance(1, 2, D)",
+                          "refgrove_get_cite(2, 1, C, _)", "refgrove_get_author(2, 1, 'A. B. Jones')",
+                          "refgrove_print_author(2)", "refgrove_load(123)", "refgrove_has_word_info(x)",
+                          "nosuch(1)", "refgrove_stats(D, W, A). halt. refgrove_hello"});
+  EXPECT_EQ(r.status, 1);  // nosuch/1 is an error
+  EXPECT_EQ(r.out,
+            "init_refgrove:\n[]\n"
+            "?- " + load + ".\ntrue.\n"
+            "?- refgrove_get_key(2, K), refgrove_get_year(2, Y).\nK = smith94,\nY = 1994.\n"
+            "?- refgrove_get_year(6, Y).\nfalse.\n"
+            "?- refgrove_get_authors(2, L), refgrove_author_distance(1, 2, D).\nL = [2, 1, 0],\nD = 0.0.\n"
+            "?- refgrove_get_cite(2, 1, C, _).\nC = 9.\n"
+            "?- refgrove_get_author(2, 1, 'A. B. Jones').\ntrue.\n"
+            "?- refgrove_print_author(2).\nC. Doetrue.\n"
+            "?- refgrove_load(123).\nfalse.\n"
+            "?- refgrove_has_word_info(x).\nfalse.\n"
+            "?- nosuch(1).\n"
+            "?- refgrove_stats(D, W, A).\nD = 4,\nW = 9,\nA = 3.\n"
+            "?- halt.\n");
+  EXPECT_NE(r.err.find("refgrove_load/1 expects string as second arg\n"), std::string::npos) << r.err;
+  EXPECT_NE(r.err.find("Term has invalid type!\n"), std::string::npos) << r.err;
+  EXPECT_NE(r.err.find("ERROR: unknown procedure nosuch/1\n"), std::string::npos) << r.err;
+
+  const HostRun piped = run_host({}, load + ".\nrefgrove_last_did(N).\nrefgrove_get_word(2, 0, W),\n  refgrove_get_word(2, 1, V).\n");
+  EXPECT_EQ(piped.status, 0);
+  EXPECT_EQ(piped.out,
+            "init_refgrove:\n[]\n?- " + load + ".\ntrue.\n?- refgrove_last_did(N).\nN = 10.\n"
+            "?- refgrove_get_word(2, 0, W),\n  refgrove_get_word(2, 1, V).\nW = we,\nV = study.\n");
+}
+
+TEST(RefgroveHost, HelpAndBadModule) {
+  const HostRun help = run_host({"--help"});
+  EXPECT_EQ(help.status, 0);
+  EXPECT_NE(help.out.find("Usage: refgrove-host"), std::string::npos);
+  const HostRun bad = run_host({"--module", "/nonexistent/refgrove.so", "true"});
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_NE(bad.err.find("cannot load the module"), std::string::npos) << bad.err;
+}
+
+}  // namespace
