@@ -142,4 +142,47 @@ TEST(RefgroveHost, HelpAndBadModule) {
   EXPECT_NE(bad.err.find("cannot load the module"), std::string::npos) << bad.err;
 }
 
+// The road a user takes: preprocess the repository's sample dumps, load the
+// result, ask questions, print a document.
+TEST(RefgroveHost, SampleFromDumpsToAnswers) {
+  const std::string in = REFGROVE_SAMPLE_DIR;
+  TempDir data;
+  const std::string preproc = "refgrove_preproc('" + in + "', '" + data.path() + "')";
+  const std::string load = "refgrove_load('" + data.path() + "')";
+  const HostRun r = run_host({preproc, load, "refgrove_document_count(N), refgrove_get_nb_authors(A)",
+                              "refgrove_get_authors(102, L), refgrove_get_author(102, 1, Name)",
+                              "refgrove_title_length(102, N), refgrove_get_title_word(102, 2, W)",
+                              "refgrove_get_cite(107, 0, Cited, Gid)", "refgrove_get_year(999, Y)",
+                              "refgrove_printdoc(102)"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  std::string reading;
+  for (const char* f : {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt", "word-data3-mar-2002.txt"}) {
+    reading += "  - Reading " + in + f + "\n\n";
+  }
+  EXPECT_EQ(r.out,
+            "init_refgrove:\n[]\n"
+            "?- " + preproc + ".\n"
+            "Preproc word data ... \n1. Reading words ... \n" + reading +
+            "2. Finalizing word-idx\n3. Preproc author\npreprocGraph() ...\n4. Writing word-table\n"
+            "Done Preproc Word.\ntrue.\n"
+            "?- " + load + ".\ntrue.\n"
+            "?- refgrove_document_count(N), refgrove_get_nb_authors(A).\nN = 33,\nA = 21.\n"
+            "?- refgrove_get_authors(102, L), refgrove_get_author(102, 1, Name).\n"
+            "L = [2, 1],\nName = 'D. D. Sleator'.\n"
+            "?- refgrove_title_length(102, N), refgrove_get_title_word(102, 2, W).\nN = 5,\nW = for.\n"
+            "?- refgrove_get_cite(107, 0, Cited, Gid).\nCited = 101,\nGid = 9101.\n"
+            "?- refgrove_get_year(999, Y).\nfalse.\n"
+            "?- refgrove_printdoc(102).\n"
+            "Document 1 - DID=102 - # words=87\n# Authors = 2\nR. E. Tarjan and D. D. Sleator\n"
+            "title: abstract:\n"
+            "show cuts within 10 % of the best known . Linear probing is analysed under the uniform hashing "
+            "model ; the expected cost of a successful search is ( 1 + 1 / ( 1 - a ) ) / 2 for load factor a . "
+            "Suffix arrays answer substring queries in time proportional to the pattern length plus a "
+            "logarithmic term . We show how to build them in linear space and compare with suffix trees . "
+            "Prefix sums are a basic building block of parallel \n"
+            "true.\n");
+  // The title words of a printed document go to standard error.
+  EXPECT_NE(r.err.find("\nData Structures for Dynamic Trees \n"), std::string::npos) << r.err;
+}
+
 }  // namespace
