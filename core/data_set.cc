@@ -1,7 +1,6 @@
 #include "core/data_set.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iostream>
 #include <string>
 
@@ -19,10 +18,7 @@ RefgroveData::RefgroveData(const char* path) {
   word_data = std::make_unique<WordData>(path);
   const std::string graph_file_name = std::string(path) + kGraphFile;
   std::cerr << "graph_file_name=" << graph_file_name << std::endl;
-  {
-    std::ifstream in(graph_file_name, std::ios::in | std::ios::binary);
-    graph = std::make_unique<RefgroveGraph>(in);
-  }
+  graph = std::make_unique<RefgroveGraph>(MappedFile(graph_file_name));
   max_index_size_ = std::max(kMinIndexSize, kIndexEntriesPerDocument * (graph->docs.size() + word_data->doc_info.size()));
   index_graph();
   index_words();

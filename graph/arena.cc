@@ -3,7 +3,7 @@
 #include <cstdint>
 
 void* Arena::allocate(std::size_t n, std::size_t align) {
-  const std::size_t pad = (align - reinterpret_cast<std::uintptr_t>(next_) % align) % align;
+  const std::size_t pad = (0 - reinterpret_cast<std::uintptr_t>(next_)) & (align - 1);
   if (pad + n > left_) {
     // A request larger than a quarter block gets a block of its own, so that
     // the current block's remainder is not wasted.

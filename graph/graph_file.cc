@@ -18,19 +18,32 @@ void write_graph_file(std::ostream& out, const CompactedStringTable& authors,
 }
 
 RefgroveGraph::RefgroveGraph(std::istream& in) {
-  std::cerr << "Reading Graph Data...\n";
   const std::string bytes = read_rest_of_stream(in);
   ByteReader reader(bytes.data(), bytes.size());
+  read(reader);
+}
+
+RefgroveGraph::RefgroveGraph(const MappedFile& file) {
+  ByteReader reader(reinterpret_cast<const char*>(file.data()), file.size());
+  read(reader);
+}
+
+void RefgroveGraph::read(ByteReader& reader) {
+  std::cerr << "Reading Graph Data...\n";
   author_table = std::make_unique<CompactedStringTable>(reader);
   std::int32_t n = 0;
   reader.read_int32(&n);
-  // The stored count is reported as it is, but only whole records are kept.
-  docs.reserve(std::min<std::size_t>(static_cast<std::size_t>(std::max(n, 0)), reader.remaining() / kSmallestRecordBytes));
-  for (std::int32_t i = 0; i < n; ++i) {
-    RefgroveGraphData* doc = RefgroveGraphData::read(reader, arena_);
-    if (doc == nullptr) break;
-    docs.push_back(doc);
-  }
+  // The stored count is reported as it is, but only whole records are kept;
+  // none can be shorter than kSmallestRecordBytes.
+  const std::size_t capacity = std::min<std::size_t>(static_cast<std::size_t>(std::max(n, 0)),
+                                                     reader.remaining() / kSmallestRecordBytes);
+  records_.resize(capacity);
+  std::size_t kept = 0;
+  while (kept < capacity && RefgroveGraphData::read(reader, arena_, &records_[kept])) ++kept;
+  records_.resize(kept);
+  records_.shrink_to_fit();  // a count that overstated the records reserved too much
+  docs.reserve(kept);
+  for (RefgroveGraphData& record : records_) docs.push_back(&record);
   std::cerr << "read " << n << " items.\n" << "Done.\n";
 }
 

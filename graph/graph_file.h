@@ -18,7 +18,9 @@
 
 #include "graph/arena.h"
 #include "graph/graph_record.h"
+#include "words/byte_io.h"
 #include "words/compacted_string_table.h"
+#include "words/mapped_file.h"
 
 inline constexpr char kGraphFile[] = "graph_data";
 
@@ -33,6 +35,8 @@ class RefgroveGraph {
   // the file, and "Done." on standard error. A missing or short file gives
   // the records that are whole (none for a stream that failed to open).
   explicit RefgroveGraph(std::istream& in);
+  // The same, from a graph file mapped into memory.
+  explicit RefgroveGraph(const MappedFile& file);
 
   RefgroveGraph(const RefgroveGraph&) = delete;
   RefgroveGraph& operator=(const RefgroveGraph&) = delete;
@@ -50,7 +54,13 @@ class RefgroveGraph {
   std::unique_ptr<CompactedStringTable> author_table;
 
  private:
-  Arena arena_;  // holds the records and their arrays
+  void read(ByteReader& in);
+
+  // The records read from a file, back to back so that a pass over all
+  // DIDs reads memory in order; `docs` points into it. Their arrays live in
+  // the arena.
+  std::vector<RefgroveGraphData> records_;
+  Arena arena_;
 };
 
 #endif  // REFGROVE_GRAPH_GRAPH_FILE_H_

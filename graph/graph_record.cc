@@ -67,20 +67,20 @@ std::ostream& RefgroveGraphData::write(std::ostream& out) const {
   return out;
 }
 
-RefgroveGraphData* RefgroveGraphData::read(ByteReader& in, Arena& arena) {
+bool RefgroveGraphData::read(ByteReader& in, Arena& arena, RefgroveGraphData* out) {
   std::int32_t did = 0, year = 0, nc = 0, nt = 0;
   std::string_view key;
-  if (!in.read_int32(&did) || !bin_read_string(in, &key) || !in.read_int32(&year)) return nullptr;
+  if (!in.read_int32(&did) || !bin_read_string(in, &key) || !in.read_int32(&year)) return false;
 
   // Counts of zero or less read nothing; larger ones must fit in what is left.
-  if (!in.read_int32(&nc) || (nc > 0 && static_cast<std::uint64_t>(nc) * kCitationBytes > in.remaining())) return nullptr;
+  if (!in.read_int32(&nc) || (nc > 0 && static_cast<std::uint64_t>(nc) * kCitationBytes > in.remaining())) return false;
   const unsigned char* cites = in.take(kCitationBytes * static_cast<std::size_t>(std::max(nc, 0)));
-  if (!in.read_int32(&nt) || (nt > 0 && static_cast<std::uint64_t>(nt) * kWordIdBytes > in.remaining())) return nullptr;
+  if (!in.read_int32(&nt) || (nt > 0 && static_cast<std::uint64_t>(nt) * kWordIdBytes > in.remaining())) return false;
   const unsigned char* words = in.take(kWordIdBytes * static_cast<std::size_t>(std::max(nt, 0)));
   std::int16_t na = 0;
-  if (!in.read_int16(&na)) return nullptr;
+  if (!in.read_int16(&na)) return false;
   const unsigned char* ids = in.take(kAuthorIdBytes * static_cast<std::size_t>(std::max<int>(na, 0)));
-  if (ids == nullptr) return nullptr;
+  if (ids == nullptr) return false;
 
   auto* citations = arena.allocate_array<CitationInfo>(static_cast<std::size_t>(std::max(nc, 0)));
   for (std::int32_t i = 0; i < nc; ++i) citations[i] = CitationInfo{get_int32(cites + kCitationBytes * i), get_int32(cites + kCitationBytes * i + 4)};
@@ -89,7 +89,7 @@ RefgroveGraphData* RefgroveGraphData::read(ByteReader& in, Arena& arena) {
   auto* authors = arena.allocate_array<std::int32_t>(static_cast<std::size_t>(std::max<int>(na, 0)));
   for (std::int32_t k = 0; k < na; ++k) authors[k] = get_int32(ids + kAuthorIdBytes * k);
 
-  return arena.create<RefgroveGraphData>(RefgroveGraphData{did, copy_key(arena, key), year,
-                                                           Span<CitationInfo>{citations, std::max(nc, 0)},
-                                                           Span<WordId>{title, std::max(nt, 0)}, authors, na});
+  *out = RefgroveGraphData{did, copy_key(arena, key), year, Span<CitationInfo>{citations, std::max(nc, 0)},
+                           Span<WordId>{title, std::max(nt, 0)}, authors, na};
+  return true;
 }

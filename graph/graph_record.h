@@ -57,9 +57,9 @@ struct RefgroveGraphData {
                                    const std::vector<CitationInfo>& citations, const std::vector<WordId>& title,
                                    const std::vector<std::int32_t>& authors);
 
-  // Reads one record, or returns null when the bytes left do not hold a
-  // whole record (the reader has then failed).
-  static RefgroveGraphData* read(ByteReader& in, Arena& arena);
+  // Reads one record into *out, its arrays into `arena`; false when the
+  // bytes left do not hold a whole record (the reader has then failed).
+  static bool read(ByteReader& in, Arena& arena, RefgroveGraphData* out);
 
   std::ostream& write(std::ostream& out) const;
 };

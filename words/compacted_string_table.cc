@@ -25,10 +25,7 @@ void CompactedStringTable::allocate(std::int32_t n, std::int32_t size) {
   chars.reset(new char[static_cast<std::size_t>(size) + 1]());
 }
 
-CompactedStringTable::CompactedStringTable(ByteReader& in) {
-  read(in);
-  makeAlphaIndex();
-}
+CompactedStringTable::CompactedStringTable(ByteReader& in) { read(in); }
 
 CompactedStringTable::CompactedStringTable(std::istream& in) {
   const std::istream::pos_type start = in.tellg();
@@ -39,7 +36,6 @@ CompactedStringTable::CompactedStringTable(std::istream& in) {
     in.clear();
     in.seekg(start + static_cast<std::streamoff>(bytes.size() - reader.remaining()));
   }
-  makeAlphaIndex();
 }
 
 void CompactedStringTable::read(ByteReader& in) {
@@ -73,7 +69,6 @@ CompactedStringTable::CompactedStringTable(const StringTable& table) {
     index[i] = Entry{i, p};
     p += static_cast<std::int32_t>(key.size()) + 1;
   }
-  makeAlphaIndex();
 }
 
 void CompactedStringTable::write(std::ostream& out) const {
@@ -86,11 +81,11 @@ void CompactedStringTable::write(std::ostream& out) const {
   out.write(chars.get(), chars_size);
 }
 
-void CompactedStringTable::makeAlphaIndex() {
-  alpha_index.reset(new Entry[static_cast<std::size_t>(count)]());
-  std::copy(index.get(), index.get() + count, alpha_index.get());
+void CompactedStringTable::makeAlphaIndex() const {
+  alpha_index_.reset(new Entry[static_cast<std::size_t>(count)]());
+  std::copy(index.get(), index.get() + count, alpha_index_.get());
   if (count < 2) return;
   sorting_table = this;
-  std::sort(alpha_index.get(), alpha_index.get() + count - 1, str2word_cmp());
+  std::sort(alpha_index_.get(), alpha_index_.get() + count - 1, str2word_cmp());
   sorting_table = nullptr;
 }

@@ -45,10 +45,16 @@ class CompactedStringTable {
 
   void write(std::ostream& out) const;
 
-  // Rebuilds `alpha_index`: a copy of `index` whose first count-1 entries are
-  // sorted by text (strcmp order); the last entry stays last whatever its
-  // text. Nothing reads it; it is kept for users of the table's order.
-  void makeAlphaIndex();
+  // The entries in text order: a copy of `index` whose first count-1 entries
+  // are sorted by text (strcmp order, bytes unsigned); the last entry stays
+  // last whatever its text. Built on first use, as loading never needs it.
+  const Entry* alpha_index() const {
+    if (!alpha_index_) makeAlphaIndex();
+    return alpha_index_.get();
+  }
+
+  // (Re)builds the alpha index.
+  void makeAlphaIndex() const;
 
   // The text of `id`, or null when the id or its offset lies outside the
   // table. The text is NUL-terminated and lives as long as the table.
@@ -69,11 +75,12 @@ class CompactedStringTable {
   std::int32_t chars_size = 0;
   std::int32_t count = 0;
   std::unique_ptr<Entry[]> index;
-  std::unique_ptr<Entry[]> alpha_index;
 
  private:
   void read(ByteReader& in);
   void allocate(std::int32_t n, std::int32_t size);
+
+  mutable std::unique_ptr<Entry[]> alpha_index_;
 };
 
 // Orders two entries by their text in the table whose block is being sorted

@@ -24,7 +24,7 @@ std::string bytes_of(const CompactedStringTable& table) {
 
 std::vector<std::string> alpha_order(const CompactedStringTable& t) {
   std::vector<std::string> texts;
-  for (int i = 0; i < t.count; ++i) texts.push_back(t.text_at(t.alpha_index[i].offset));
+  for (int i = 0; i < t.count; ++i) texts.push_back(t.text_at(t.alpha_index()[i].offset));
   return texts;
 }
 

@@ -1,10 +1,5 @@
 #include "words/word_data.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <fstream>
 #include <iostream>
@@ -13,11 +8,6 @@ WordData::WordData(const std::string& dir) {
   read_word_table(dir + kWordTableFile);
   read_headers(dir + kWordIdxFile);
   map_word_ids(dir + kWordDataFile);
-}
-
-WordData::~WordData() {
-  if (mapped_size > 0) munmap(const_cast<unsigned char*>(word_ids), mapped_size);
-  if (fd >= 0) close(fd);
 }
 
 void WordData::read_word_table(const std::string& name) {
@@ -41,21 +31,11 @@ void WordData::read_headers(const std::string& name) {
   std::cerr << "Read " << doc_info.size() - 1 << " document headers\n";
 }
 
-// Maps as many bytes as the last header's offset names, but never more than
-// the file holds: pages past the end of a file cannot be read.
 void WordData::map_word_ids(const std::string& name) {
   std::cerr << "Mapping abstract file " << name << "...\n";
-  fd = open(name.c_str(), O_RDONLY);
-  void* base = MAP_FAILED;
-  struct stat st;
-  if (fd >= 0 && fstat(fd, &st) == 0) {
-    const std::size_t wanted = static_cast<std::size_t>(std::max<std::int32_t>(doc_info.back().offset, 0));
-    const std::size_t length = std::min<std::size_t>(wanted, static_cast<std::size_t>(st.st_size));
-    if (length > 0) base = mmap(nullptr, length, PROT_READ, MAP_PRIVATE, fd, 0);
-    if (base != MAP_FAILED) mapped_size = length;
-  }
-  word_ids = static_cast<const unsigned char*>(base);
-  std::cerr << "Mapped abstracts file at " << base << std::endl;
+  word_file_ = std::make_unique<MappedFile>(name, static_cast<std::size_t>(std::max(doc_info.back().offset, 0)));
+  word_ids = word_file_->data();
+  std::cerr << "Mapped abstracts file at " << static_cast<const void*>(word_ids) << std::endl;
   std::cerr << "start=";
   std::cerr << "Done.\n";
 }

@@ -9,7 +9,7 @@
 // Missing or damaged files load as an empty or shortened half: a missing
 // "word-idx" gives one zero header, a trailing partial header is dropped, and
 // the mapping never extends past the end of "word-data", so every word
-// position is checked against `mapped_size` before it is read.
+// position is checked against the mapped size before it is read.
 #ifndef REFGROVE_WORDS_WORD_DATA_H_
 #define REFGROVE_WORDS_WORD_DATA_H_
 
@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "words/compacted_string_table.h"
+#include "words/mapped_file.h"
 #include "words/word_files.h"
 
 class WordData {
@@ -27,7 +28,6 @@ class WordData {
   // Loads "word-table", "word-idx" and "word-data" of `dir`, a prefix to
   // which the file names are appended. Progress goes to standard error.
   explicit WordData(const std::string& dir);
-  ~WordData();
 
   WordData(const WordData&) = delete;
   WordData& operator=(const WordData&) = delete;
@@ -35,24 +35,24 @@ class WordData {
   // The word id at `position` (counted in word ids) of the mapped file, or
   // false when those three bytes lie outside the mapping.
   bool word_id_at(std::int64_t position, std::uint32_t* id) const {
-    if (position < 0 || position >= static_cast<std::int64_t>(mapped_size / kWordIdBytes)) return false;
+    if (position < 0 || position >= mapped_word_count()) return false;
     *id = read_word_id(word_ids + kWordIdBytes * position).id();
     return true;
   }
 
   // Number of word ids that lie wholly inside the mapping.
-  std::int64_t mapped_word_count() const { return static_cast<std::int64_t>(mapped_size / kWordIdBytes); }
+  std::int64_t mapped_word_count() const { return static_cast<std::int64_t>(word_file_->size() / kWordIdBytes); }
 
   std::unique_ptr<CompactedStringTable> word_table;
   std::vector<DocumentWordInfo> doc_info;
   const unsigned char* word_ids = nullptr;  // base of the mapping of "word-data"
-  int fd = -1;                              // descriptor of "word-data", open while mapped
-  std::size_t mapped_size = 0;              // bytes mapped (0: nothing mapped)
 
  private:
   void read_word_table(const std::string& name);
   void read_headers(const std::string& name);
   void map_word_ids(const std::string& name);
+
+  std::unique_ptr<MappedFile> word_file_;  // "word-data", as far as the last header's offset names
 };
 
 #endif  // REFGROVE_WORDS_WORD_DATA_H_

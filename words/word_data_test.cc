@@ -58,7 +58,7 @@ TEST(WordData, OnlyTheSentinelCountsAsOneHeader) {
   const WordData data(dir.path());
   EXPECT_EQ(data.doc_info.size(), 2u);
   EXPECT_NE(capture.err().find("Read 1 document headers\n"), std::string::npos);
-  EXPECT_EQ(data.mapped_size, 0u);
+  EXPECT_EQ(data.mapped_word_count(), 0);
 }
 
 TEST(WordData, DamagedOrMissingFilesLoadWhatIsWhole) {
@@ -97,7 +97,7 @@ TEST(WordData, MissingDirectoryLoadsEmpty) {
   const WordData data("/nonexistent-refgrove-dir/");
   EXPECT_EQ(data.word_table->count, 0);
   EXPECT_EQ(data.doc_info.size(), 1u);
-  EXPECT_EQ(data.mapped_size, 0u);
+  EXPECT_EQ(data.mapped_word_count(), 0);
   EXPECT_NE(capture.err().find("Read 0 words in 0 bytes.\nRead 0 document headers\n"), std::string::npos);
 }
 
