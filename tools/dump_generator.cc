@@ -103,7 +103,7 @@ std::string syllable_word(std::uint64_t rank, int min_syllables, int extra) {
 std::vector<std::string> make_vocabulary() {
   std::vector<std::string> words(std::begin(kCommonWords), std::end(kCommonWords));
   words.reserve(kVocabulary);
-  for (std::uint64_t r = words.size(); words.size() < kVocabulary; ++r) words.push_back(syllable_word(r, 2, 2));
+  for (std::uint64_t r = words.size(); words.size() < kVocabulary; ++r) words.push_back(syllable_word(r, 2, 1));
   return words;
 }
 
