@@ -45,12 +45,10 @@ TEST_F(HostTermsTest, IntegerInputs) {
   } cases[] = {
       {"7", int_term(7), 7, false},
       {"-3", int_term(-3), -3, false},
-      {"largest small integer", int_term((1 << 27) - 1), (1 << 27) - 1, false},
       {"reference chain to 42", ref_to(ref_to(int_term(42))), 42, false},
       {"atom", lumox_sim::make_atom("abc"), -1, true},
       {"unbound variable", lumox_sim::new_var(m_), -1, true},
       {"float", lumox_sim::make_float(m_, 2.0), -1, true},
-      {"list", lumox_sim::make_list(m_, {int_term(1)}, lumox_sim::nil()), -1, true},
   };
   for (const auto& c : cases) {
     testing::internal::CaptureStderr();
@@ -85,7 +83,6 @@ TEST_F(HostTermsTest, BindingIntegersAndAtoms) {
       {"other integer", int_term(1995), false, false},
       {"atom for an integer", smith, false, false},
       {"float for an integer", lumox_sim::make_float(m_, 1994.0), false, false},
-      {"empty list for an integer", lumox_sim::nil(), false, false},
       {"unbound for an atom", lumox_sim::new_var(m_), true, true},
       {"same atom", smith, true, true},
       {"other atom", doe, true, false},
@@ -175,25 +172,16 @@ TEST_F(HostTermsTest, SlotsComeBackInReverseOrder) {
     EXPECT_EQ(first, head);
     EXPECT_NE(first, second);
     EXPECT_EQ(b.get(), nil_atom);
-    EXPECT_EQ(a.get(), int_term(1));
-  }
-  // b went back first, then a: the list starts with a, then b.
-  EXPECT_EQ(m_->free_slot, first);
-  EXPECT_EQ(static_cast<std::int32_t>(m_->slots[first]), second);
-  EXPECT_EQ(lumox_sim::free_slot_count(m_), free_before);
-}
-
-TEST_F(HostTermsTest, SlotsGrowWhenNoneIsFree) {
-  const int expansions = lumox_sim::call_counts().expand_slots;
-  {
-    SymbolSlot a(m_, int_term(1)), b(m_, int_term(2));
-    EXPECT_EQ(m_->free_slot, -1);
-    SymbolSlot c(m_, int_term(3));
+    const int expansions = lumox_sim::call_counts().expand_slots;
+    SymbolSlot c(m_, int_term(3));  // none was free
     EXPECT_EQ(lumox_sim::call_counts().expand_slots, expansions + 1);
     EXPECT_EQ(a.get(), int_term(1));
-    EXPECT_EQ(b.get(), int_term(2));
     EXPECT_EQ(c.get(), int_term(3));
   }
+  // c, b, then a went back: the list starts with a, then b.
+  EXPECT_EQ(m_->free_slot, first);
+  EXPECT_EQ(static_cast<std::int32_t>(m_->slots[first]), second);
+  EXPECT_EQ(lumox_sim::free_slot_count(m_), free_before + 3);  // the array has grown
   EXPECT_EQ(m_->slots[_lumox_atom_nil_0], lumox_sim::nil());
 }
 

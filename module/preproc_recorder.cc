@@ -1,4 +1,10 @@
-#include "module/preproc_recorder.h"
+// Stands in for preprocessing in the binding's tests: records the
+// directories it is called with and throws for the input directory "throw/",
+// so that tests can follow an exception out of a predicate.
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "core/refgrove.h"
 
