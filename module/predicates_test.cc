@@ -202,11 +202,11 @@ TEST_F(PredicatesTest, AuthorDistanceIsTheFloatZero) {
 
 TEST_F(PredicatesTest, IntegerInputsOfTheWrongKindReadAsMinusOne) {
   testing::internal::CaptureStderr();
-  const term out = var();
-  EXPECT_EQ(call(refgrove_get_year, {atom("abc"), out}), 0);
-  EXPECT_EQ(call(refgrove_get_authors, {var(), out}), 1);  // DID -1: no record
+  const term list = var();
+  EXPECT_EQ(call(refgrove_get_year, {atom("abc"), var()}), 0);
+  EXPECT_EQ(call(refgrove_get_authors, {var(), list}), 1);  // DID -1: no record
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "Term has invalid type!\nTerm has invalid type!\n");
-  EXPECT_EQ(deref(out), lumox_sim::nil());
+  EXPECT_EQ(deref(list), lumox_sim::nil());
   std::string out;
   testing::internal::CaptureStderr();
   {
