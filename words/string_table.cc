@@ -21,8 +21,20 @@ std::size_t home_slot(std::uint32_t h, std::size_t mask) {
 
 StringTable::StringTable() : slots_(kInitialSlots, Slot{0, -1}) {}
 
-int StringTable::String2ID(const std::string& s) {
-  const std::uint32_t h = hash_name_hash_key::hash(s.c_str());
+std::uint32_t StringTable::hash_of(const std::string& s) { return hash_name_hash_key::hash(s.c_str()); }
+
+int StringTable::String2ID(const std::string& s) { return String2ID(s, hash_of(s)); }
+
+void StringTable::prefetch_slot(std::uint32_t hash) const {
+  __builtin_prefetch(&slots_[home_slot(hash, slots_.size() - 1)]);
+}
+
+void StringTable::prefetch_key(std::uint32_t hash) const {
+  const Slot& slot = slots_[home_slot(hash, slots_.size() - 1)];
+  if (slot.id >= 0 && slot.hash == hash) __builtin_prefetch(&by_id[static_cast<std::size_t>(slot.id)]);
+}
+
+int StringTable::String2ID(const std::string& s, std::uint32_t h) {
   const std::size_t mask = slots_.size() - 1;
   const eq_name_hash_key equal;
   for (std::size_t i = home_slot(h, mask);; i = (i + 1) & mask) {

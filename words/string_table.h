@@ -22,6 +22,21 @@ class StringTable {
   // The id of `s`, interning it first if it is new.
   int String2ID(const std::string& s);
 
+  // Batches of lookups. A lookup misses the cache twice in a large table:
+  // at the slot and at the key it compares with. Preparing a batch first
+  // lets those memory accesses overlap instead of following each other:
+  //
+  //   for each s: h[i] = hash_of(s); prefetch_slot(h[i]);
+  //   for each s: prefetch_key(h[i]);
+  //   for each s: id[i] = String2ID(s, h[i]);
+  //
+  // gives the ids that String2ID(s) would give, in the same order.
+  static std::uint32_t hash_of(const std::string& s);
+  void prefetch_slot(std::uint32_t hash) const;
+  void prefetch_key(std::uint32_t hash) const;
+  // String2ID with the hash of `s` from hash_of.
+  int String2ID(const std::string& s, std::uint32_t hash);
+
   int size() const { return static_cast<int>(by_id.size()); }
 
   // The key of every id, in id order.

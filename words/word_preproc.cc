@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <vector>
 
 #include "core/refgrove.h"
 #include "graph/raw_graph.h"
@@ -87,6 +88,8 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
   // The put position of "word-data", kept here rather than asked of the
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
+  std::vector<std::string> words;  // the document's words (more may be kept from longer lines)
+  std::vector<std::uint32_t> hashes;
   std::string ids;  // the document's word ids, 3 bytes each
   while (t.has_more_tokens()) {
     int did = 0;
@@ -107,19 +110,30 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     if (did % 1000 == 0) std::cout << '\r' << did;
 
     t.next_token();  // the field after the DID is not used
-    ids.clear();
     // Reading each token and comparing it with the line end is what testing
     // for the line end and then reading it again would do: the word
     // language has no elements, so a token comes back from the pushback
     // stack unchanged.
+    std::size_t n = 0;
     for (;;) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
-      const int id = table->String2ID(is_foreign(token) ? kForeignWord : token);
-      const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
-      ids += static_cast<char>(w.low & 0xFF);
-      ids += static_cast<char>(w.low >> 8);
-      ids += static_cast<char>(w.high);
+      if (n == words.size()) words.emplace_back();
+      words[n++].assign(is_foreign(token) ? kForeignWord : token);
+    }
+    // The whole line is interned as a batch, in order (see StringTable).
+    hashes.resize(n);
+    for (std::size_t i = 0; i < n; ++i) {
+      hashes[i] = StringTable::hash_of(words[i]);
+      table->prefetch_slot(hashes[i]);
+    }
+    for (std::size_t i = 0; i < n; ++i) table->prefetch_key(hashes[i]);
+    ids.resize(kWordIdBytes * n);
+    for (std::size_t i = 0; i < n; ++i) {
+      const WordId w = WordId::from_id(static_cast<std::uint32_t>(table->String2ID(words[i], hashes[i])));
+      ids[kWordIdBytes * i] = static_cast<char>(w.low & 0xFF);
+      ids[kWordIdBytes * i + 1] = static_cast<char>(w.low >> 8);
+      ids[kWordIdBytes * i + 2] = static_cast<char>(w.high);
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(ids.size()));
     position += static_cast<std::int64_t>(ids.size());
