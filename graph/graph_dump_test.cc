@@ -142,17 +142,4 @@ TEST(GraphDumpTest, StringsKeepTheirFirstIds) {
   EXPECT_EQ(got[1].authors, std::vector<std::string>{"B. Ray"});
 }
 
-TEST(GraphDumpTest, AuthorCountIsKeptIn16Bits) {
-  // 65537 names: the count wraps to 1 and the record keeps the first id.
-  std::string line = "1 - - GIDs: DIDs: Title: t Authors: a0";
-  for (int i = 1; i < 65537; ++i) line += " and a" + std::to_string(i);
-  line += "\n";
-  Tables tables;
-  const std::vector<Parsed> got = ParseAll(tables, line);
-  ASSERT_EQ(got.size(), 1u);
-  EXPECT_EQ(got[0].nb_authors, 1);
-  EXPECT_EQ(got[0].authors, std::vector<std::string>{"a0"});
-  EXPECT_EQ(tables.authors.size(), 65537);
-}
-
 }  // namespace
