@@ -20,6 +20,7 @@ RefgroveData::RefgroveData(const char* path) {
   std::cerr << "graph_file_name=" << graph_file_name << std::endl;
   graph = std::make_unique<RefgroveGraph>(MappedFile(graph_file_name));
   max_index_size_ = std::max(kMinIndexSize, kIndexEntriesPerDocument * (graph->docs.size() + word_data->doc_info.size()));
+  size_index();
   index_graph();
   index_words();
   if (unindexed_ > 0) {
@@ -32,8 +33,22 @@ bool RefgroveData::reserve_did(std::int32_t did) {
     ++unindexed_;
     return false;
   }
-  if (static_cast<std::size_t>(did) >= did_index.size()) did_index.resize(static_cast<std::size_t>(did) + 1);
   return true;
+}
+
+// Sizes the index once for the largest DID that can be indexed, instead of
+// growing it DID by DID (a damaged file may name DIDs in the millions).
+void RefgroveData::size_index() {
+  std::size_t size = 0;
+  const auto fits = [this](std::int32_t did) { return did >= 0 && static_cast<std::size_t>(did) < max_index_size_; };
+  for (const RefgroveGraphData* doc : graph->docs) {
+    if (fits(doc->did)) size = std::max(size, static_cast<std::size_t>(doc->did) + 1);
+  }
+  const std::vector<DocumentWordInfo>& headers = word_data->doc_info;
+  for (std::size_t j = 0; j + 1 < headers.size(); ++j) {
+    if (fits(headers[j].did)) size = std::max(size, static_cast<std::size_t>(headers[j].did) + 1);
+  }
+  did_index.resize(size);
 }
 
 void RefgroveData::index_graph() {

@@ -5,7 +5,7 @@
 // Input: three little-endian uint32 lengths, then the files "word-table",
 // "word-idx" and "word-data" with those lengths (each cut to what is left),
 // then "graph_data" (the rest). fuzz/pack_data_dir makes such an input from
-// a data directory.
+// a data directory. The check of the directory runs on the same files.
 #include <algorithm>
 #include <climits>
 #include <cstddef>
@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "core/data_set.h"
+#include "core/validate.h"
 #include "testing/query_everything.h"
 #include "fuzz/fuzz_support.h"
 #include "graph/graph_file.h"
@@ -42,5 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::Silence quiet;
   refgrove_load_1(dir.c_str());
   query_everything();
+  // What passes the check must load into data that answers every item.
+  if (validate_data_dir(dir).empty()) FUZZ_CHECK(unanswered_items().empty());
   return 0;
 }

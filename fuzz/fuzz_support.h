@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -52,6 +53,12 @@ inline const std::string& scratch_dir() {
       std::perror("mkdtemp");
       std::abort();
     }
+    static std::string removal;
+    removal = pattern;
+    std::atexit([] {
+      std::error_code ignored;
+      std::filesystem::remove_all(removal, ignored);
+    });
     return pattern + "/";
   }();
   return dir;

@@ -27,6 +27,9 @@ int stats_command(int argc, char** argv);
 int printdoc_command(int argc, char** argv);
 int author_command(int argc, char** argv);
 int query_command(int argc, char** argv);
+// `refgrove check`: the consistency of a data directory.
+int check_command(int argc, char** argv);
+int check_main(int argc, char** argv, std::ostream& out, std::ostream& err);
 // `refgrove generate`: synthetic text dumps.
 int generate_command(int argc, char** argv);
 

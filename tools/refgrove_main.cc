@@ -15,6 +15,7 @@ const Command kCommands[] = {
     {"printdoc", "print documents of a data directory by DID", printdoc_command},
     {"author", "print authors of a data directory by id", author_command},
     {"query", "run one query operation on a data directory and print its result", query_command},
+    {"check", "report what is inconsistent in a data directory, with files and offsets", check_command},
     {"generate", "write synthetic text dumps of any size", generate_command},
 };
 
