@@ -133,16 +133,24 @@ int StreamEOFTokenizer::stream_get() {
 // ---- StreamEOFCopyTokenizer -----------------------------------------------
 
 StreamEOFCopyTokenizer::StreamEOFCopyTokenizer(std::istream* in, TokenizerLanguage* language_)
-    : StreamEOFTokenizer(in, language_), reading_token(1), term_space(kNoSpace) {}
+    : StreamEOFTokenizer(in, language_), reading_token(1), term_space(kNoSpace) {
+  plain_hooks_ = false;
+}
 
 StreamEOFCopyTokenizer::StreamEOFCopyTokenizer(std::istream* in)
-    : StreamEOFTokenizer(in), reading_token(1), term_space(kNoSpace) {}
+    : StreamEOFTokenizer(in), reading_token(1), term_space(kNoSpace) {
+  plain_hooks_ = false;
+}
 
 StreamEOFCopyTokenizer::StreamEOFCopyTokenizer(TokenizerLanguage* language_)
-    : StreamEOFTokenizer(language_), reading_token(1), term_space(kNoSpace) {}
+    : StreamEOFTokenizer(language_), reading_token(1), term_space(kNoSpace) {
+  plain_hooks_ = false;
+}
 
 StreamEOFCopyTokenizer::StreamEOFCopyTokenizer()
-    : StreamEOFTokenizer(), reading_token(1), term_space(kNoSpace) {}
+    : StreamEOFTokenizer(), reading_token(1), term_space(kNoSpace) {
+  plain_hooks_ = false;
+}
 
 StreamEOFCopyTokenizer::~StreamEOFCopyTokenizer() { close_output(); }
 

@@ -15,11 +15,30 @@ namespace {
 bool is_digit(int c) { return c >= '0' && c <= '9'; }
 
 #ifdef REFGROVE_VECTOR_SCAN
+// a == b && c == d, for the check that runs once per word.
+bool same_sets(const TokenizerCharSet& a, const TokenizerCharSet& b, const TokenizerCharSet& c,
+               const TokenizerCharSet& d) {
+  const auto load = [](const TokenizerCharSet& s, int i) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(s.words) + i);
+  };
+  const __m128i diff =
+      _mm_or_si128(_mm_or_si128(_mm_xor_si128(load(a, 0), load(b, 0)), _mm_xor_si128(load(a, 1), load(b, 1))),
+                   _mm_or_si128(_mm_xor_si128(load(c, 0), load(d, 0)), _mm_xor_si128(load(c, 1), load(d, 1))));
+  return _mm_movemask_epi8(_mm_cmpeq_epi8(diff, _mm_setzero_si128())) == 0xFFFF;
+}
+#else
+bool same_sets(const TokenizerCharSet& a, const TokenizerCharSet& b, const TokenizerCharSet& c,
+               const TokenizerCharSet& d) {
+  return std::memcmp(a.words, b.words, sizeof a.words) == 0 && std::memcmp(c.words, d.words, sizeof c.words) == 0;
+}
+#endif
+
+#ifdef REFGROVE_VECTOR_SCAN
 // Set membership of 16 bytes at once: the low nibble of each byte picks a
 // row of eight bits from a table (one table for high nibbles 0-7, one for
 // 8-15), the high nibble picks the bit. Returns the first member in
 // [p, end) or the point where fewer than 16 bytes are left.
-__attribute__((target("ssse3"))) const char* scan_16(const char* p, const char* end,
+__attribute__((target("ssse3"), always_inline)) inline const char* scan_16(const char* p, const char* end,
                                                      const unsigned char* low_hi0,
                                                      const unsigned char* low_hi1) {
   const __m128i nibble = _mm_set1_epi8(0x0F);
@@ -42,6 +61,16 @@ __attribute__((target("ssse3"))) const char* scan_16(const char* p, const char* 
   return p;
 }
 
+// The whole scan of Tokenizer::scan_word with the nibble tables.
+__attribute__((target("ssse3"))) const char* scan_word_ssse3(const char* p, const char* end,
+                                                             const unsigned char* low_hi0,
+                                                             const unsigned char* low_hi1,
+                                                             const TokenizerCharSet& set) {
+  p = scan_16(p, end, low_hi0, low_hi1);
+  while (p != end && !set.contains(*p)) ++p;
+  return p;
+}
+
 bool have_ssse3() {
   static const bool yes = __builtin_cpu_supports("ssse3");
   return yes;
@@ -50,30 +79,49 @@ bool have_ssse3() {
 
 }  // namespace
 
-const char* Tokenizer::scan_word(const char* p, const char* end, const TokenizerCharSet& stop) {
-#ifdef REFGROVE_VECTOR_SCAN
-  if (end - p >= 16 && have_ssse3()) {
-    WordStopTables& t = stop_tables_;
-    if (!t.built || std::memcmp(t.set.words, stop.words, sizeof stop.words) != 0) {
-      t.set = stop;
-      std::memset(t.low_hi0, 0, sizeof t.low_hi0);
-      std::memset(t.low_hi1, 0, sizeof t.low_hi1);
-      for (int c = 0; c < 256; ++c) {
-        if (!stop.contains(c)) continue;
-        const int hi = c >> 4;
-        if (hi < 8) {
-          t.low_hi0[c & 15] |= static_cast<unsigned char>(1u << hi);
-        } else {
-          t.low_hi1[c & 15] |= static_cast<unsigned char>(1u << (hi - 8));
-        }
-      }
-      t.built = true;
-    }
-    p = scan_16(p, end, t.low_hi0, t.low_hi1);
-    if (p != end && stop.contains(*p)) return p;
+const Tokenizer::WordStop& Tokenizer::word_stop() {
+  const TokenizerLanguage& lang = *language;
+  if (!word_stop_.built || word_stop_.number_char != lang.number_char ||
+      !same_sets(word_stop_.single_char_tokens, lang.single_char_tokens, word_stop_.space_chars, lang.space_chars)) {
+    build_word_stop();
   }
+  return word_stop_;
+}
+
+void Tokenizer::build_word_stop() {
+  const TokenizerLanguage& lang = *language;
+  WordStop& w = word_stop_;
+  w.single_char_tokens = lang.single_char_tokens;
+  w.space_chars = lang.space_chars;
+  w.number_char = lang.number_char;
+  w.set = lang.single_char_tokens;
+  w.set.merge(lang.space_chars);
+  w.set.add(' ');
+  w.set.add('\t');
+  w.set.add('\n');
+  if (lang.number_char != 0) w.set.add(lang.number_char);
+  std::memset(w.low_hi0, 0, sizeof w.low_hi0);
+  std::memset(w.low_hi1, 0, sizeof w.low_hi1);
+  for (int c = 0; c < 256; ++c) {
+    if (!w.set.contains(c)) continue;
+    const int hi = c >> 4;
+    if (hi < 8) {
+      w.low_hi0[c & 15] |= static_cast<unsigned char>(1u << hi);
+    } else {
+      w.low_hi1[c & 15] |= static_cast<unsigned char>(1u << (hi - 8));
+    }
+  }
+#ifdef REFGROVE_VECTOR_SCAN
+  w.vector = have_ssse3();
 #endif
-  while (p != end && !stop.contains(*p)) ++p;
+  w.built = true;
+}
+
+const char* Tokenizer::scan_word(const char* p, const char* end, const WordStop& stop) {
+#ifdef REFGROVE_VECTOR_SCAN
+  if (stop.vector) return scan_word_ssse3(p, end, stop.low_hi0, stop.low_hi1, stop.set);
+#endif
+  while (p != end && !stop.set.contains(*p)) ++p;
   return p;
 }
 
@@ -125,32 +173,28 @@ void Tokenizer::select_language(int sub) {
   }
 }
 
-int Tokenizer::token_read_sig_char() {
-  for (;;) {
-    const int c = token_read_char();
-    if (at_eof) return ' ';
-    if (c == ' ') {
-      space_before = true;
-      continue;
-    }
-    if (language->comment_chars.contains(c)) {
-      space_before = true;
-      token_skip_to_end();
-      continue;
-    }
-    if (c != '/') return c;
-    const int d = token_read_char();
-    if (d == '/' && language->line_comments) {
-      space_before = true;
-      token_skip_to_end();
-    } else if (d == '*' && language->block_comments) {
-      space_before = true;
-      read_till_close_comment();
-    } else {
-      push_char(d);
-      return '/';
-    }
+int Tokenizer::token_read_sig_char() { return read_sig_char(); }
+
+bool Tokenizer::sig_char_slash_or_comment(int c, int* out) {
+  if (language->comment_chars.contains(c)) {
+    space_before = true;
+    token_skip_to_end();
+    return false;
   }
+  const int d = token_read_char();
+  if (d == '/' && language->line_comments) {
+    space_before = true;
+    token_skip_to_end();
+    return false;
+  }
+  if (d == '*' && language->block_comments) {
+    space_before = true;
+    read_till_close_comment();
+    return false;
+  }
+  push_char(d);
+  *out = '/';
+  return true;
 }
 
 void Tokenizer::token_skip_to_end() {
@@ -217,7 +261,7 @@ void Tokenizer::read_number_term(char c) {
   }
   if (ch == ' ') {
     pending_space_ = at_eof == 0;
-    on_trailing_space();
+    if (!plain_hooks_) on_trailing_space();
   } else if (language->single_char_tokens.contains(ch)) {
     push_char(ch);
   } else {
@@ -272,7 +316,7 @@ void Tokenizer::get_token_2() {
   }
   space_before = pending_space_;
   pending_space_ = false;
-  const int c = token_read_sig_char();
+  const int c = sig_char();
   if (at_eof) {
     token.clear();
     return;
@@ -290,21 +334,54 @@ void Tokenizer::get_token_2() {
     return;
   }
   token.clear();
-  token.push_back(static_cast<char>(c));
-  if (lang.single_char_tokens.contains(c)) return;
+  if (lang.single_char_tokens.contains(c)) {
+    token.push_back(static_cast<char>(c));
+    return;
+  }
 
   // A word. Characters that need no more than appending and counting one
   // column are taken in bulk from the source's direct characters; the rest
   // go through token_read_char. `stop` is everything else: the characters
   // that end a word, and tab and newline, which move the position
   // differently.
-  TokenizerCharSet stop = lang.single_char_tokens;
-  stop.merge(lang.space_chars);
-  stop.add(' ');
-  stop.add('\t');
-  stop.add('\n');
+  const WordStop& stop = word_stop();
   const char number_char = lang.number_char;
-  if (number_char != 0) stop.add(number_char);
+  if (char_pushback_count == 0 && direct_next_ != direct_end_ && direct_next_[-1] == static_cast<char>(c)) {
+    // The usual case: the word lies in the direct characters from its first
+    // character on, and so does the character that ends it. Copy the word
+    // in one go and take the end here when it is a plain blank or a
+    // single-character token; anything else (tab, newline, the number
+    // character, the end of the run) goes through the loop below.
+    const char* start = direct_next_ - 1;
+    const char* p = scan_word(direct_next_, direct_end_, stop);
+    token.clear();  // clear and append are cheaper than assign
+    token.append(start, static_cast<std::size_t>(p - start));
+    pos.column += static_cast<int>(p - direct_next_);
+    direct_next_ = p;
+    if (p != direct_end_ && *p != '\t' && *p != '\n') {
+      const int raw = static_cast<signed char>(*p);
+      const bool space = lang.space_chars.contains(raw);
+      const int ch = space ? ' ' : raw;  // what token_read_char would return
+      if (number_char != 0 && ch == number_char) {
+        // the loop below reads it
+      } else if (lang.single_char_tokens.contains(ch)) {
+        ++direct_next_;
+        ++pos.column;
+        if (space) last_space_char = static_cast<char>(raw);
+        push_char(ch);
+        return;
+      } else if (ch == ' ') {
+        ++direct_next_;
+        ++pos.column;
+        if (space) last_space_char = static_cast<char>(raw);
+        pending_space_ = true;
+        if (!plain_hooks_) on_trailing_space();
+        return;
+      }
+    }
+  } else {
+    token.push_back(static_cast<char>(c));
+  }
   for (;;) {
     if (char_pushback_count == 0 && direct_next_ != direct_end_) {
       const char* p = scan_word(direct_next_, direct_end_, stop);
@@ -330,7 +407,7 @@ void Tokenizer::get_token_2() {
     }
     if (ch == ' ') {
       pending_space_ = at_eof == 0;
-      on_trailing_space();
+      if (!plain_hooks_) on_trailing_space();
       return;
     }
     token += static_cast<char>(ch);

@@ -177,8 +177,16 @@ class Tokenizer {
   // final one may do this (StreamTokenizer's does, from stream_get itself);
   // a source that filters characters in its own stream_get must not call a
   // base stream_get that hands characters over.
+  // Once set, direct_next_ also has the character delivered last before it
+  // (the scanner finds the start of a word there).
   const char* direct_next_ = nullptr;
   const char* direct_end_ = nullptr;
+
+  // True while token_read_sig_char and on_trailing_space are Tokenizer's
+  // own: the scanner then runs their code inline instead of calling them
+  // through the virtual table once or twice per token. A subclass that
+  // overrides either of them sets this to false in its constructor.
+  bool plain_hooks_ = true;
 
   void push_char(int c) {
     assert(char_pushback_count < 2);
@@ -191,6 +199,14 @@ class Tokenizer {
   void merge_token();
   [[noreturn]] void throw_end_of_file() const;
 
+  // Tokenizer's own token_read_sig_char, inline; sig_char() calls it or the
+  // override, as plain_hooks_ says.
+  int read_sig_char();
+  int sig_char() { return plain_hooks_ ? read_sig_char() : token_read_sig_char(); }
+  // The comment and "/" cases of read_sig_char, with `c` just read: true
+  // with the character to return in *out, false when a comment was skipped.
+  bool sig_char_slash_or_comment(int c, int* out);
+
   // stream_get()/stream_ok() for the raw readers (no pushback, no position):
   // false at the end of the source.
   bool raw_get(int* c);
@@ -199,21 +215,32 @@ class Tokenizer {
   void read_single_quoted();
   void read_double_quoted();
 
-  // The end of a plain run of word characters in [p, end): the first
-  // character in `stop`, or end.
-  const char* scan_word(const char* p, const char* end, const TokenizerCharSet& stop);
-
-  // Nibble tables of the last set of word-ending characters, for scanning
-  // 16 characters at a time: bit h of low_hi0[l] says whether the byte
-  // (h << 4 | l) is in the set, for h below 8; low_hi1 does the same for h
-  // from 8 on (bit h - 8). Rebuilt when the set changes.
-  struct WordStopTables {
-    TokenizerCharSet set;
+  // The characters that end a plain run of word characters: the
+  // single-character tokens, the space characters, blank, tab and newline
+  // (these two move the position differently) and the number character.
+  // Derived from the language and kept with the classes it was made from,
+  // so that a change of the language is noticed; with nibble tables for
+  // scanning 16 characters at a time: bit h of low_hi0[l] says whether the
+  // byte (h << 4 | l) is in the set, for h below 8; low_hi1 does the same
+  // for h from 8 on (bit h - 8).
+  struct WordStop {
+    TokenizerCharSet single_char_tokens;  // what `set` was made from
+    TokenizerCharSet space_chars;
+    char number_char = 0;
     bool built = false;
+    bool vector = false;  // the nibble tables can be used
+    TokenizerCharSet set;
     alignas(16) unsigned char low_hi0[16];
     alignas(16) unsigned char low_hi1[16];
   };
-  WordStopTables stop_tables_;
+  WordStop word_stop_;
+
+  // word_stop_, rebuilt first when the language's classes have changed.
+  const WordStop& word_stop();
+  void build_word_stop();
+  // The end of a plain run of word characters in [p, end): the first
+  // character in the set, or end.
+  static const char* scan_word(const char* p, const char* end, const WordStop& stop);
 
   // The word ended at white space: the next raw token counts as preceded by
   // white space even though the blank is already consumed.
@@ -264,6 +291,23 @@ inline int Tokenizer::token_read_char() {
     return ' ';
   }
   return c;
+}
+
+inline int Tokenizer::read_sig_char() {
+  for (;;) {
+    const int c = token_read_char();
+    if (at_eof) return ' ';
+    if (c == ' ') {
+      space_before = true;
+      continue;
+    }
+    if (c == '/' || language->comment_chars.contains(c)) {
+      int out;
+      if (sig_char_slash_or_comment(c, &out)) return out;
+      continue;
+    }
+    return c;
+  }
 }
 
 inline bool Tokenizer::raw_get(int* c) {

@@ -46,7 +46,34 @@ void Tokenizer::peek_token(std::string* out) {
 
 bool Tokenizer::has_more_tokens() {
   if (at_eof) return false;
-  const int c = token_read_sig_char();
+  if (plain_hooks_ && char_pushback_count == 0) {
+    // The usual case, straight on the direct characters: blanks and then a
+    // character that starts a token, each moving the column by one. Tab,
+    // newline, comments and the end of the run go the general way below,
+    // from where this stopped.
+    const TokenizerLanguage& lang = *language;
+    const char* p = direct_next_;
+    for (; p != direct_end_; ++p) {
+      const char ch = *p;
+      if (ch == '\t' || ch == '\n') break;
+      if (lang.space_chars.contains(ch)) {
+        last_space_char = ch;
+        space_before = true;
+      } else if (ch == ' ') {
+        space_before = true;
+      } else if (ch == '/' || lang.comment_chars.contains(ch)) {
+        break;
+      } else {
+        pos.column += static_cast<int>(p + 1 - direct_next_);
+        direct_next_ = p + 1;
+        push_char(ch);
+        return true;
+      }
+    }
+    pos.column += static_cast<int>(p - direct_next_);
+    direct_next_ = p;
+  }
+  const int c = sig_char();
   if (at_eof) return false;
   push_char(c);
   return true;
