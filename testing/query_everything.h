@@ -43,7 +43,7 @@ inline std::uint64_t query_document(int did, bool print) {
   sum += static_cast<unsigned>(n);
   refgrove_cite_count_1(did, &n);
   for (const int i : item_indexes(n)) {
-    if (refgrove_get_cite_1(did, i, &a, &b)) sum += static_cast<unsigned>(a + b);
+    if (refgrove_get_cite_1(did, i, &a, &b)) sum += static_cast<unsigned>(a) + static_cast<unsigned>(b);
   }
   refgrove_title_length_1(did, &n);
   for (const int i : item_indexes(n)) {
@@ -80,7 +80,7 @@ inline std::uint64_t query_everything() {
   refgrove_last_did_1(&last);
   int docs = 0, words = 0, authors = 0;
   refgrove_stats_1(&docs, &words, &authors);
-  sum += static_cast<unsigned>(docs + words + authors);
+  sum += static_cast<unsigned>(docs) + static_cast<unsigned>(words) + static_cast<unsigned>(authors);
   // Every DID that either half names, and a sample of the DIDs in between
   // (a damaged file may name a DID in the millions).
   std::vector<int> dids;
