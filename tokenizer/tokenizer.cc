@@ -416,7 +416,19 @@ void Tokenizer::get_token_2() {
 }
 
 void Tokenizer::merge_token() {
-  auto it = sub_language->find(token);
+  // A root of a few keys is searched by comparing lengths first: most
+  // tokens differ in length from every key, and hashing them costs more.
+  auto it = sub_language->end();
+  if (sub_language->size() <= 4) {
+    for (auto k = sub_language->begin(); k != sub_language->end(); ++k) {
+      if (k->first.size() == token.size() && k->first == token) {
+        it = k;
+        break;
+      }
+    }
+  } else {
+    it = sub_language->find(token);
+  }
   if (it == sub_language->end()) return;
   // Hold the node: the lookup below may read ahead, but must not lose it.
   const TokenizerLangHashPtr node = it->second;

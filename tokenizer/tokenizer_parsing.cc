@@ -13,6 +13,18 @@ namespace {
 // strtol gives it on every build; *whole tells whether the conversion used
 // the entire token (a NUL byte inside the token ends the conversion early).
 int to_int(const std::string& s, bool* whole) {
+  // Most integers in the dumps are plain runs of up to nine digits, which
+  // cannot overflow and need none of strtoll's generality.
+  const std::size_t n = s.size();
+  if (n != 0 && n <= 9) {
+    int v = 0;
+    std::size_t i = 0;
+    for (; i < n && s[i] >= '0' && s[i] <= '9'; ++i) v = 10 * v + (s[i] - '0');
+    if (i == n) {
+      *whole = true;
+      return v;
+    }
+  }
   const char* begin = s.c_str();
   char* end = nullptr;
   const int saved_errno = errno;

@@ -6,11 +6,15 @@
 // frozen into a CompactedStringTable when a pass ends.
 //
 // The map is an open-addressing table (linear probing, power-of-two size, at
-// most half full) over hash_name_hash_key; each slot keeps the full hash so
-// that a probe compares strings only when the hashes agree.
+// most half full) over hash_name_hash_key. A slot holds the full hash and
+// the id; the keys lie back to back in one character arena, found through
+// the offset of each id, so that a probe compares text only when the hashes
+// agree and then reads a few bytes from a small, dense array instead of
+// following a std::string.
 #ifndef REFGROVE_WORDS_STRING_TABLE_H_
 #define REFGROVE_WORDS_STRING_TABLE_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -22,20 +26,23 @@ class StringTable {
   // The id of `s`, interning it first if it is new.
   int String2ID(const std::string& s);
 
-  // Batches of lookups. A lookup misses the cache twice in a large table:
-  // at the slot and at the key it compares with. Preparing a batch first
-  // lets those memory accesses overlap instead of following each other:
+  // Batches of lookups. In a table larger than the caches a lookup misses
+  // twice: at the slot and at the key it compares with. Preparing a batch
+  // first lets those memory accesses overlap instead of following each
+  // other:
   //
   //   for each s: h[i] = hash_of(s); prefetch_slot(h[i]);
   //   for each s: prefetch_key(h[i]);
-  //   for each s: id[i] = String2ID(s, h[i]);
+  //   for each s: id[i] = String2ID(s, n, h[i]);
   //
   // gives the ids that String2ID(s) would give, in the same order.
-  static std::uint32_t hash_of(const std::string& s);
-  void prefetch_slot(std::uint32_t hash) const;
+  static std::uint32_t hash_of(const char* s, std::size_t n);
+  void prefetch_slot(std::uint32_t hash) const {
+    __builtin_prefetch(&slots_[home_slot(hash, slots_.size() - 1)]);
+  }
   void prefetch_key(std::uint32_t hash) const;
-  // String2ID with the hash of `s` from hash_of.
-  int String2ID(const std::string& s, std::uint32_t hash);
+  // String2ID of the n bytes at s, whose hash_of is `hash`.
+  int String2ID(const char* s, std::size_t n, std::uint32_t hash);
 
   int size() const { return static_cast<int>(by_id.size()); }
 
@@ -47,9 +54,23 @@ class StringTable {
     std::uint32_t hash;
     std::int32_t id;  // -1: empty
   };
+  // The slot where the probe for hash `h` starts. The name hash (h = 5h + c)
+  // leaves its low bits to the last characters only, so strings that differ
+  // in their first characters would crowd into a few neighbouring slots;
+  // mixing the high bits in spreads them over the table.
+  static std::size_t home_slot(std::uint32_t h, std::size_t mask) {
+    h ^= h >> 16;
+    h *= 0x85ebca6bu;
+    h ^= h >> 13;
+    h *= 0xc2b2ae35u;
+    h ^= h >> 16;
+    return h & mask;
+  }
   void grow();
 
   std::vector<Slot> slots_;
+  std::vector<char> chars_;            // every key, back to back
+  std::vector<std::size_t> starts_;    // key i is [starts_[i], starts_[i + 1]) of chars_
 };
 
 #endif  // REFGROVE_WORDS_STRING_TABLE_H_

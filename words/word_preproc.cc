@@ -19,10 +19,10 @@ const char* const kWordDumpFiles[] = {"word-data1-mar-2002.txt", "word-data2-mar
 const std::string kForeignWord = "[foreign]";
 
 bool is_foreign(const std::string& word) {
-  for (const char c : word) {
-    if (static_cast<unsigned char>(c) >= 128) return true;
-  }
-  return false;
+  // No early exit: the loop is short and compiles to a few vector ORs.
+  unsigned char all = 0;
+  for (const char c : word) all |= static_cast<unsigned char>(c);
+  return all >= 128;
 }
 
 bool is_line_end(const std::string& token) { return token.size() == 1 && token[0] == '\n'; }
@@ -88,9 +88,13 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
   // The put position of "word-data", kept here rather than asked of the
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
-  std::vector<std::string> words;  // the document's words (more may be kept from longer lines)
+  // The document's words, back to back in `text` (word i is the `lengths[i]`
+  // bytes after the ones before it), their hashes, and their ids, 3 bytes
+  // each.
+  std::string text;
+  std::vector<std::uint32_t> lengths;
   std::vector<std::uint32_t> hashes;
-  std::string ids;  // the document's word ids, 3 bytes each
+  std::string ids;
   while (t.has_more_tokens()) {
     int did = 0;
     if (!t.try_next_integer(&did)) {
@@ -114,23 +118,27 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     // for the line end and then reading it again would do: the word
     // language has no elements, so a token comes back from the pushback
     // stack unchanged.
-    std::size_t n = 0;
+    text.clear();
+    lengths.clear();
+    hashes.clear();
     for (;;) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
-      if (n == words.size()) words.emplace_back();
-      words[n++].assign(is_foreign(token) ? kForeignWord : token);
+      const std::string& word = is_foreign(token) ? kForeignWord : token;
+      text += word;
+      lengths.push_back(static_cast<std::uint32_t>(word.size()));
+      const std::uint32_t h = StringTable::hash_of(word.data(), word.size());
+      hashes.push_back(h);
+      table->prefetch_slot(h);
     }
     // The whole line is interned as a batch, in order (see StringTable).
-    hashes.resize(n);
-    for (std::size_t i = 0; i < n; ++i) {
-      hashes[i] = StringTable::hash_of(words[i]);
-      table->prefetch_slot(hashes[i]);
-    }
+    const std::size_t n = lengths.size();
     for (std::size_t i = 0; i < n; ++i) table->prefetch_key(hashes[i]);
     ids.resize(kWordIdBytes * n);
+    const char* word = text.data();
     for (std::size_t i = 0; i < n; ++i) {
-      const WordId w = WordId::from_id(static_cast<std::uint32_t>(table->String2ID(words[i], hashes[i])));
+      const WordId w = WordId::from_id(static_cast<std::uint32_t>(table->String2ID(word, lengths[i], hashes[i])));
+      word += lengths[i];
       ids[kWordIdBytes * i] = static_cast<char>(w.low & 0xFF);
       ids[kWordIdBytes * i + 1] = static_cast<char>(w.low >> 8);
       ids[kWordIdBytes * i + 2] = static_cast<char>(w.high);
