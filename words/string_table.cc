@@ -42,14 +42,10 @@ std::uint32_t StringTable::hash_of(const char* s, std::size_t n) {
   return h;
 }
 
-int StringTable::String2ID(const std::string& s) { return String2ID(s.data(), s.size(), hash_of(s.data(), s.size())); }
-
-void StringTable::prefetch_key(std::uint32_t hash) const {
-  const Slot& slot = slots_[home_slot(hash, slots_.size() - 1)];
-  if (slot.id >= 0 && slot.hash == hash) __builtin_prefetch(chars_.data() + starts_[static_cast<std::size_t>(slot.id)]);
-}
-
-int StringTable::String2ID(const char* s, std::size_t n, std::uint32_t h) {
+int StringTable::String2ID(const std::string& key) {
+  const char* s = key.data();
+  const std::size_t n = key.size();
+  const std::uint32_t h = hash_of(s, n);
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = home_slot(h, mask);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];

@@ -26,24 +26,6 @@ class StringTable {
   // The id of `s`, interning it first if it is new.
   int String2ID(const std::string& s);
 
-  // Batches of lookups. In a table larger than the caches a lookup misses
-  // twice: at the slot and at the key it compares with. Preparing a batch
-  // first lets those memory accesses overlap instead of following each
-  // other:
-  //
-  //   for each s: h[i] = hash_of(s); prefetch_slot(h[i]);
-  //   for each s: prefetch_key(h[i]);
-  //   for each s: id[i] = String2ID(s, n, h[i]);
-  //
-  // gives the ids that String2ID(s) would give, in the same order.
-  static std::uint32_t hash_of(const char* s, std::size_t n);
-  void prefetch_slot(std::uint32_t hash) const {
-    __builtin_prefetch(&slots_[home_slot(hash, slots_.size() - 1)]);
-  }
-  void prefetch_key(std::uint32_t hash) const;
-  // String2ID of the n bytes at s, whose hash_of is `hash`.
-  int String2ID(const char* s, std::size_t n, std::uint32_t hash);
-
   int size() const { return static_cast<int>(by_id.size()); }
 
   // The key of every id, in id order.
@@ -66,6 +48,7 @@ class StringTable {
     h ^= h >> 16;
     return h & mask;
   }
+  static std::uint32_t hash_of(const char* s, std::size_t n);
   void grow();
 
   std::vector<Slot> slots_;

@@ -88,13 +88,7 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
   // The put position of "word-data", kept here rather than asked of the
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
-  // The document's words, back to back in `text` (word i is the `lengths[i]`
-  // bytes after the ones before it), their hashes, and their ids, 3 bytes
-  // each.
-  std::string text;
-  std::vector<std::uint32_t> lengths;
-  std::vector<std::uint32_t> hashes;
-  std::string ids;
+  std::string ids;  // the document's word ids, 3 bytes each
   while (t.has_more_tokens()) {
     int did = 0;
     if (!t.try_next_integer(&did)) {
@@ -118,30 +112,15 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     // for the line end and then reading it again would do: the word
     // language has no elements, so a token comes back from the pushback
     // stack unchanged.
-    text.clear();
-    lengths.clear();
-    hashes.clear();
+    ids.clear();
     for (;;) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
-      const std::string& word = is_foreign(token) ? kForeignWord : token;
-      text += word;
-      lengths.push_back(static_cast<std::uint32_t>(word.size()));
-      const std::uint32_t h = StringTable::hash_of(word.data(), word.size());
-      hashes.push_back(h);
-      table->prefetch_slot(h);
-    }
-    // The whole line is interned as a batch, in order (see StringTable).
-    const std::size_t n = lengths.size();
-    for (std::size_t i = 0; i < n; ++i) table->prefetch_key(hashes[i]);
-    ids.resize(kWordIdBytes * n);
-    const char* word = text.data();
-    for (std::size_t i = 0; i < n; ++i) {
-      const WordId w = WordId::from_id(static_cast<std::uint32_t>(table->String2ID(word, lengths[i], hashes[i])));
-      word += lengths[i];
-      ids[kWordIdBytes * i] = static_cast<char>(w.low & 0xFF);
-      ids[kWordIdBytes * i + 1] = static_cast<char>(w.low >> 8);
-      ids[kWordIdBytes * i + 2] = static_cast<char>(w.high);
+      const WordId w =
+          WordId::from_id(static_cast<std::uint32_t>(table->String2ID(is_foreign(token) ? kForeignWord : token)));
+      const char bytes[kWordIdBytes] = {static_cast<char>(w.low & 0xFF), static_cast<char>(w.low >> 8),
+                                        static_cast<char>(w.high)};
+      ids.append(bytes, kWordIdBytes);
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(ids.size()));
     position += static_cast<std::int64_t>(ids.size());
