@@ -5,62 +5,68 @@
 namespace {
 constexpr std::size_t kInitialSlots = 1024;
 
-std::uint64_t load8(const char* p) {
-  std::uint64_t v;
-  std::memcpy(&v, p, sizeof v);
-  return v;
+// The slot where the probe for hash `h` starts. The name hash (h = 5h + c)
+// leaves its low bits to the last characters only, so strings that differ in
+// their first characters would crowd into a few neighbouring slots; mixing
+// the high bits in spreads them over the table.
+std::size_t home_slot(std::uint32_t h, std::size_t mask) {
+  h ^= h >> 16;
+  h *= 0x85ebca6bu;
+  h ^= h >> 13;
+  h *= 0xc2b2ae35u;
+  h ^= h >> 16;
+  return h & mask;
 }
 
-std::uint32_t load4(const char* p) {
-  std::uint32_t v;
-  std::memcpy(&v, p, sizeof v);
-  return v;
-}
+// The 12 bytes after a slot's id, as two words.
+struct KeyBytes {
+  std::uint32_t a;
+  std::uint64_t b;
+  bool operator==(const KeyBytes& o) const { return a == o.a && b == o.b; }
+};
 
-// The n bytes at a and b are equal. Words are short: up to 16 bytes are
-// compared with two loads from each side (overlapping when n is not a power
-// of two) instead of a call to memcmp.
-bool same_bytes(const char* a, const char* b, std::size_t n) {
-  if (n >= 8) {
-    if (n > 16) return std::memcmp(a, b, n) == 0;
-    return ((load8(a) ^ load8(b)) | (load8(a + n - 8) ^ load8(b + n - 8))) == 0;
-  }
-  if (n >= 4) return ((load4(a) ^ load4(b)) | (load4(a + n - 4) ^ load4(b + n - 4))) == 0;
-  if (n == 0) return true;
-  return a[0] == b[0] && a[n / 2] == b[n / 2] && a[n - 1] == b[n - 1];
+template <class Slot>
+KeyBytes key_bytes(const Slot& slot) {
+  const char* p = reinterpret_cast<const char*>(&slot) + sizeof slot.id;
+  KeyBytes k;
+  std::memcpy(&k.a, p, sizeof k.a);
+  std::memcpy(&k.b, p + sizeof k.a, sizeof k.b);
+  return k;
 }
 }  // namespace
 
-StringTable::StringTable() : slots_(kInitialSlots, Slot{0, -1}), starts_(1, 0) {}
-
-std::uint32_t StringTable::hash_of(const char* s, std::size_t n) {
-  // hash_name_hash_key, which stops at the first NUL byte.
-  std::uint32_t h = 0;
-  for (std::size_t i = 0; i < n && s[i] != '\0'; ++i) {
-    h = 5 * h + static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(s[i])));
-  }
-  return h;
-}
+StringTable::StringTable() : slots_(kInitialSlots, Slot{-1, 0, {}}) {}
 
 int StringTable::String2ID(const std::string& key) {
   const char* s = key.data();
   const std::size_t n = key.size();
-  const std::uint32_t h = hash_of(s, n);
+  // The hash (hash_name_hash_key: up to the first NUL byte) and the slot
+  // form of the key, in one pass over its first bytes.
+  Slot probe{-1, n <= kHeadBytes ? static_cast<std::uint8_t>(n) : kLongKey, {}};
+  std::uint32_t h = 0;
+  bool hashing = true;
+  for (std::size_t i = 0; i < n; ++i) {
+    const char c = s[i];
+    if (i < kHeadBytes) probe.head[i] = c;
+    if (c == '\0') hashing = false;
+    if (hashing) h = 5 * h + static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
+  }
+  const KeyBytes wanted = key_bytes(probe);
+
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = home_slot(h, mask);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];
     if (slot.id < 0) {
-      slot = Slot{h, static_cast<std::int32_t>(by_id.size())};
-      by_id.emplace_back(s, n);
-      chars_.insert(chars_.end(), s, s + n);
-      starts_.push_back(chars_.size());
+      slot = probe;
+      slot.id = static_cast<std::int32_t>(by_id.size());
+      by_id.push_back(key);
+      hashes_.push_back(h);
       if (by_id.size() * 2 > slots_.size()) grow();
       return static_cast<int>(by_id.size()) - 1;
     }
-    if (slot.hash == h) {
-      const std::size_t id = static_cast<std::size_t>(slot.id);
-      const std::size_t start = starts_[id];
-      if (starts_[id + 1] - start == n && same_bytes(chars_.data() + start, s, n)) return slot.id;
+    if (key_bytes(slot) == wanted) {
+      if (probe.length != kLongKey) return slot.id;
+      if (by_id[static_cast<std::size_t>(slot.id)] == key) return slot.id;
     }
   }
 }
@@ -68,11 +74,11 @@ int StringTable::String2ID(const std::string& key) {
 void StringTable::grow() {
   std::vector<Slot> old;
   old.swap(slots_);
-  slots_.assign(old.size() * 2, Slot{0, -1});
+  slots_.assign(old.size() * 2, Slot{-1, 0, {}});
   const std::size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
     if (slot.id < 0) continue;
-    std::size_t i = home_slot(slot.hash, mask);
+    std::size_t i = home_slot(hashes_[static_cast<std::size_t>(slot.id)], mask);
     while (slots_[i].id >= 0) i = (i + 1) & mask;
     slots_[i] = slot;
   }

@@ -6,11 +6,12 @@
 // frozen into a CompactedStringTable when a pass ends.
 //
 // The map is an open-addressing table (linear probing, power-of-two size, at
-// most half full) over hash_name_hash_key. A slot holds the full hash and
-// the id; the keys lie back to back in one character arena, found through
-// the offset of each id, so that a probe compares text only when the hashes
-// agree and then reads a few bytes from a small, dense array instead of
-// following a std::string.
+// most half full) over hash_name_hash_key. Interning runs once per word of
+// the dumps, and in a table of tens of thousands of words a lookup is
+// dominated by cache misses, so a slot of 16 bytes carries the key itself
+// when it is short (nearly every word is): the length and up to kHeadBytes
+// bytes. A lookup of such a key then touches one cache line. A longer key
+// keeps its first bytes in the slot and is compared in full with by_id.
 #ifndef REFGROVE_WORDS_STRING_TABLE_H_
 #define REFGROVE_WORDS_STRING_TABLE_H_
 
@@ -32,28 +33,23 @@ class StringTable {
   std::vector<std::string> by_id;
 
  private:
+  static constexpr std::size_t kHeadBytes = 11;
+  static constexpr std::uint8_t kLongKey = 0xFF;
+
   struct Slot {
-    std::uint32_t hash;
     std::int32_t id;  // -1: empty
+    // The key's length, or kLongKey when it is longer than kHeadBytes, and
+    // its first bytes, NUL-padded: two slots with equal keys have equal
+    // bytes here, so 12 bytes decide for a short key.
+    std::uint8_t length;
+    char head[kHeadBytes];
   };
-  // The slot where the probe for hash `h` starts. The name hash (h = 5h + c)
-  // leaves its low bits to the last characters only, so strings that differ
-  // in their first characters would crowd into a few neighbouring slots;
-  // mixing the high bits in spreads them over the table.
-  static std::size_t home_slot(std::uint32_t h, std::size_t mask) {
-    h ^= h >> 16;
-    h *= 0x85ebca6bu;
-    h ^= h >> 13;
-    h *= 0xc2b2ae35u;
-    h ^= h >> 16;
-    return h & mask;
-  }
-  static std::uint32_t hash_of(const char* s, std::size_t n);
+  static_assert(sizeof(Slot) == 16, "four slots to a cache line");
+
   void grow();
 
   std::vector<Slot> slots_;
-  std::vector<char> chars_;            // every key, back to back
-  std::vector<std::size_t> starts_;    // key i is [starts_[i], starts_[i + 1]) of chars_
+  std::vector<std::uint32_t> hashes_;  // the hash of each id, for grow()
 };
 
 #endif  // REFGROVE_WORDS_STRING_TABLE_H_
