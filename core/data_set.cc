@@ -28,19 +28,20 @@ RefgroveData::RefgroveData(const char* path) {
   }
 }
 
-bool RefgroveData::reserve_did(std::int32_t did) {
-  if (did < 0 || static_cast<std::size_t>(did) >= max_index_size_) {
-    ++unindexed_;
-    return false;
-  }
-  return true;
+bool RefgroveData::fits(std::int32_t did) const {
+  return did >= 0 && static_cast<std::size_t>(did) < max_index_size_;
+}
+
+bool RefgroveData::indexable(std::int32_t did) {
+  if (fits(did)) return true;
+  ++unindexed_;
+  return false;
 }
 
 // Sizes the index once for the largest DID that can be indexed, instead of
 // growing it DID by DID (a damaged file may name DIDs in the millions).
 void RefgroveData::size_index() {
   std::size_t size = 0;
-  const auto fits = [this](std::int32_t did) { return did >= 0 && static_cast<std::size_t>(did) < max_index_size_; };
   for (const RefgroveGraphData* doc : graph->docs) {
     if (fits(doc->did)) size = std::max(size, static_cast<std::size_t>(doc->did) + 1);
   }
@@ -54,7 +55,7 @@ void RefgroveData::size_index() {
 void RefgroveData::index_graph() {
   const std::vector<RefgroveGraphData*>& docs = graph->docs;
   for (std::size_t i = 0; i < docs.size(); ++i) {
-    if (reserve_did(docs[i]->did)) did_index[static_cast<std::size_t>(docs[i]->did)].graph_index = static_cast<std::int32_t>(i);
+    if (indexable(docs[i]->did)) did_index[static_cast<std::size_t>(docs[i]->did)].graph_index = static_cast<std::int32_t>(i);
   }
 }
 
@@ -65,7 +66,7 @@ void RefgroveData::index_words() {
   for (std::size_t j = 0; j + 1 < headers.size(); ++j) {
     const std::int32_t did = headers[j].did;
     if (did == -1) continue;
-    if (reserve_did(did)) did_index[static_cast<std::size_t>(did)].word_index = static_cast<std::int32_t>(j);
+    if (indexable(did)) did_index[static_cast<std::size_t>(did)].word_index = static_cast<std::int32_t>(j);
   }
 }
 

@@ -43,9 +43,10 @@ class RefgroveData {
   std::unique_ptr<RefgroveGraph> graph;
 
  private:
-  // False (and counted as unindexed) for a DID that is negative or too
-  // large for an index proportional to the data's size.
-  bool reserve_did(std::int32_t did);
+  // Whether `did` has a place in an index proportional to the data's size;
+  // indexable() also counts the DIDs that have none.
+  bool fits(std::int32_t did) const;
+  bool indexable(std::int32_t did);
   void size_index();
   void index_graph();
   void index_words();
