@@ -71,20 +71,34 @@ __attribute__((target("ssse3"))) const char* scan_word_ssse3(const char* p, cons
   return p;
 }
 
-bool have_ssse3() {
-  static const bool yes = __builtin_cpu_supports("ssse3");
-  return yes;
+bool detect_ssse3() {
+  __builtin_cpu_init();  // this may run before the constructors that would call it
+  return __builtin_cpu_supports("ssse3");
 }
+const bool g_have_ssse3 = detect_ssse3();
+
+bool have_ssse3() { return g_have_ssse3; }
 #endif
+
+// Whether fast_token may run on this processor.
+bool fast_token_usable() {
+#ifdef REFGROVE_VECTOR_SCAN
+  return have_ssse3();
+#else
+  return true;
+#endif
+}
 
 }  // namespace
 
-const Tokenizer::WordStop& Tokenizer::word_stop() {
+inline __attribute__((always_inline)) bool Tokenizer::word_stop_current() const {
   const TokenizerLanguage& lang = *language;
-  if (!word_stop_.built || word_stop_.number_char != lang.number_char ||
-      !same_sets(word_stop_.single_char_tokens, lang.single_char_tokens, word_stop_.space_chars, lang.space_chars)) {
-    build_word_stop();
-  }
+  return word_stop_.built && word_stop_.number_char == lang.number_char &&
+         same_sets(word_stop_.single_char_tokens, lang.single_char_tokens, word_stop_.space_chars, lang.space_chars);
+}
+
+const Tokenizer::WordStop& Tokenizer::word_stop() {
+  if (!word_stop_current()) build_word_stop();
   return word_stop_;
 }
 
@@ -306,6 +320,126 @@ void Tokenizer::read_double_quoted() {
   }
 }
 
+inline __attribute__((always_inline)) void Tokenizer::set_token(const char* p, std::size_t n, const char* end) {
+#ifdef REFGROVE_VECTOR_SCAN
+  // Most tokens are shorter than 16 characters. Copying such a token as 16
+  // bytes at once, whatever its length, avoids memcpy and its branches on
+  // the length, which mispredict on words of random lengths. The 16 bytes
+  // read lie in [p, end); the 16 written lie in the string's storage, which
+  // holds capacity() + 1 >= 16 bytes; the terminator is put back after.
+  if (n < 16 && end - p >= 16 && token.capacity() >= 15) {
+    token.resize(n);
+    char* d = &token[0];
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    d[n] = '\0';
+    return;
+  }
+#endif
+  static_cast<void>(end);
+  token.clear();
+  token.append(p, n);
+}
+
+#ifdef REFGROVE_VECTOR_SCAN
+// Called only when the processor has SSSE3 (see fast_token_usable).
+__attribute__((target("ssse3")))
+#endif
+bool Tokenizer::fast_token() {
+  // Most tokens are a word or a single-character token after a blank or
+  // two, with the character that ends the word a blank or a single-character
+  // token, all in the direct characters. This takes such a token in one go,
+  // with the effects that the general way has on the position, the flags
+  // and the pushed-back characters. Anything else (tab or newline, comments,
+  // strings, the number character, the end of the direct characters)
+  // returns false before the token's first character is taken, and the
+  // general way goes on from there.
+  const char* p = direct_next_;
+  const char* const end = direct_end_;
+  if (p == end || at_eof) return false;
+  const TokenizerLanguage& lang = *language;
+  const char* start;  // the token's first character
+  int column;         // pos.column after it
+  if (char_pushback_count == 0) {
+    // Blanks other than tab and newline move the column by one each.
+    const char* q = p;
+    for (; q != end; ++q) {
+      const char ch = *q;
+      if (ch == '\t' || ch == '\n') break;
+      if (lang.space_chars.contains(ch)) {
+        last_space_char = ch;
+      } else if (ch != ' ') {
+        break;
+      }
+    }
+    if (q != p) {
+      space_before = true;
+      pos.column += static_cast<int>(q - p);
+      direct_next_ = p = q;
+      if (p == end) return false;
+    }
+    start = p;
+    if (*start == '\t' || *start == '\n') return false;
+    column = pos.column + 1;
+  } else if (char_pushback_count == 1 && p[-1] == char_pushback[0]) {
+    // The first character was read and given back (by has_more_tokens):
+    // it is the one before the direct characters, and already counted.
+    start = p - 1;
+    if (*start == ' ') return false;
+    column = pos.column;
+  } else {
+    return false;
+  }
+  const char c = *start;
+  if (c == '/' || lang.comment_chars.contains(c) || lang.space_chars.contains(c)) return false;
+  if (lang.strings && (c == '\'' || c == '"')) return false;
+
+  const char* q = start + 1;  // after the token
+  int ended_by = 0;           // what ends a word: 1 a blank, 2 a single-character token
+  char end_char = 0;
+  if (!lang.single_char_tokens.contains(c)) {
+    if (!word_stop_current()) build_word_stop();
+    const WordStop& stop = word_stop_;
+#ifdef REFGROVE_VECTOR_SCAN
+    q = scan_16(q, end, stop.low_hi0, stop.low_hi1);
+    while (q != end && !stop.set.contains(*q)) ++q;  // fewer than 16 characters left
+#else
+    q = scan_word(q, end, stop);
+#endif
+    if (q == end) return false;
+    end_char = *q;
+    if (end_char == '\t' || end_char == '\n') return false;
+    const int t = lang.space_chars.contains(end_char) ? ' ' : static_cast<signed char>(end_char);
+    if (lang.number_char != 0 && t == lang.number_char) return false;
+    if (lang.single_char_tokens.contains(t)) {
+      ended_by = 2;
+    } else if (t == ' ') {
+      ended_by = 1;
+    } else {
+      return false;
+    }
+  }
+
+  // Taken: the token, its position, and what ended it.
+  set_token(start, static_cast<std::size_t>(q - start), end);
+  char_pushback_count = 0;
+  pos.column = column;
+  token_pos = pos;
+  pos.column += static_cast<int>(q - (start + 1));
+  direct_next_ = q;
+  if (ended_by != 0) {
+    ++direct_next_;
+    ++pos.column;
+    const bool space = lang.space_chars.contains(end_char);
+    if (space) last_space_char = end_char;
+    if (ended_by == 2) {
+      push_char(space ? ' ' : end_char);
+    } else {
+      pending_space_ = true;
+    }
+  }
+  return true;
+}
+
 void Tokenizer::get_token_2() {
   if (pushback_count > 0) {
     TokenAndPos& top = pushback[static_cast<std::size_t>(--pushback_count)];
@@ -316,6 +450,7 @@ void Tokenizer::get_token_2() {
   }
   space_before = pending_space_;
   pending_space_ = false;
+  if (plain_hooks_ && fast_token_usable() && fast_token()) return;
   const int c = sig_char();
   if (at_eof) {
     token.clear();
@@ -346,42 +481,7 @@ void Tokenizer::get_token_2() {
   // differently.
   const WordStop& stop = word_stop();
   const char number_char = lang.number_char;
-  if (char_pushback_count == 0 && direct_next_ != direct_end_ && direct_next_[-1] == static_cast<char>(c)) {
-    // The usual case: the word lies in the direct characters from its first
-    // character on, and so does the character that ends it. Copy the word
-    // in one go and take the end here when it is a plain blank or a
-    // single-character token; anything else (tab, newline, the number
-    // character, the end of the run) goes through the loop below.
-    const char* start = direct_next_ - 1;
-    const char* p = scan_word(direct_next_, direct_end_, stop);
-    token.clear();  // clear and append are cheaper than assign
-    token.append(start, static_cast<std::size_t>(p - start));
-    pos.column += static_cast<int>(p - direct_next_);
-    direct_next_ = p;
-    if (p != direct_end_ && *p != '\t' && *p != '\n') {
-      const int raw = static_cast<signed char>(*p);
-      const bool space = lang.space_chars.contains(raw);
-      const int ch = space ? ' ' : raw;  // what token_read_char would return
-      if (number_char != 0 && ch == number_char) {
-        // the loop below reads it
-      } else if (lang.single_char_tokens.contains(ch)) {
-        ++direct_next_;
-        ++pos.column;
-        if (space) last_space_char = static_cast<char>(raw);
-        push_char(ch);
-        return;
-      } else if (ch == ' ') {
-        ++direct_next_;
-        ++pos.column;
-        if (space) last_space_char = static_cast<char>(raw);
-        pending_space_ = true;
-        if (!plain_hooks_) on_trailing_space();
-        return;
-      }
-    }
-  } else {
-    token.push_back(static_cast<char>(c));
-  }
+  token.push_back(static_cast<char>(c));
   for (;;) {
     if (char_pushback_count == 0 && direct_next_ != direct_end_) {
       const char* p = scan_word(direct_next_, direct_end_, stop);

@@ -199,6 +199,12 @@ class Tokenizer {
   void merge_token();
   [[noreturn]] void throw_end_of_file() const;
 
+  // The usual token straight from the direct characters, when the hooks
+  // are Tokenizer's own; false when the general way must take it.
+  bool fast_token();
+  // token = the n characters at p, all of them before `end`.
+  void set_token(const char* p, std::size_t n, const char* end);
+
   // Tokenizer's own token_read_sig_char, inline; sig_char() calls it or the
   // override, as plain_hooks_ says.
   int read_sig_char();
@@ -237,6 +243,7 @@ class Tokenizer {
 
   // word_stop_, rebuilt first when the language's classes have changed.
   const WordStop& word_stop();
+  bool word_stop_current() const;
   void build_word_stop();
   // The end of a plain run of word characters in [p, end): the first
   // character in the set, or end.
