@@ -18,55 +18,85 @@ std::size_t home_slot(std::uint32_t h, std::size_t mask) {
   return h & mask;
 }
 
-// The 12 bytes after a slot's id, as two words.
-struct KeyBytes {
-  std::uint32_t a;
-  std::uint64_t b;
-  bool operator==(const KeyBytes& o) const { return a == o.a && b == o.b; }
-};
+std::uint64_t load8(const char* p) {
+  std::uint64_t v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
 
-template <class Slot>
-KeyBytes key_bytes(const Slot& slot) {
-  const char* p = reinterpret_cast<const char*>(&slot) + sizeof slot.id;
-  KeyBytes k;
-  std::memcpy(&k.a, p, sizeof k.a);
-  std::memcpy(&k.b, p + sizeof k.a, sizeof k.b);
-  return k;
+std::uint32_t load4(const char* p) {
+  std::uint32_t v;
+  std::memcpy(&v, p, sizeof v);
+  return v;
+}
+
+// The n bytes at p (n < 8), little-endian, zero-padded. Two loads that may
+// overlap cover 4 to 7 bytes; three single bytes cover 1 to 3.
+std::uint64_t load_short(const char* p, std::size_t n) {
+  if (n >= 4) return load4(p) | static_cast<std::uint64_t>(load4(p + n - 4)) << (8 * (n - 4));
+  if (n == 0) return 0;
+  const auto byte = [p](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(p[i])); };
+  return byte(0) | byte(n / 2) << (8 * (n / 2)) | byte(n - 1) << (8 * (n - 1));
+}
+
+// Whether one of the n bytes (n <= 11) held in `head` and the low three
+// bytes of `tail` is NUL.
+bool has_zero_byte(std::uint64_t head, std::uint32_t tail, std::size_t n) {
+  const auto zero_in = [](std::uint64_t v, std::size_t bytes) {
+    // Set the bytes past the key to 0xFF, then look for a zero byte.
+    if (bytes < 8) v |= ~std::uint64_t{0} << (8 * bytes);
+    return ((v - 0x0101010101010101u) & ~v & 0x8080808080808080u) != 0;
+  };
+  if (n <= 8) return zero_in(head, n);
+  return zero_in(head, 8) || zero_in(tail, n - 8);
+}
+
+std::uint32_t signed_byte(char c) {
+  return static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
 }
 }  // namespace
 
-StringTable::StringTable() : slots_(kInitialSlots, Slot{-1, 0, {}}) {}
+StringTable::StringTable() : slots_(kInitialSlots, Slot{0, 0, -1}) {}
 
 int StringTable::String2ID(const std::string& key) {
   const char* s = key.data();
   const std::size_t n = key.size();
-  // The hash (hash_name_hash_key: up to the first NUL byte) and the slot
-  // form of the key, in one pass over its first bytes.
-  Slot probe{-1, n <= kHeadBytes ? static_cast<std::uint8_t>(n) : kLongKey, {}};
-  std::uint32_t h = 0;
-  bool hashing = true;
-  for (std::size_t i = 0; i < n; ++i) {
-    const char c = s[i];
-    if (i < kHeadBytes) probe.head[i] = c;
-    if (c == '\0') hashing = false;
-    if (hashing) h = 5 * h + static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
+  // The slot form of the key: its first kHeadBytes bytes as two NUL-padded
+  // words, read with a few loads that never go past the key.
+  const bool long_key = n > kHeadBytes;
+  std::uint64_t head;
+  std::uint32_t tail;
+  if (n >= 8) {
+    head = load8(s);
+    tail = long_key ? load4(s + 8) & 0xFFFFFFu : static_cast<std::uint32_t>(load_short(s + 8, n - 8));
+  } else {
+    head = load_short(s, n);
+    tail = 0;
   }
-  const KeyBytes wanted = key_bytes(probe);
+  tail |= (long_key ? kLongKey : static_cast<std::uint32_t>(n)) << 24;
+
+  // The hash: hash_name_hash_key, which stops at the first NUL byte. A
+  // short key shows in its words whether it holds one.
+  std::uint32_t h = 0;
+  if (!long_key && !has_zero_byte(head, tail, n)) {
+    for (std::size_t i = 0; i < n; ++i) h = 5 * h + signed_byte(s[i]);
+  } else {
+    for (std::size_t i = 0; i < n && s[i] != '\0'; ++i) h = 5 * h + signed_byte(s[i]);
+  }
 
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = home_slot(h, mask);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];
     if (slot.id < 0) {
-      slot = probe;
-      slot.id = static_cast<std::int32_t>(by_id.size());
+      slot = Slot{head, tail, static_cast<std::int32_t>(by_id.size())};
       by_id.push_back(key);
       hashes_.push_back(h);
       if (by_id.size() * 2 > slots_.size()) grow();
       return static_cast<int>(by_id.size()) - 1;
     }
-    if (key_bytes(slot) == wanted) {
-      if (probe.length != kLongKey) return slot.id;
-      if (by_id[static_cast<std::size_t>(slot.id)] == key) return slot.id;
+    if (slot.head == head && slot.tail_length == tail &&
+        (!long_key || by_id[static_cast<std::size_t>(slot.id)] == key)) {
+      return slot.id;
     }
   }
 }
@@ -74,7 +104,7 @@ int StringTable::String2ID(const std::string& key) {
 void StringTable::grow() {
   std::vector<Slot> old;
   old.swap(slots_);
-  slots_.assign(old.size() * 2, Slot{-1, 0, {}});
+  slots_.assign(old.size() * 2, Slot{0, 0, -1});
   const std::size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
     if (slot.id < 0) continue;

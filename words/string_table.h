@@ -9,7 +9,7 @@
 // most half full) over hash_name_hash_key. Interning runs once per word of
 // the dumps, and in a table of tens of thousands of words a lookup is
 // dominated by cache misses, so a slot of 16 bytes carries the key itself
-// when it is short (nearly every word is): the length and up to kHeadBytes
+// when it is short (nearly every word is): its length and up to kHeadBytes
 // bytes. A lookup of such a key then touches one cache line. A longer key
 // keeps its first bytes in the slot and is compared in full with by_id.
 #ifndef REFGROVE_WORDS_STRING_TABLE_H_
@@ -34,15 +34,15 @@ class StringTable {
 
  private:
   static constexpr std::size_t kHeadBytes = 11;
-  static constexpr std::uint8_t kLongKey = 0xFF;
+  static constexpr std::uint32_t kLongKey = 0xFF;
 
+  // A slot: the key's first kHeadBytes bytes, NUL-padded, and its length
+  // (kLongKey when it is longer), as two words; then the id. Equal keys
+  // have equal words, so for a short key the two words decide.
   struct Slot {
-    std::int32_t id;  // -1: empty
-    // The key's length, or kLongKey when it is longer than kHeadBytes, and
-    // its first bytes, NUL-padded: two slots with equal keys have equal
-    // bytes here, so 12 bytes decide for a short key.
-    std::uint8_t length;
-    char head[kHeadBytes];
+    std::uint64_t head;         // key bytes 0-7
+    std::uint32_t tail_length;  // key bytes 8-10, then the length in the top byte
+    std::int32_t id;            // -1: empty
   };
   static_assert(sizeof(Slot) == 16, "four slots to a cache line");
 

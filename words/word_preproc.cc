@@ -88,7 +88,7 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
   // The put position of "word-data", kept here rather than asked of the
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
-  std::string ids;  // the document's word ids, 3 bytes each
+  std::string ids;  // the document's word ids, 3 bytes each (a buffer that only grows)
   while (t.has_more_tokens()) {
     int did = 0;
     if (!t.try_next_integer(&did)) {
@@ -112,18 +112,20 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     // for the line end and then reading it again would do: the word
     // language has no elements, so a token comes back from the pushback
     // stack unchanged.
-    ids.clear();
+    std::size_t n = 0;  // bytes of `ids` in use
     for (;;) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
       const WordId w =
           WordId::from_id(static_cast<std::uint32_t>(table->String2ID(is_foreign(token) ? kForeignWord : token)));
-      const char bytes[kWordIdBytes] = {static_cast<char>(w.low & 0xFF), static_cast<char>(w.low >> 8),
-                                        static_cast<char>(w.high)};
-      ids.append(bytes, kWordIdBytes);
+      if (ids.size() < n + kWordIdBytes) ids.resize(2 * ids.size() + kWordIdBytes);
+      ids[n] = static_cast<char>(w.low & 0xFF);
+      ids[n + 1] = static_cast<char>(w.low >> 8);
+      ids[n + 2] = static_cast<char>(w.high);
+      n += kWordIdBytes;
     }
-    data_out.write(ids.data(), static_cast<std::streamsize>(ids.size()));
-    position += static_cast<std::int64_t>(ids.size());
+    data_out.write(ids.data(), static_cast<std::streamsize>(n));
+    position += static_cast<std::int64_t>(n);
   }
   std::cout << std::endl;
 }
