@@ -422,9 +422,11 @@ bool Tokenizer::fast_token() {
   // Taken: the token, its position, and what ended it.
   set_token(start, static_cast<std::size_t>(q - start), end);
   char_pushback_count = 0;
-  pos.column = column;
-  token_pos = pos;
-  pos.column += static_cast<int>(q - (start + 1));
+  // Field by field: copying pos whole right after storing its column would
+  // read back a value still on its way to memory.
+  token_pos.column = column;
+  token_pos.row = pos.row;
+  pos.column = column + static_cast<int>(q - (start + 1));
   direct_next_ = q;
   if (ended_by != 0) {
     ++direct_next_;
