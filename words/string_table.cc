@@ -3,19 +3,16 @@
 #include <cstring>
 
 namespace {
-constexpr std::size_t kInitialSlots = 1024;
+constexpr unsigned kInitialBits = 10;
 
-// The slot where the probe for hash `h` starts. The name hash (h = 5h + c)
-// leaves its low bits to the last characters only, so strings that differ in
-// their first characters would crowd into a few neighbouring slots; mixing
-// the high bits in spreads them over the table.
-std::size_t home_slot(std::uint32_t h, std::size_t mask) {
-  h ^= h >> 16;
-  h *= 0x85ebca6bu;
-  h ^= h >> 13;
-  h *= 0xc2b2ae35u;
-  h ^= h >> 16;
-  return h & mask;
+// The slot where the probe for hash `h` starts, in a table of 2^bits
+// slots. The name hash (h = 5h + c) leaves its low bits to the last
+// characters only, so strings that differ in their first characters would
+// crowd into a few neighbouring slots; Fibonacci hashing (the top bits of
+// the product with 2^64 / golden ratio) brings every bit of h into the slot
+// number with one multiplication.
+std::size_t home_slot(std::uint32_t h, unsigned bits) {
+  return static_cast<std::size_t>((h * std::uint64_t{0x9E3779B97F4A7C15u}) >> (64 - bits));
 }
 
 std::uint64_t load8(const char* p) {
@@ -51,12 +48,24 @@ bool has_zero_byte(std::uint64_t head, std::uint32_t tail, std::size_t n) {
   return zero_in(head, 8) || zero_in(tail, n - 8);
 }
 
+// hash_name_hash_key of the n <= 8 bytes held in `head` (little-endian),
+// none of them NUL or above 127: the sum of byte i times 5^(n-1-i), added up
+// pairwise in the lanes of one word instead of one byte after another.
+std::uint32_t name_hash_8(std::uint64_t head, std::size_t n) {
+  if (n == 0) return 0;
+  const std::uint64_t v = head << (8 * (8 - n));  // the last byte at the top, weight 5^0
+  const std::uint64_t m16 = 0x00FF00FF00FF00FFu, m32 = 0x0000FFFF0000FFFFu;
+  const std::uint64_t pairs = (v & m16) * 5 + ((v >> 8) & m16);        // 16-bit lanes
+  const std::uint64_t quads = (pairs & m32) * 25 + ((pairs >> 16) & m32);  // 32-bit lanes
+  return static_cast<std::uint32_t>((quads & 0xFFFFFFFFu) * 625 + (quads >> 32));
+}
+
 std::uint32_t signed_byte(char c) {
   return static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
 }
 }  // namespace
 
-StringTable::StringTable() : slots_(kInitialSlots, Slot{0, 0, -1}) {}
+StringTable::StringTable() : slots_(std::size_t{1} << kInitialBits, Slot{0, 0, -1}), bits_(kInitialBits) {}
 
 int StringTable::String2ID(const std::string& key) {
   const char* s = key.data();
@@ -78,14 +87,16 @@ int StringTable::String2ID(const std::string& key) {
   // The hash: hash_name_hash_key, which stops at the first NUL byte. A
   // short key shows in its words whether it holds one.
   std::uint32_t h = 0;
-  if (!long_key && !has_zero_byte(head, tail, n)) {
-    for (std::size_t i = 0; i < n; ++i) h = 5 * h + signed_byte(s[i]);
+  const std::uint64_t high_bits = 0x8080808080808080u;
+  if (!long_key && !has_zero_byte(head, tail, n) && (head & high_bits) == 0 && (tail & 0x808080u) == 0) {
+    h = name_hash_8(head, n < 8 ? n : 8);
+    for (std::size_t i = 8; i < n; ++i) h = 5 * h + signed_byte(s[i]);
   } else {
     for (std::size_t i = 0; i < n && s[i] != '\0'; ++i) h = 5 * h + signed_byte(s[i]);
   }
 
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t i = home_slot(h, mask);; i = (i + 1) & mask) {
+  for (std::size_t i = home_slot(h, bits_);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];
     if (slot.id < 0) {
       slot = Slot{head, tail, static_cast<std::int32_t>(by_id.size())};
@@ -105,10 +116,11 @@ void StringTable::grow() {
   std::vector<Slot> old;
   old.swap(slots_);
   slots_.assign(old.size() * 2, Slot{0, 0, -1});
+  ++bits_;
   const std::size_t mask = slots_.size() - 1;
   for (const Slot& slot : old) {
     if (slot.id < 0) continue;
-    std::size_t i = home_slot(hashes_[static_cast<std::size_t>(slot.id)], mask);
+    std::size_t i = home_slot(hashes_[static_cast<std::size_t>(slot.id)], bits_);
     while (slots_[i].id >= 0) i = (i + 1) & mask;
     slots_[i] = slot;
   }

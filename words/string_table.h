@@ -49,6 +49,7 @@ class StringTable {
   void grow();
 
   std::vector<Slot> slots_;
+  unsigned bits_;  // slots_.size() is 2^bits_
   std::vector<std::uint32_t> hashes_;  // the hash of each id, for grow()
 };
 

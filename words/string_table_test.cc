@@ -43,6 +43,36 @@ TEST(StringTable, HandsOutDenseIdsInFirstComeOrder) {
   EXPECT_EQ(t.by_id[1], "Word");
 }
 
+TEST(StringTable, KeysThatShareTheirFirstBytes) {
+  // A slot holds a key's length and first bytes; keys that agree there, or
+  // differ only past them, in NUL bytes or in bytes above 127 must still
+  // get ids of their own.
+  const std::string keys[] = {
+      std::string("a"),
+      std::string("a\0", 2),
+      std::string("a\0\0", 3),
+      std::string("\0a", 2),
+      "abcdefgh",
+      "abcdefghi",
+      "abcdefghijk",
+      "abcdefghijkl",   // longer than a slot holds
+      "abcdefghijkm",
+      "abcdefghijklmnopqrstuvwxyz",
+      "abcdefghijklmnopqrstuvwxyZ",
+      "caf\xc3\xa9",
+      "caf\xc3\xa8",
+      "\xff\xff\xff\xff\xff\xff\xff\xff\xff",
+      std::string("abcdefgh\0", 9),
+      std::string("abcdefgh\0x", 10),
+  };
+  StringTable t;
+  const int n = static_cast<int>(sizeof keys / sizeof keys[0]);
+  for (int round = 0; round < 2; ++round) {
+    for (int i = 0; i < n; ++i) EXPECT_EQ(t.String2ID(keys[i]), i) << "key " << i << ", round " << round;
+  }
+  EXPECT_EQ(t.size(), n);
+}
+
 TEST(StringTable, KeepsIdsAcrossGrowth) {
   StringTable t;
   for (int i = 0; i < 100000; ++i) ASSERT_EQ(t.String2ID("w" + std::to_string(i)), i);
