@@ -80,16 +80,16 @@ const bool g_have_ssse3 = detect_ssse3();
 bool have_ssse3() { return g_have_ssse3; }
 #endif
 
-// Whether fast_token may run on this processor.
-bool fast_token_usable() {
+
+}  // namespace
+
+bool Tokenizer::fast_path_usable() {
 #ifdef REFGROVE_VECTOR_SCAN
   return have_ssse3();
 #else
   return true;
 #endif
 }
-
-}  // namespace
 
 inline __attribute__((always_inline)) bool Tokenizer::word_stop_current() const {
   const TokenizerLanguage& lang = *language;
@@ -341,18 +341,19 @@ inline __attribute__((always_inline)) void Tokenizer::set_token(const char* p, s
 }
 
 #ifdef REFGROVE_VECTOR_SCAN
-// Called only when the processor has SSSE3 (see fast_token_usable).
+// Called only when the processor has SSSE3 (see fast_path_usable).
 __attribute__((target("ssse3")))
 #endif
-bool Tokenizer::fast_token() {
+bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
   // Most tokens are a word or a single-character token after a blank or
-  // two, with the character that ends the word a blank or a single-character
-  // token, all in the direct characters. This takes such a token in one go,
-  // with the effects that the general way has on the position, the flags
-  // and the pushed-back characters. Anything else (tab or newline, comments,
-  // strings, the number character, the end of the direct characters)
-  // returns false before the token's first character is taken, and the
-  // general way goes on from there.
+  // two, with the character that ends the word a blank, a newline or a
+  // single-character token, all in the direct characters. This takes such
+  // a token in one go, with the effects that the general way has on the
+  // position, the flags and the pushed-back characters. Anything else (a
+  // tab or newline before the token, comments, strings, the number
+  // character, the end of the direct characters) returns false before the
+  // token's first character is taken, and the general way goes on from
+  // there.
   const char* p = direct_next_;
   const char* const end = direct_end_;
   if (p == end || at_eof) return false;
@@ -407,7 +408,6 @@ bool Tokenizer::fast_token() {
 #endif
     if (q == end) return false;
     end_char = *q;
-    if (end_char == '\t' || end_char == '\n') return false;
     const int t = lang.space_chars.contains(end_char) ? ' ' : static_cast<signed char>(end_char);
     if (lang.number_char != 0 && t == lang.number_char) return false;
     if (lang.single_char_tokens.contains(t)) {
@@ -420,7 +420,8 @@ bool Tokenizer::fast_token() {
   }
 
   // Taken: the token, its position, and what ended it.
-  set_token(start, static_cast<std::size_t>(q - start), end);
+  *text = start;
+  *size = static_cast<std::size_t>(q - start);
   char_pushback_count = 0;
   // Field by field: copying pos whole right after storing its column would
   // read back a value still on its way to memory.
@@ -430,7 +431,13 @@ bool Tokenizer::fast_token() {
   direct_next_ = q;
   if (ended_by != 0) {
     ++direct_next_;
-    ++pos.column;
+    if (end_char == '\t') {
+      pos.column = pos.column / 8 * 8 + 8;
+    } else if (end_char == '\n') {
+      pos.incRow();
+    } else {
+      ++pos.column;
+    }
     const bool space = lang.space_chars.contains(end_char);
     if (space) last_space_char = end_char;
     if (ended_by == 2) {
@@ -439,6 +446,14 @@ bool Tokenizer::fast_token() {
       pending_space_ = true;
     }
   }
+  return true;
+}
+
+bool Tokenizer::fast_token() {
+  const char* text;
+  std::size_t size;
+  if (!take_plain_token(&text, &size)) return false;
+  set_token(text, size, direct_end_);
   return true;
 }
 
@@ -452,7 +467,7 @@ void Tokenizer::get_token_2() {
   }
   space_before = pending_space_;
   pending_space_ = false;
-  if (plain_hooks_ && fast_token_usable() && fast_token()) return;
+  if (plain_hooks_ && fast_path_usable() && fast_token()) return;
   const int c = sig_char();
   if (at_eof) {
     token.clear();

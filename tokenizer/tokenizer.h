@@ -151,6 +151,22 @@ class Tokenizer {
   void pushback_token(const std::string& text);  // at token_pos
   void pushback_token(const char* text);         // at token_pos
 
+  // For readers that only look at each token's text until the next read
+  // (the word preprocessor): reads tokens like next_token up to and
+  // including the first one that equals the one character `last`, and
+  // calls f(text, size, readable) for each token before it, with the text
+  // where the source holds it rather than copied into `token`, and
+  // `readable` >= size the number of bytes at text that may be read (the
+  // token and what follows it in the buffer). Returns true when
+  // `last` has been read; it is then the current token. Returns false when
+  // the next token needs the general way (say at the end of the buffered
+  // input, or after a comment): it has not been read, `token` is left as
+  // it was, and next_token() goes on from there. Every token read here
+  // leaves the position, the flags and the pushed-back characters as
+  // next_token would.
+  template <class F>
+  bool next_tokens_until(char last, F&& f);
+
   // These consume the token when it matches and push it back otherwise.
   bool is_next_token(const char* s);
   bool is_next_token_uc(const char* s);  // str_i_equals(token, s): a prefix test
@@ -202,6 +218,11 @@ class Tokenizer {
   // The usual token straight from the direct characters, when the hooks
   // are Tokenizer's own; false when the general way must take it.
   bool fast_token();
+  // Whether this processor can run fast_token and take_plain_token.
+  static bool fast_path_usable();
+  // fast_token but for the text, which is left where it lies: *text and
+  // *size point at it.
+  bool take_plain_token(const char** text, std::size_t* size);
   // token = the n characters at p, all of them before `end`.
   void set_token(const char* p, std::size_t n, const char* end);
 
@@ -273,6 +294,31 @@ inline std::string& Tokenizer::next_token() {
   return token;
 }
 
+
+template <class F>
+bool Tokenizer::next_tokens_until(char last, F&& f) {
+  // Only where get_token would take the token through fast_token and keep
+  // it as it is: no pushed-back tokens, no elements to merge.
+  if (!plain_hooks_ || !fast_path_usable() || pushback_count > 0 || (sub_language && !sub_language->empty())) {
+    return false;
+  }
+  for (;;) {
+    // What get_token_2 does before fast_token.
+    space_before = pending_space_;
+    pending_space_ = false;
+    const char* text;
+    std::size_t size;
+    if (!take_plain_token(&text, &size)) {
+      pending_space_ = space_before;  // for the get_token_2 that goes on
+      return false;
+    }
+    if (size == 1 && text[0] == last) {
+      token.assign(1, last);
+      return true;
+    }
+    f(text, size, static_cast<std::size_t>(direct_end_ - text));
+  }
+}
 
 inline int Tokenizer::token_read_char() {
   if (char_pushback_count > 0) return char_pushback[--char_pushback_count];
