@@ -36,28 +36,37 @@ std::uint64_t load_short(const char* p, std::size_t n) {
   return byte(0) | byte(n / 2) << (8 * (n / 2)) | byte(n - 1) << (8 * (n - 1));
 }
 
-// Whether one of the n bytes (n <= 11) held in `head` and the low three
-// bytes of `tail` is NUL.
-bool has_zero_byte(std::uint64_t head, std::uint32_t tail, std::size_t n) {
-  const auto zero_in = [](std::uint64_t v, std::size_t bytes) {
-    // Set the bytes past the key to 0xFF, then look for a zero byte.
-    if (bytes < 8) v |= ~std::uint64_t{0} << (8 * bytes);
-    return ((v - 0x0101010101010101u) & ~v & 0x8080808080808080u) != 0;
-  };
-  if (n <= 8) return zero_in(head, n);
-  return zero_in(head, 8) || zero_in(tail, n - 8);
+// The low `bytes` bytes of v (bytes <= 8), the others cleared.
+std::uint64_t low_bytes(std::uint64_t v, std::size_t bytes) {
+  // Two shifts, so that no shift is by 64 bits.
+  const std::uint64_t mask = ~((~std::uint64_t{0} << (4 * bytes)) << (4 * bytes));
+  return v & mask;
 }
 
-// hash_name_hash_key of the n <= 8 bytes held in `head` (little-endian),
-// none of them NUL or above 127: the sum of byte i times 5^(n-1-i), added up
-// pairwise in the lanes of one word instead of one byte after another.
-std::uint32_t name_hash_8(std::uint64_t head, std::size_t n) {
-  if (n == 0) return 0;
-  const std::uint64_t v = head << (8 * (8 - n));  // the last byte at the top, weight 5^0
+// Whether the low `bytes` bytes of v hold a NUL or a byte above 127.
+bool zero_or_high_byte(std::uint64_t v, std::size_t bytes) {
+  const std::uint64_t high = 0x8080808080808080u;
+  const std::uint64_t filled = v | ~low_bytes(~std::uint64_t{0}, bytes);  // 0xFF past them
+  const std::uint64_t zero = (filled - 0x0101010101010101u) & ~filled & high;
+  return (zero | (low_bytes(v, bytes) & high)) != 0;
+}
+
+// hash_name_hash_key of the n <= 11 bytes held in `head` (bytes 0-7) and
+// `tail` (bytes 8-10), little-endian, none of them NUL or above 127: the sum
+// of byte i times 5^(n-1-i), added up pairwise in the lanes of a word
+// instead of one byte after another.
+std::uint32_t name_hash_11(std::uint64_t head, std::uint32_t tail, std::size_t n) {
+  const std::size_t k = n < 8 ? n : 8;  // bytes in head
+  const std::size_t rest = n - k;       // bytes in tail
+  // The last byte of head at the top, weight 5^0; two shifts for k = 0.
+  const std::uint64_t v = (head << (4 * (8 - k))) << (4 * (8 - k));
   const std::uint64_t m16 = 0x00FF00FF00FF00FFu, m32 = 0x0000FFFF0000FFFFu;
-  const std::uint64_t pairs = (v & m16) * 5 + ((v >> 8) & m16);        // 16-bit lanes
+  const std::uint64_t pairs = (v & m16) * 5 + ((v >> 8) & m16);            // 16-bit lanes
   const std::uint64_t quads = (pairs & m32) * 25 + ((pairs >> 16) & m32);  // 32-bit lanes
-  return static_cast<std::uint32_t>((quads & 0xFFFFFFFFu) * 625 + (quads >> 32));
+  const std::uint32_t h8 = static_cast<std::uint32_t>((quads & 0xFFFFFFFFu) * 625 + (quads >> 32));
+  static constexpr std::uint32_t kPow5[4] = {1, 5, 25, 125};
+  const std::uint32_t t = (tail << (8 * (3 - rest))) & 0xFFFFFFu;  // the last byte at byte 2
+  return h8 * kPow5[rest] + (t & 0xFF) * 25 + ((t >> 8) & 0xFF) * 5 + (t >> 16);
 }
 
 std::uint32_t signed_byte(char c) {
@@ -68,45 +77,53 @@ std::uint32_t signed_byte(char c) {
 StringTable::StringTable() : slots_(std::size_t{1} << kInitialBits, Slot{0, 0, -1}), bits_(kInitialBits) {}
 
 int StringTable::String2ID(const std::string& key) {
-  const char* s = key.data();
-  const std::size_t n = key.size();
+  // The string's storage holds capacity() + 1 >= 16 bytes.
+  return String2ID(key.data(), key.size(), key.capacity() + 1);
+}
+
+int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
   // The slot form of the key: its first kHeadBytes bytes as two NUL-padded
-  // words, read with a few loads that never go past the key.
+  // words. With 16 bytes readable that is two loads and two masks, the same
+  // whatever the length; otherwise a few loads that never go past the key.
   const bool long_key = n > kHeadBytes;
+  const std::size_t in_head = n < 8 ? n : 8;
+  const std::size_t in_tail = n < 8 ? 0 : n - 8 < 3 ? n - 8 : 3;
   std::uint64_t head;
   std::uint32_t tail;
-  if (n >= 8) {
+  if (readable >= 16) {
+    head = low_bytes(load8(s), in_head);
+    tail = static_cast<std::uint32_t>(low_bytes(load4(s + 8), in_tail));
+  } else if (n >= 8) {
     head = load8(s);
     tail = long_key ? load4(s + 8) & 0xFFFFFFu : static_cast<std::uint32_t>(load_short(s + 8, n - 8));
   } else {
     head = load_short(s, n);
     tail = 0;
   }
-  tail |= (long_key ? kLongKey : static_cast<std::uint32_t>(n)) << 24;
 
   // The hash: hash_name_hash_key, which stops at the first NUL byte. A
-  // short key shows in its words whether it holds one.
+  // short key shows in its words whether it holds a NUL or a byte that the
+  // hash takes as negative.
   std::uint32_t h = 0;
-  const std::uint64_t high_bits = 0x8080808080808080u;
-  if (!long_key && !has_zero_byte(head, tail, n) && (head & high_bits) == 0 && (tail & 0x808080u) == 0) {
-    h = name_hash_8(head, n < 8 ? n : 8);
-    for (std::size_t i = 8; i < n; ++i) h = 5 * h + signed_byte(s[i]);
+  if (!long_key && !zero_or_high_byte(head, in_head) && !zero_or_high_byte(tail, in_tail)) {
+    h = name_hash_11(head, tail, n);
   } else {
     for (std::size_t i = 0; i < n && s[i] != '\0'; ++i) h = 5 * h + signed_byte(s[i]);
   }
+  tail |= (long_key ? kLongKey : static_cast<std::uint32_t>(n)) << 24;
 
   const std::size_t mask = slots_.size() - 1;
   for (std::size_t i = home_slot(h, bits_);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];
     if (slot.id < 0) {
       slot = Slot{head, tail, static_cast<std::int32_t>(by_id.size())};
-      by_id.push_back(key);
+      by_id.emplace_back(s, n);
       hashes_.push_back(h);
       if (by_id.size() * 2 > slots_.size()) grow();
       return static_cast<int>(by_id.size()) - 1;
     }
     if (slot.head == head && slot.tail_length == tail &&
-        (!long_key || by_id[static_cast<std::size_t>(slot.id)] == key)) {
+        (!long_key || by_id[static_cast<std::size_t>(slot.id)].compare(0, std::string::npos, s, n) == 0)) {
       return slot.id;
     }
   }

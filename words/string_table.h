@@ -26,6 +26,9 @@ class StringTable {
 
   // The id of `s`, interning it first if it is new.
   int String2ID(const std::string& s);
+  // The same for the n bytes at s, of which `readable` >= n may be read
+  // (16 or more make the lookup cheaper).
+  int String2ID(const char* s, std::size_t n, std::size_t readable);
 
   int size() const { return static_cast<int>(by_id.size()); }
 

@@ -18,10 +18,10 @@ const char* const kWordDumpFiles[] = {"word-data1-mar-2002.txt", "word-data2-mar
 // Stands for every word holding a byte outside ASCII.
 const std::string kForeignWord = "[foreign]";
 
-bool is_foreign(const std::string& word) {
+bool is_foreign(const char* word, std::size_t n) {
   // No early exit: the loop is short and compiles to a few vector ORs.
   unsigned char all = 0;
-  for (const char c : word) all |= static_cast<unsigned char>(c);
+  for (std::size_t i = 0; i < n; ++i) all |= static_cast<unsigned char>(word[i]);
   return all >= 128;
 }
 
@@ -108,21 +108,25 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     if (did % 1000 == 0) std::cout << '\r' << did;
 
     t.next_token();  // the field after the DID is not used
-    // Reading each token and comparing it with the line end is what testing
-    // for the line end and then reading it again would do: the word
-    // language has no elements, so a token comes back from the pushback
-    // stack unchanged.
     std::size_t n = 0;  // bytes of `ids` in use
-    for (;;) {
-      const std::string& token = t.next_token();
-      if (is_line_end(token)) break;
-      const WordId w =
-          WordId::from_id(static_cast<std::uint32_t>(table->String2ID(is_foreign(token) ? kForeignWord : token)));
+    const auto add_word = [&](const char* word, std::size_t size, std::size_t readable) {
+      const int id = is_foreign(word, size) ? table->String2ID(kForeignWord) : table->String2ID(word, size, readable);
+      const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
       if (ids.size() < n + kWordIdBytes) ids.resize(2 * ids.size() + kWordIdBytes);
       ids[n] = static_cast<char>(w.low & 0xFF);
       ids[n + 1] = static_cast<char>(w.low >> 8);
       ids[n + 2] = static_cast<char>(w.high);
       n += kWordIdBytes;
+    };
+    // The words up to the line end. Reading each token and comparing it
+    // with the line end is what testing for the line end and then reading
+    // it again would do: the word language has no elements, so a token
+    // comes back from the pushback stack unchanged. Most of the line goes
+    // through next_tokens_until, the rest token by token.
+    while (!t.next_tokens_until('\n', add_word)) {
+      const std::string& token = t.next_token();
+      if (is_line_end(token)) break;
+      add_word(token.data(), token.size(), token.capacity() + 1);
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);
