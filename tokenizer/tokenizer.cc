@@ -538,7 +538,7 @@ void Tokenizer::merge_token() {
   auto it = sub_language->end();
   if (sub_language->size() <= 4) {
     for (auto k = sub_language->begin(); k != sub_language->end(); ++k) {
-      if (k->first.size() == token.size() && k->first == token) {
+      if (k->first.size() == token.size() && k->first[0] == token[0] && k->first == token) {
         it = k;
         break;
       }

@@ -31,6 +31,7 @@
 #define REFGROVE_TOKENIZER_TOKENIZER_H_
 
 #include <cassert>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -210,6 +211,9 @@ class Tokenizer {
   }
 
  private:
+  // token == s, for a NUL-terminated s.
+  bool token_is(const char* s) const;
+
   // The element lookup of get_token, for a non-empty token with a
   // sub-language selected.
   void merge_token();
@@ -292,6 +296,20 @@ inline void Tokenizer::get_check_token() {
 inline std::string& Tokenizer::next_token() {
   get_check_token();
   return token;
+}
+
+// Inline, so that for a literal s the length is known and the comparison
+// takes a few instructions.
+inline bool Tokenizer::token_is(const char* s) const {
+  const std::size_t n = std::strlen(s);
+  return token.size() == n && std::memcmp(token.data(), s, n) == 0;
+}
+
+inline bool Tokenizer::is_next_token(const char* s) {
+  get_check_token();
+  if (token_is(s)) return true;
+  pushback_token();
+  return false;
 }
 
 

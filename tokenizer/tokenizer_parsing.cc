@@ -123,12 +123,6 @@ void Tokenizer::pushback_token(const std::string& text) { pushback_token(text, t
 
 void Tokenizer::pushback_token(const char* text) { pushback_token(std::string(text), token_pos); }
 
-bool Tokenizer::is_next_token(const char* s) {
-  get_check_token();
-  if (token == s) return true;
-  pushback_token();
-  return false;
-}
 
 bool Tokenizer::is_next_token_uc(const char* s) {
   get_check_token();
@@ -146,7 +140,7 @@ int Tokenizer::is_next_token_in(const char* chars) {
 
 void Tokenizer::ensure_next_token(const char* s) {
   get_check_token();
-  if (token != s) throw error("expected '" + std::string(s) + "', found '" + token + "'");
+  if (!token_is(s)) throw error("expected '" + std::string(s) + "', found '" + token + "'");
 }
 
 int Tokenizer::ensure_next_token_in(const char* chars) {

@@ -69,6 +69,10 @@ std::uint32_t name_hash_11(std::uint64_t head, std::uint32_t tail, std::size_t n
   return h8 * kPow5[rest] + (t & 0xFF) * 25 + ((t >> 8) & 0xFF) * 5 + (t >> 16);
 }
 
+bool same_key(const std::string& key, const char* s, std::size_t n) {
+  return key.size() == n && std::memcmp(key.data(), s, n) == 0;
+}
+
 std::uint32_t signed_byte(char c) {
   return static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(c)));
 }
@@ -123,7 +127,7 @@ int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
       return static_cast<int>(by_id.size()) - 1;
     }
     if (slot.head == head && slot.tail_length == tail &&
-        (!long_key || by_id[static_cast<std::size_t>(slot.id)].compare(0, std::string::npos, s, n) == 0)) {
+        (!long_key || same_key(by_id[static_cast<std::size_t>(slot.id)], s, n))) {
       return slot.id;
     }
   }
