@@ -211,6 +211,9 @@ class Tokenizer {
   }
 
  private:
+  // has_more_tokens but for its inline first case.
+  bool has_more_tokens_general();
+
   // token == s, for a NUL-terminated s.
   bool token_is(const char* s) const;
 
@@ -296,6 +299,23 @@ inline void Tokenizer::get_check_token() {
 inline std::string& Tokenizer::next_token() {
   get_check_token();
   return token;
+}
+
+inline bool Tokenizer::has_more_tokens() {
+  // Inline for the usual case: the next character starts a token right
+  // away and moves the column by one.
+  if (plain_hooks_ && at_eof == 0 && char_pushback_count == 0 && direct_next_ != direct_end_) {
+    const char c = *direct_next_;
+    const TokenizerLanguage& lang = *language;
+    if (c != ' ' && c != '\t' && c != '\n' && c != '/' && !lang.space_chars.contains(c) &&
+        !lang.comment_chars.contains(c)) {
+      ++direct_next_;
+      ++pos.column;
+      push_char(c);
+      return true;
+    }
+  }
+  return has_more_tokens_general();
 }
 
 // Inline, so that for a literal s the length is known and the comparison

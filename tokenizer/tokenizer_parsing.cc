@@ -56,7 +56,7 @@ void Tokenizer::peek_token(std::string* out) {
   *out = token;
 }
 
-bool Tokenizer::has_more_tokens() {
+bool Tokenizer::has_more_tokens_general() {
   if (at_eof) return false;
   if (plain_hooks_ && char_pushback_count == 0) {
     // The usual case, straight on the direct characters: blanks and then a
