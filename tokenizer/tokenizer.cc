@@ -117,6 +117,18 @@ void Tokenizer::build_word_stop() {
   std::memset(w.low_hi0, 0, sizeof w.low_hi0);
   std::memset(w.low_hi1, 0, sizeof w.low_hi1);
   for (int c = 0; c < 256; ++c) {
+    // As the general word loop takes the character after token_read_char.
+    const bool space = lang.space_chars.contains(c);
+    const int t = space ? ' ' : static_cast<signed char>(c);
+    unsigned char end = 0;
+    if (lang.number_char != 0 && t == lang.number_char) {
+      end = 0;
+    } else if (lang.single_char_tokens.contains(t)) {
+      end = kEndSingle;
+    } else if (t == ' ') {
+      end = kEndBlank;
+    }
+    w.ends[c] = static_cast<unsigned char>(end | (space ? kEndSpace : 0));
     if (!w.set.contains(c)) continue;
     const int hi = c >> 4;
     if (hi < 8) {
@@ -328,7 +340,8 @@ inline __attribute__((always_inline)) void Tokenizer::set_token(const char* p, s
   // read lie in [p, end); the 16 written lie in the string's storage, which
   // holds capacity() + 1 >= 16 bytes; the terminator is put back after.
   if (n < 16 && end - p >= 16 && token.capacity() >= 15) {
-    token.resize(n);
+    token.assign(15, '\0');  // the same path whatever the previous length
+    token.resize(n);         // shrinking: no call
     char* d = &token[0];
     _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
     d[n] = '\0';
@@ -394,58 +407,56 @@ bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
   if (c == '/' || lang.comment_chars.contains(c) || lang.space_chars.contains(c)) return false;
   if (lang.strings && (c == '\'' || c == '"')) return false;
 
-  const char* q = start + 1;  // after the token
-  int ended_by = 0;           // what ends a word: 1 a blank, 2 a single-character token
-  char end_char = 0;
-  if (!lang.single_char_tokens.contains(c)) {
-    if (!word_stop_current()) build_word_stop();
-    const WordStop& stop = word_stop_;
-#ifdef REFGROVE_VECTOR_SCAN
-    q = scan_16(q, end, stop.low_hi0, stop.low_hi1);
-    while (q != end && !stop.set.contains(*q)) ++q;  // fewer than 16 characters left
-#else
-    q = scan_word(q, end, stop);
-#endif
-    if (q == end) return false;
-    end_char = *q;
-    const int t = lang.space_chars.contains(end_char) ? ' ' : static_cast<signed char>(end_char);
-    if (lang.number_char != 0 && t == lang.number_char) return false;
-    if (lang.single_char_tokens.contains(t)) {
-      ended_by = 2;
-    } else if (t == ' ') {
-      ended_by = 1;
-    } else {
-      return false;
-    }
+  // A single-character token.
+  if (lang.single_char_tokens.contains(c)) {
+    *text = start;
+    *size = 1;
+    char_pushback_count = 0;
+    // Field by field: copying pos whole right after storing its column
+    // would read back a value still on its way to memory.
+    token_pos.column = column;
+    token_pos.row = pos.row;
+    pos.column = column;
+    direct_next_ = start + 1;
+    return true;
   }
 
-  // Taken: the token, its position, and what ended it.
+  // A word, and what ends it. What happens then is looked up rather than
+  // decided by branches, which mispredict on text where a word is followed
+  // now by a blank, now by punctuation.
+  if (!word_stop_current()) build_word_stop();
+  const WordStop& stop = word_stop_;
+  const char* q = start + 1;
+#ifdef REFGROVE_VECTOR_SCAN
+  q = scan_16(q, end, stop.low_hi0, stop.low_hi1);
+  while (q != end && !stop.set.contains(*q)) ++q;  // fewer than 16 characters left
+#else
+  q = scan_word(q, end, stop);
+#endif
+  if (q == end) return false;
+  const char end_char = *q;
+  const unsigned char ends = stop.ends[static_cast<unsigned char>(end_char)];
+  if ((ends & (kEndBlank | kEndSingle)) == 0) return false;
+
   *text = start;
   *size = static_cast<std::size_t>(q - start);
-  char_pushback_count = 0;
-  // Field by field: copying pos whole right after storing its column would
-  // read back a value still on its way to memory.
   token_pos.column = column;
   token_pos.row = pos.row;
-  pos.column = column + static_cast<int>(q - (start + 1));
-  direct_next_ = q;
-  if (ended_by != 0) {
-    ++direct_next_;
-    if (end_char == '\t') {
-      pos.column = pos.column / 8 * 8 + 8;
-    } else if (end_char == '\n') {
-      pos.incRow();
-    } else {
-      ++pos.column;
-    }
-    const bool space = lang.space_chars.contains(end_char);
-    if (space) last_space_char = end_char;
-    if (ended_by == 2) {
-      push_char(space ? ' ' : end_char);
-    } else {
-      pending_space_ = true;
-    }
+  direct_next_ = q + 1;
+  int after = column + static_cast<int>(q - start);  // the column after the end character
+  if (end_char == '\t') {
+    after = (after - 1) / 8 * 8 + 8;
+  } else if (end_char == '\n') {
+    after = 0;
+    ++pos.row;
   }
+  pos.column = after;
+  const bool space = (ends & kEndSpace) != 0;
+  const bool single = (ends & kEndSingle) != 0;
+  last_space_char = space ? end_char : last_space_char;
+  char_pushback[0] = single ? (space ? ' ' : end_char) : char_pushback[0];
+  char_pushback_count = single ? 1 : 0;
+  pending_space_ = !single;
   return true;
 }
 

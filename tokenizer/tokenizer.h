@@ -266,7 +266,12 @@ class Tokenizer {
     TokenizerCharSet set;
     alignas(16) unsigned char low_hi0[16];
     alignas(16) unsigned char low_hi1[16];
+    // What each character of `set` does when it ends a word: kEndBlank,
+    // kEndSingle (it is pushed back) or neither (the general way must
+    // read it), plus kEndSpace when it is a space character.
+    unsigned char ends[256];
   };
+  static constexpr unsigned char kEndBlank = 1, kEndSingle = 2, kEndSpace = 4;
   WordStop word_stop_;
 
   // word_stop_, rebuilt first when the language's classes have changed.
