@@ -168,6 +168,11 @@ TEST(WordPreprocTest, DocumentLines) {
       // descending DIDs are kept as they come.
       {"9 k Word word , ; Word\n3 k x\n9 k y\n", {{9, {"Word", "word", ",", ";", "Word"}}, {3, {"x"}}, {9, {"y"}}}, ""},
       {"4 k \xc3\xa9 \xc3\xa0 e\n", {{4, {"[foreign]", "[foreign]", "e"}}}, ""},
+      // Only the word's own bytes count: 128 and 255 end a word as blanks.
+      // A byte above 127 at the end of words of 8, 9, 16 and 17 bytes.
+      {"4 k abc\x80" "def\xff" "ghijklmnop\x80q\n", {{4, {"abc", "def", "ghijklmnop", "q"}}}, ""},
+      {"4 k abcdefg\xe9 abcdefgh\xe9 abcdefghijklmno\xe9 abcdefghijklmnop\xe9 abcdefghijklmnop\n",
+       {{4, {"[foreign]", "[foreign]", "[foreign]", "[foreign]", "abcdefghijklmnop"}}}, ""},
       // "-" is a token of its own, so no DID is negative.
       {"-4 k\n", {}, "no did at line 1\n4k\n ------------------------- \n"},
       {"", {}, ""},
