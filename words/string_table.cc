@@ -123,7 +123,11 @@ int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
       slot = Slot{head, tail, static_cast<std::int32_t>(by_id.size())};
       by_id.emplace_back(s, n);
       hashes_.push_back(h);
-      if (by_id.size() * 2 > slots_.size()) grow();
+      // Up to 7/8 full: with four slots to a cache line most probes still
+      // end in the first line or the next, and the table takes half the
+      // cache that it would at most half full; the slot loads of rarer
+      // words are what interning costs.
+      if (by_id.size() * 8 > slots_.size() * 7) grow();
       return static_cast<int>(by_id.size()) - 1;
     }
     if (slot.head == head && slot.tail_length == tail &&

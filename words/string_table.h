@@ -6,7 +6,7 @@
 // frozen into a CompactedStringTable when a pass ends.
 //
 // The map is an open-addressing table (linear probing, power-of-two size, at
-// most half full) over hash_name_hash_key. Interning runs once per word of
+// most 7/8 full) over hash_name_hash_key. Interning runs once per word of
 // the dumps, and in a table of tens of thousands of words a lookup is
 // dominated by cache misses, so a slot of 16 bytes carries the key itself
 // when it is short (nearly every word is): its length and up to kHeadBytes
