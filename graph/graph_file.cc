@@ -14,7 +14,18 @@ void write_graph_file(std::ostream& out, const CompactedStringTable& authors,
                       const std::vector<RefgroveGraphData*>& docs) {
   authors.write(out);
   put_int32(out, static_cast<std::int32_t>(docs.size()));
-  for (const RefgroveGraphData* doc : docs) doc->write(out);
+  // The records are gathered in a buffer and written some 64 KB at a time:
+  // a few large writes cost less than a small one for each field.
+  constexpr std::size_t kFlushBytes = std::size_t{1} << 16;
+  std::string buffer;
+  for (const RefgroveGraphData* doc : docs) {
+    doc->append_to(buffer);
+    if (buffer.size() >= kFlushBytes) {
+      out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
+      buffer.clear();
+    }
+  }
+  out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
 }
 
 RefgroveGraph::RefgroveGraph(std::istream& in) {

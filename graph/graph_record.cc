@@ -26,9 +26,9 @@ std::string_view copy_key(Arena& arena, std::string_view key) {
 
 }  // namespace
 
-void bin_write_string(std::ostream& out, std::string s) {
+void bin_write_string(std::string& out, std::string_view s) {
   put_int32(out, static_cast<std::int32_t>(s.size()));
-  out.write(s.data(), static_cast<std::streamsize>(s.size()));
+  out.append(s.data(), s.size());
 }
 
 bool bin_read_string(ByteReader& in, std::string_view* out) {
@@ -52,8 +52,14 @@ RefgroveGraphData* RefgroveGraphData::create(Arena& arena, std::int32_t did, std
 }
 
 std::ostream& RefgroveGraphData::write(std::ostream& out) const {
+  std::string record;
+  append_to(record);
+  return out.write(record.data(), static_cast<std::streamsize>(record.size()));
+}
+
+void RefgroveGraphData::append_to(std::string& out) const {
   put_int32(out, did);
-  bin_write_string(out, std::string(key));
+  bin_write_string(out, key);
   put_int32(out, year);
   put_int32(out, citations.size());
   for (const CitationInfo& c : citations) {
@@ -64,7 +70,6 @@ std::ostream& RefgroveGraphData::write(std::ostream& out) const {
   for (const WordId& w : title) write_word_id(out, w);
   put_uint16(out, static_cast<std::uint16_t>(nb_authors));
   for (std::int32_t k = 0; k < nb_authors; ++k) put_int32(out, authors[k]);
-  return out;
 }
 
 bool RefgroveGraphData::read(ByteReader& in, Arena& arena, RefgroveGraphData* out) {

@@ -62,10 +62,13 @@ struct RefgroveGraphData {
   static bool read(ByteReader& in, Arena& arena, RefgroveGraphData* out);
 
   std::ostream& write(std::ostream& out) const;
+  // Appends the record's bytes to `out`; write() and the graph file's
+  // writer both go through here.
+  void append_to(std::string& out) const;
 };
 
-// Writes the length of `s` as int32, then its bytes without terminator.
-void bin_write_string(std::ostream& out, std::string s);
+// Appends the length of `s` as int32, then its bytes without terminator.
+void bin_write_string(std::string& out, std::string_view s);
 
 // Reads a string written by bin_write_string. The text ends at the first NUL
 // among the bytes read, so a string holding a NUL comes back shortened.

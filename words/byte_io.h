@@ -28,6 +28,22 @@ inline void put_int32(std::ostream& out, std::int32_t value) {
   out.write(b, 4);
 }
 
+// The same, appended to bytes gathered in a std::string: a record built
+// there goes to its stream in one write instead of one for each field.
+inline void put_uint8(std::string& out, std::uint8_t v) { out.push_back(static_cast<char>(v)); }
+
+inline void put_uint16(std::string& out, std::uint16_t v) {
+  const char b[2] = {static_cast<char>(v), static_cast<char>(v >> 8)};
+  out.append(b, 2);
+}
+
+inline void put_int32(std::string& out, std::int32_t value) {
+  const auto v = static_cast<std::uint32_t>(value);
+  const char b[4] = {static_cast<char>(v), static_cast<char>(v >> 8), static_cast<char>(v >> 16),
+                     static_cast<char>(v >> 24)};
+  out.append(b, 4);
+}
+
 inline std::uint16_t get_uint16(const unsigned char* p) {
   return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
 }

@@ -40,7 +40,9 @@ struct WordId {
 
 inline constexpr int kWordIdBytes = 3;
 
-inline void write_word_id(std::ostream& out, WordId w) {
+// `Out` is a std::ostream or a std::string (see byte_io.h).
+template <class Out>
+void write_word_id(Out& out, WordId w) {
   put_uint16(out, w.low);
   put_uint8(out, w.high);
 }
