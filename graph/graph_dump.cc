@@ -24,39 +24,47 @@ std::unique_ptr<RefgroveGraphTokenizer> create_refgrovegraph_tokenizer(std::istr
   return std::make_unique<RefgroveGraphTokenizer>(in);
 }
 
+// The record is read token by token with next_token(), each token looked at
+// where it lies: a test such as is_next_token would push every token that is
+// not the keyword back and read it again, a copy and a second element lookup
+// for each of the line's numbers and words. Reading a token once and then
+// deciding consumes the same tokens in the same order.
 RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t) {
   const std::int32_t did = t.next_integer();
 
   std::string key;
-  if (!t.is_next_token("-")) key = t.next_token();
+  if (t.next_token() != "-") key = t.token;
 
   std::int32_t year = -1;
-  if (!t.is_next_token("-")) year = t.next_integer();
+  if (t.next_token() != "-") year = t.token_integer();
 
   // The GIDs come first; each fixes one citation, whose DID follows after
   // "DIDs:" in the same order.
   t.ensure_next_token("GIDs:");
   std::vector<CitationInfo> citations;
-  while (!t.is_next_token("DIDs:")) citations.push_back(CitationInfo{t.next_integer(), 0});
+  while (t.next_token() != "DIDs:") citations.push_back(CitationInfo{t.token_integer(), 0});
   for (CitationInfo& c : citations) c.did = t.next_integer();
 
   // The first title word is taken whatever it is, so a title never is empty.
   t.ensure_next_token("Title:");
   std::vector<WordId> title;
+  t.next_token();
   do {
-    title.push_back(WordId::from_id(static_cast<std::uint32_t>(words->String2ID(t.next_token()))));
-  } while (!t.is_next_token("Authors:"));
+    title.push_back(WordId::from_id(static_cast<std::uint32_t>(words->String2ID(t.token))));
+  } while (t.next_token() != "Authors:");
 
+  // Names run up to the line end, split at "and"; the token after an "and"
+  // starts the next name whatever it is.
   std::vector<std::int32_t> author_ids;
-  if (!t.is_next_token("\n")) {
-    std::string name = t.next_token();
-    while (!t.is_next_token("\n")) {
-      if (t.is_next_token("and")) {
+  if (t.next_token() != "\n") {
+    std::string name = t.token;
+    while (t.next_token() != "\n") {
+      if (t.token == "and") {
         author_ids.push_back(authors->String2ID(name));
         name = t.next_token();
       } else {
         name += ' ';
-        name += t.next_token();
+        name += t.token;
       }
     }
     author_ids.push_back(authors->String2ID(name));

@@ -184,6 +184,9 @@ class Tokenizer {
 
   // Base-10 conversion of the whole token, clamped to the int range.
   int next_integer();
+  // The same for the current token, already read with next_token(): a
+  // reader that has looked at a token need not push it back to convert it.
+  int token_integer() const;
   bool try_next_integer(int* value);  // consumes the token either way
   double next_double();               // strtod, unchecked
 

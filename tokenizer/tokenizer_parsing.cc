@@ -160,6 +160,10 @@ void Tokenizer::ensure_next_token_list(const char* chars) {
 
 int Tokenizer::next_integer() {
   get_check_token();
+  return token_integer();
+}
+
+int Tokenizer::token_integer() const {
   bool whole = false;
   const int v = to_int(token, &whole);
   if (!whole) throw error("expected integer, not '" + token + "'");
