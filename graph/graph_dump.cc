@@ -24,25 +24,35 @@ std::unique_ptr<RefgroveGraphTokenizer> create_refgrovegraph_tokenizer(std::istr
   return std::make_unique<RefgroveGraphTokenizer>(in);
 }
 
-// The record is read token by token with next_token(), each token looked at
-// where it lies: a test such as is_next_token would push every token that is
-// not the keyword back and read it again, a copy and a second element lookup
-// for each of the line's numbers and words. Reading a token once and then
-// deciding consumes the same tokens in the same order.
+namespace {
+
+// Reads the next token and tells whether it is `s`; either way the token is
+// consumed and stays current, for the caller to use. The record is read
+// with this rather than with is_next_token, which would push every token
+// that is not the keyword back and read it again: a copy and a second
+// element lookup for each of the line's numbers and words. Reading a token
+// once and then deciding consumes the same tokens in the same order.
+inline bool next_token_is(Tokenizer& t, const char* s) {
+  t.next_token();
+  return t.token_is(s);
+}
+
+}  // namespace
+
 RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t) {
   const std::int32_t did = t.next_integer();
 
   std::string key;
-  if (t.next_token() != "-") key = t.token;
+  if (!next_token_is(t, "-")) key = t.token;
 
   std::int32_t year = -1;
-  if (t.next_token() != "-") year = t.token_integer();
+  if (!next_token_is(t, "-")) year = t.token_integer();
 
   // The GIDs come first; each fixes one citation, whose DID follows after
   // "DIDs:" in the same order.
   t.ensure_next_token("GIDs:");
   std::vector<CitationInfo> citations;
-  while (t.next_token() != "DIDs:") citations.push_back(CitationInfo{t.token_integer(), 0});
+  while (!next_token_is(t, "DIDs:")) citations.push_back(CitationInfo{t.token_integer(), 0});
   for (CitationInfo& c : citations) c.did = t.next_integer();
 
   // The first title word is taken whatever it is, so a title never is empty.
@@ -51,15 +61,15 @@ RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTa
   t.next_token();
   do {
     title.push_back(WordId::from_id(static_cast<std::uint32_t>(words->String2ID(t.token))));
-  } while (t.next_token() != "Authors:");
+  } while (!next_token_is(t, "Authors:"));
 
   // Names run up to the line end, split at "and"; the token after an "and"
   // starts the next name whatever it is.
   std::vector<std::int32_t> author_ids;
-  if (t.next_token() != "\n") {
+  if (!next_token_is(t, "\n")) {
     std::string name = t.token;
-    while (t.next_token() != "\n") {
-      if (t.token == "and") {
+    while (!next_token_is(t, "\n")) {
+      if (t.token_is("and")) {
         author_ids.push_back(authors->String2ID(name));
         name = t.next_token();
       } else {

@@ -172,6 +172,10 @@ class Tokenizer {
   template <class F>
   bool next_tokens_until(char last, F&& f);
 
+  // Whether the current token is s (NUL-terminated); inline, so that for a
+  // literal the comparison is a length test and a few loads.
+  bool token_is(const char* s) const;
+
   // These consume the token when it matches and push it back otherwise.
   bool is_next_token(const char* s);
   bool is_next_token_uc(const char* s);  // str_i_equals(token, s): a prefix test
@@ -220,9 +224,6 @@ class Tokenizer {
  private:
   // has_more_tokens but for its inline first case.
   bool has_more_tokens_general();
-
-  // token == s, for a NUL-terminated s.
-  bool token_is(const char* s) const;
 
   // The element lookup of get_token, for a non-empty token with a
   // sub-language selected.
