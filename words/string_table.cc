@@ -1,6 +1,10 @@
 #include "words/string_table.h"
 
+#include <sys/mman.h>
+
+#include <cstdlib>
 #include <cstring>
+#include <new>
 
 namespace {
 constexpr unsigned kInitialBits = 10;
@@ -137,8 +141,38 @@ int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
   }
 }
 
+namespace {
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+// Slot arrays from this size on are rounded up to whole huge pages.
+constexpr std::size_t kHugeFrom = kHugePage / 4;
+}  // namespace
+
+// A lookup reads one slot of a table of a megabyte or more at random; on
+// pages of 4 KB nearly every lookup of a rarer word also misses the TLB. A
+// large array is therefore aligned to 2 MB and marked for transparent huge
+// pages, which leaves it a few TLB entries. Where the system has none, the
+// advice is ignored and only the rounding up remains.
+void* StringTable::allocate_bytes(std::size_t bytes) {
+  if (bytes < kHugeFrom) return ::operator new(bytes);
+  const std::size_t rounded = (bytes + kHugePage - 1) / kHugePage * kHugePage;
+  void* p = std::aligned_alloc(kHugePage, rounded);
+  if (p == nullptr) throw std::bad_alloc();
+#ifdef MADV_HUGEPAGE
+  madvise(p, rounded, MADV_HUGEPAGE);
+#endif
+  return p;
+}
+
+void StringTable::free_bytes(void* p, std::size_t bytes) {
+  if (bytes < kHugeFrom) {
+    ::operator delete(p);
+  } else {
+    std::free(p);
+  }
+}
+
 void StringTable::grow() {
-  std::vector<Slot> old;
+  std::vector<Slot, SlotAllocator<Slot>> old;
   old.swap(slots_);
   slots_.assign(old.size() * 2, Slot{0, 0, -1});
   ++bits_;

@@ -51,7 +51,23 @@ class StringTable {
 
   void grow();
 
-  std::vector<Slot> slots_;
+  // Allocates the slot array: a large one on huge pages where the system
+  // offers them (see allocate_bytes).
+  template <class T>
+  struct SlotAllocator {
+    using value_type = T;
+    SlotAllocator() = default;
+    template <class U>
+    SlotAllocator(const SlotAllocator<U>&) {}
+    T* allocate(std::size_t n) { return static_cast<T*>(allocate_bytes(n * sizeof(T))); }
+    void deallocate(T* p, std::size_t n) { free_bytes(p, n * sizeof(T)); }
+    bool operator==(const SlotAllocator&) const { return true; }
+    bool operator!=(const SlotAllocator&) const { return false; }
+  };
+  static void* allocate_bytes(std::size_t bytes);
+  static void free_bytes(void* p, std::size_t bytes);
+
+  std::vector<Slot, SlotAllocator<Slot>> slots_;
   unsigned bits_;  // slots_.size() is 2^bits_
   std::vector<std::uint32_t> hashes_;  // the hash of each id, for grow()
 };
