@@ -106,6 +106,9 @@ TEST(GraphDumpTest, MalformedLinesThrowAtTheOffendingToken) {
   const Case cases[] = {
       // Two GIDs, one DID: "Title:" is read as the second DID.
       {"5 k 1999 GIDs: 3 8 DIDs: 40 Title: a Authors: X\n", "expected integer, not 'Title:' at 1:"},
+      // A keyword among the GIDs, reported where the element's look-ahead
+      // left the position: at the token after it.
+      {"5 k 1999 GIDs: 3 Title: a Authors: X\n", "expected integer, not 'Title:' at 1:24"},
       {"5 k 1999 DIDs: Title: a Authors: X\n", "expected 'GIDs:', found 'DIDs:' at 1:9"},
       {"5 k 1999 GIDs: DIDs: a Authors: X\n", "expected 'Title:', found 'a' at 1:21"},
       {"x k 1999 GIDs: DIDs: Title: a Authors: X\n", "expected integer, not 'x' at 1:0"},
