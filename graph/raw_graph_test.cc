@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <cstdio>
 #include <fstream>
 #include <string>
 
@@ -14,25 +12,6 @@
 #include "tokenizer/parser_error.h"
 
 namespace {
-
-std::string Hex(const std::string& bytes) {
-  std::string out;
-  char buf[4];
-  for (unsigned char c : bytes) {
-    std::snprintf(buf, sizeof buf, "%02x", c);
-    out += buf;
-  }
-  return out;
-}
-
-// Hex digits with blanks and line ends removed.
-std::string Compact(const std::string& hex) {
-  std::string out;
-  for (char c : hex) {
-    if (!std::isspace(static_cast<unsigned char>(c))) out += c;
-  }
-  return out;
-}
 
 struct GraphRun {
   std::string out, err, graph_file;
@@ -78,7 +57,7 @@ TEST(RawGraphTest, WritesTheGraphFileByteForByte) {
       // authors [0 1]
       "05000000 02000000 6b35 cf070000 02000000 03000000 28000000 08000000 29000000"
       "02000000 000000 010000 0200 00000000 01000000";
-  EXPECT_EQ(Hex(r.graph_file), Compact(expected));
+  EXPECT_EQ(hex(r.graph_file), compact_hex(expected));
 }
 
 TEST(RawGraphTest, EmptyAndMissingDumps) {
@@ -87,7 +66,7 @@ TEST(RawGraphTest, EmptyAndMissingDumps) {
   for (const char* dump : {"", "  ", "xxxx\n1 - - GIDs: DIDs: Title: t Authors:\n"}) {
     StringTable words;
     const GraphRun r = Preprocess(dump, &words);
-    EXPECT_EQ(Hex(r.graph_file), Hex(empty_file)) << "dump: " << dump;
+    EXPECT_EQ(hex(r.graph_file), hex(empty_file)) << "dump: " << dump;
     EXPECT_EQ(words.size(), 0) << "dump: " << dump;
   }
 

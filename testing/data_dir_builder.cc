@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -74,6 +75,24 @@ void write_file(const std::string& path, const std::string& bytes) {
 std::string read_file(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+std::string hex(const std::string& bytes) {
+  static const char kDigits[] = "0123456789abcdef";
+  std::string out;
+  for (unsigned char c : bytes) {
+    out += kDigits[c >> 4];
+    out += kDigits[c & 15];
+  }
+  return out;
+}
+
+std::string compact_hex(const std::string& spaced) {
+  std::string out;
+  for (char c : spaced) {
+    if (!std::isspace(static_cast<unsigned char>(c))) out += c;
+  }
+  return out;
 }
 
 TempDir::TempDir() {

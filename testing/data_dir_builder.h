@@ -44,6 +44,11 @@ void write_word_data(const std::string& dir, const std::vector<std::uint32_t>& i
 void write_file(const std::string& path, const std::string& bytes);
 std::string read_file(const std::string& path);
 
+// Bytes as lowercase hex digits, and expected hex written with blanks and
+// line ends for readability, with those removed: byte-exact file checks.
+std::string hex(const std::string& bytes);
+std::string compact_hex(const std::string& spaced);
+
 // A fresh directory under the system's temporary directory, removed with its
 // contents at the end of the scope. path() ends in "/".
 class TempDir {

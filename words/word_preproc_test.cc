@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -20,24 +18,6 @@
 #include "testing/data_dir_builder.h"
 
 namespace {
-
-std::string Hex(const std::string& bytes) {
-  std::string out;
-  char buf[4];
-  for (unsigned char c : bytes) {
-    std::snprintf(buf, sizeof buf, "%02x", c);
-    out += buf;
-  }
-  return out;
-}
-
-std::string Compact(const std::string& hex) {
-  std::string out;
-  for (char c : hex) {
-    if (!std::isspace(static_cast<unsigned char>(c))) out += c;
-  }
-  return out;
-}
 
 std::string Visible(const std::string& s) {
   std::string out;
@@ -132,19 +112,19 @@ TEST(WordPreprocTest, WholeRunByteForByte) {
 
   // Ids: Graphs 0, are 1, trees 2, "." 3, graphs 4, [foreign] 5, then the
   // title word new 6.
-  EXPECT_EQ(Hex(p.File("word-data")), Compact("000000 010000 020000 030000  040000  050000 050000 000000"));
+  EXPECT_EQ(hex(p.File("word-data")), compact_hex("000000 010000 020000 030000  040000  050000 050000 000000"));
   // Offsets are byte positions in word-data; the sentinel closes the list.
-  EXPECT_EQ(Hex(p.File("word-idx")),
-            Compact("00000000 00000000  e8030000 0c000000  e7030000 0f000000  ffffffff 18000000"));
-  EXPECT_EQ(Hex(p.File("word-table")),
-            Compact("07000000"
+  EXPECT_EQ(hex(p.File("word-idx")),
+            compact_hex("00000000 00000000  e8030000 0c000000  e7030000 0f000000  ffffffff 18000000"));
+  EXPECT_EQ(hex(p.File("word-table")),
+            compact_hex("07000000"
                     "00000000 00000000 01000000 07000000 02000000 0b000000 03000000 11000000"
                     "04000000 13000000 05000000 1a000000 06000000 24000000"
                     "28000000") +
-                Hex(std::string("Graphs\0are\0trees\0.\0graphs\0[foreign]\0new\0", 40)));
-  EXPECT_EQ(Hex(p.File("graph_data")),
-            Compact("01000000 00000000 00000000 08000000") + Hex(std::string("Ann Lee\0", 8)) +
-                Compact("02000000"
+                hex(std::string("Graphs\0are\0trees\0.\0graphs\0[foreign]\0new\0", 40)));
+  EXPECT_EQ(hex(p.File("graph_data")),
+            compact_hex("01000000 00000000 00000000 08000000") + hex(std::string("Ann Lee\0", 8)) +
+                compact_hex("02000000"
                         "00000000 02000000 6b30 d1070000 01000000 05000000 e8030000 01000000 000000 0100 00000000"
                         "e8030000 00000000 ffffffff 00000000 02000000 060000 020000 0000"));
 }
@@ -215,7 +195,7 @@ TEST(WordPreprocTest, MissingInputFiles) {
   EXPECT_EQ(p.stderr_text,
             "failed to open file ! \nfailed to open file ! \nfailed to open file ! \n"
             "\nwriting graph file OUT/graph_data...\n");
-  EXPECT_EQ(Hex(p.File("word-idx")), "ffffffff00000000");
+  EXPECT_EQ(hex(p.File("word-idx")), "ffffffff00000000");
   EXPECT_EQ(p.File("word-data"), "");
   EXPECT_EQ(p.File("word-table"), std::string(8, '\0'));
   EXPECT_EQ(p.File("graph_data"), std::string(12, '\0'));
