@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "core/refgrove.h"
+#include "core/test_documents.h"
 #include "core/validate.h"
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
@@ -89,23 +90,11 @@ TEST(CorruptedDirectoryTest, LoadsQueriesPrintsAndChecksEveryVariant) {
   }
   {
     TempDir small;
-    TestDocument a;
-    a.did = 3;
-    a.key = "a";
-    a.year = 1999;
-    a.citations = {CitationInfo{1, 5}};
-    a.title = {"t", "u"};
-    a.authors = {"A", "B"};
-    a.words = {"one", "two"};
-    TestDocument b;
-    b.did = 5;
-    b.title = {"v"};
-    b.words = {"three"};
     TestDocument c;
     c.did = 9;
     c.in_graph = false;
     c.words = {"one"};
-    DataDirBuilder().add(a).add(b).add(c).write(small.path());
+    two_documents().add(c).write(small.path());
     add_variants("small", read_data_files(small.path()), SIZE_MAX, 0, 50, &rng, &variants);
   }
   ASSERT_GE(variants.size(), 1000u);

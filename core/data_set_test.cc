@@ -6,14 +6,7 @@
 
 namespace {
 
-class DataSetTest : public ::testing::Test {
- protected:
-  void TearDown() override {
-    delete refgrove_data;
-    refgrove_data = nullptr;
-  }
-  TempDir dir_;
-};
+using DataSetTest = LoadedDataTest;
 
 TEST_F(DataSetTest, IndexJoinsBothHalvesByDid) {
   sample_documents().write(dir_.path());

@@ -7,14 +7,7 @@
 
 namespace {
 
-class PrintingTest : public ::testing::Test {
- protected:
-  void TearDown() override {
-    delete refgrove_data;
-    refgrove_data = nullptr;
-  }
-  TempDir dir_;
-};
+using PrintingTest = LoadedDataTest;
 
 TEST_F(PrintingTest, DocumentsOfTheSample) {
   sample_documents().write(dir_.path());

@@ -2,6 +2,9 @@
 #ifndef REFGROVE_CORE_TEST_DOCUMENTS_H_
 #define REFGROVE_CORE_TEST_DOCUMENTS_H_
 
+#include <gtest/gtest.h>
+
+#include "core/data_set.h"
 #include "core/refgrove.h"
 #include "testing/data_dir_builder.h"
 
@@ -39,6 +42,36 @@ inline DataDirBuilder sample_documents() {
   b.add(d2).add(d4).add(d6).add(d9);
   return b;
 }
+
+// Two small documents: DID 3 (key "a", 1999, one citation, title "t u",
+// authors A and B, words "one two") and DID 5 (title "v", word "three").
+inline DataDirBuilder two_documents() {
+  TestDocument a;
+  a.did = 3;
+  a.key = "a";
+  a.year = 1999;
+  a.citations = {CitationInfo{1, 5}};
+  a.title = {"t", "u"};
+  a.authors = {"A", "B"};
+  a.words = {"one", "two"};
+  TestDocument b;
+  b.did = 5;
+  b.title = {"v"};
+  b.words = {"three"};
+  DataDirBuilder builder;
+  builder.add(a).add(b);
+  return builder;
+}
+
+// Tests that load data: whatever a test loads is released after it.
+class LoadedDataTest : public ::testing::Test {
+ protected:
+  void TearDown() override {
+    delete refgrove_data;
+    refgrove_data = nullptr;
+  }
+  TempDir dir_;
+};
 
 // Loads `dir` quietly.
 inline void load_quietly(const std::string& dir) {

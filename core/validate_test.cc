@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "core/test_documents.h"
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
 
@@ -19,7 +20,7 @@ std::string all_text(const std::vector<Finding>& findings) {
   return out;
 }
 
-// Two documents with known bytes:
+// The bytes of two_documents():
 //   word ids: one 0, two 1, three 2 (abstracts), then t 3, u 4, v 5 (titles)
 //   word-idx: (3, 0) (5, 6) (-1, 9); word-data: 9 bytes
 //   word-table: 6 entries at 4..51, block size at 52, block "one\0two\0..."
@@ -27,25 +28,10 @@ std::string all_text(const std::vector<Finding>& findings) {
 //     3) at 32: key "a" at 40, year at 41, 1 citation, 2 title words at 61
 //     and 64, author count at 67, author ids at 69 and 73; record 1 (DID 5)
 //     at 77..102.
-void write_two_documents(const std::string& dir) {
-  TestDocument a;
-  a.did = 3;
-  a.key = "a";
-  a.year = 1999;
-  a.citations = {CitationInfo{1, 5}};
-  a.title = {"t", "u"};
-  a.authors = {"A", "B"};
-  a.words = {"one", "two"};
-  TestDocument b;
-  b.did = 5;
-  b.title = {"v"};
-  b.words = {"three"};
-  DataDirBuilder().add(a).add(b).write(dir);
-}
 
 TEST(ValidateTest, CleanDirectoriesHaveNoFindings) {
   TempDir built, sample;
-  write_two_documents(built.path());
+  two_documents().write(built.path());
   EXPECT_EQ(all_text(validate_data_dir(built.path())), "");
   preprocess_sample(sample.path());
   EXPECT_EQ(all_text(validate_data_dir(sample.path())), "");
@@ -122,7 +108,7 @@ TEST(ValidateTest, EachFaultIsReportedWithFileAndOffset) {
       {"word-idx empty", [](DataFiles& f) { f["word-idx"].clear(); }, "word-idx: the file is empty."},
   };
   TempDir dir;
-  write_two_documents(dir.path());
+  two_documents().write(dir.path());
   const DataFiles clean = read_data_files(dir.path());
   ASSERT_EQ(clean.at("graph_data").size(), 102u);
   ASSERT_EQ(clean.at("word-table").size(), 76u);

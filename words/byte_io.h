@@ -14,17 +14,22 @@
 #include <ostream>
 #include <string>
 
+// The n low bytes of v, least significant first.
+inline void encode_le(char* b, std::uint32_t v, int n) {
+  for (int i = 0; i < n; ++i) b[i] = static_cast<char>(v >> (8 * i));
+}
+
 inline void put_uint8(std::ostream& out, std::uint8_t v) { out.put(static_cast<char>(v)); }
 
 inline void put_uint16(std::ostream& out, std::uint16_t v) {
-  const char b[2] = {static_cast<char>(v), static_cast<char>(v >> 8)};
+  char b[2];
+  encode_le(b, v, 2);
   out.write(b, 2);
 }
 
-inline void put_int32(std::ostream& out, std::int32_t value) {
-  const auto v = static_cast<std::uint32_t>(value);
-  const char b[4] = {static_cast<char>(v), static_cast<char>(v >> 8), static_cast<char>(v >> 16),
-                     static_cast<char>(v >> 24)};
+inline void put_int32(std::ostream& out, std::int32_t v) {
+  char b[4];
+  encode_le(b, static_cast<std::uint32_t>(v), 4);
   out.write(b, 4);
 }
 
@@ -33,14 +38,14 @@ inline void put_int32(std::ostream& out, std::int32_t value) {
 inline void put_uint8(std::string& out, std::uint8_t v) { out.push_back(static_cast<char>(v)); }
 
 inline void put_uint16(std::string& out, std::uint16_t v) {
-  const char b[2] = {static_cast<char>(v), static_cast<char>(v >> 8)};
+  char b[2];
+  encode_le(b, v, 2);
   out.append(b, 2);
 }
 
-inline void put_int32(std::string& out, std::int32_t value) {
-  const auto v = static_cast<std::uint32_t>(value);
-  const char b[4] = {static_cast<char>(v), static_cast<char>(v >> 8), static_cast<char>(v >> 16),
-                     static_cast<char>(v >> 24)};
+inline void put_int32(std::string& out, std::int32_t v) {
+  char b[4];
+  encode_le(b, static_cast<std::uint32_t>(v), 4);
   out.append(b, 4);
 }
 
