@@ -1,6 +1,7 @@
 // The character layer's slow paths, the scanner and element merging.
 #include "tokenizer/tokenizer.h"
 
+#include <cstddef>
 #include <cstring>
 
 #include "tokenizer/string_helpers.h"
@@ -14,61 +15,59 @@ namespace {
 
 bool is_digit(int c) { return c >= '0' && c <= '9'; }
 
+// Whether the character classes are those the tables were made from.
 #ifdef REFGROVE_VECTOR_SCAN
-// a == b && c == d, for the check that runs once per word.
-bool same_sets(const TokenizerCharSet& a, const TokenizerCharSet& b, const TokenizerCharSet& c,
-               const TokenizerCharSet& d) {
-  const auto load = [](const TokenizerCharSet& s, int i) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(s.words) + i);
-  };
-  const __m128i diff =
-      _mm_or_si128(_mm_or_si128(_mm_xor_si128(load(a, 0), load(b, 0)), _mm_xor_si128(load(a, 1), load(b, 1))),
-                   _mm_or_si128(_mm_xor_si128(load(c, 0), load(d, 0)), _mm_xor_si128(load(c, 1), load(d, 1))));
+inline __attribute__((always_inline)) bool same_classes(const TokenizerCharSet* a, const TokenizerCharSet* b) {
+  const __m128i* x = reinterpret_cast<const __m128i*>(a);
+  const __m128i* y = reinterpret_cast<const __m128i*>(b);
+  const __m128i diff = _mm_or_si128(
+      _mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x), _mm_loadu_si128(y)),
+                   _mm_xor_si128(_mm_loadu_si128(x + 1), _mm_loadu_si128(y + 1))),
+      _mm_or_si128(_mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x + 2), _mm_loadu_si128(y + 2)),
+                                _mm_xor_si128(_mm_loadu_si128(x + 3), _mm_loadu_si128(y + 3))),
+                   _mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x + 4), _mm_loadu_si128(y + 4)),
+                                _mm_xor_si128(_mm_loadu_si128(x + 5), _mm_loadu_si128(y + 5)))));
   return _mm_movemask_epi8(_mm_cmpeq_epi8(diff, _mm_setzero_si128())) == 0xFFFF;
 }
 #else
-bool same_sets(const TokenizerCharSet& a, const TokenizerCharSet& b, const TokenizerCharSet& c,
-               const TokenizerCharSet& d) {
-  return std::memcmp(a.words, b.words, sizeof a.words) == 0 && std::memcmp(c.words, d.words, sizeof c.words) == 0;
+bool same_classes(const TokenizerCharSet* a, const TokenizerCharSet* b) {
+  return std::memcmp(a, b, 3 * sizeof *a) == 0;
 }
 #endif
 
 #ifdef REFGROVE_VECTOR_SCAN
-// Set membership of 16 bytes at once: the low nibble of each byte picks a
-// row of eight bits from a table (one table for high nibbles 0-7, one for
-// 8-15), the high nibble picks the bit. Returns the first member in
-// [p, end) or the point where fewer than 16 bytes are left.
-__attribute__((target("ssse3"), always_inline)) inline const char* scan_16(const char* p, const char* end,
-                                                     const unsigned char* low_hi0,
-                                                     const unsigned char* low_hi1) {
+// The first member of `stop` in [p, end), or end; 16 bytes at a time while
+// that many are left. The low nibble of each byte picks a row of eight bits
+// from a table (low_hi0 for bytes below 0x80, low_hi1 for the others; the
+// shuffle gives 0 for an index with its top bit set, which keeps the two
+// apart), the high nibble picks the bit.
+__attribute__((target("ssse3"), always_inline)) inline const char* find_stop(const char* p, const char* end,
+                                                                          const unsigned char* low_hi0,
+                                                                          const unsigned char* low_hi1,
+                                                                          const TokenizerCharSet& stop) {
   const __m128i nibble = _mm_set1_epi8(0x0F);
-  const __m128i zero = _mm_setzero_si128();
+  const __m128i top = _mm_set1_epi8(-128);
   const __m128i rows0 = _mm_load_si128(reinterpret_cast<const __m128i*>(low_hi0));
   const __m128i rows1 = _mm_load_si128(reinterpret_cast<const __m128i*>(low_hi1));
   const __m128i bits = _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 1, 2, 4, 8, 16, 32, 64, -128);
-  while (end - p >= 16) {
+  for (; end - p >= 16; p += 16) {
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
-    const __m128i lo = _mm_and_si128(v, nibble);
-    const __m128i hi = _mm_and_si128(_mm_srli_epi16(v, 4), nibble);
-    const __m128i upper = _mm_cmplt_epi8(v, zero);  // high nibble 8-15
-    const __m128i row = _mm_or_si128(_mm_andnot_si128(upper, _mm_shuffle_epi8(rows0, lo)),
-                                     _mm_and_si128(upper, _mm_shuffle_epi8(rows1, lo)));
-    const __m128i outside = _mm_cmpeq_epi8(_mm_and_si128(row, _mm_shuffle_epi8(bits, hi)), zero);
-    const unsigned members = ~static_cast<unsigned>(_mm_movemask_epi8(outside)) & 0xFFFFu;
-    if (members != 0) return p + __builtin_ctz(members);
-    p += 16;
+    const __m128i row = _mm_or_si128(_mm_shuffle_epi8(rows0, v), _mm_shuffle_epi8(rows1, _mm_xor_si128(v, top)));
+    const __m128i bit = _mm_shuffle_epi8(bits, _mm_and_si128(_mm_srli_epi16(v, 4), nibble));
+    const unsigned outside = static_cast<unsigned>(
+        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(row, bit), _mm_setzero_si128())));
+    if (outside != 0xFFFFu) return p + __builtin_ctz(~outside);
   }
+  while (p != end && !stop.contains(*p)) ++p;
   return p;
 }
 
-// The whole scan of Tokenizer::scan_word with the nibble tables.
-__attribute__((target("ssse3"))) const char* scan_word_ssse3(const char* p, const char* end,
+// find_stop for the general scanner, which is not compiled for SSSE3.
+__attribute__((target("ssse3"))) const char* find_stop_ssse3(const char* p, const char* end,
                                                              const unsigned char* low_hi0,
                                                              const unsigned char* low_hi1,
-                                                             const TokenizerCharSet& set) {
-  p = scan_16(p, end, low_hi0, low_hi1);
-  while (p != end && !set.contains(*p)) ++p;
-  return p;
+                                                             const TokenizerCharSet& stop) {
+  return find_stop(p, end, low_hi0, low_hi1, stop);
 }
 
 bool detect_ssse3() {
@@ -83,71 +82,88 @@ bool have_ssse3() { return g_have_ssse3; }
 
 }  // namespace
 
-bool Tokenizer::fast_path_usable() {
 #ifdef REFGROVE_VECTOR_SCAN
-  return have_ssse3();
+const bool Tokenizer::fast_path_usable_ = have_ssse3();
 #else
-  return true;
+const bool Tokenizer::fast_path_usable_ = true;
 #endif
-}
 
-inline __attribute__((always_inline)) bool Tokenizer::word_stop_current() const {
+inline __attribute__((always_inline)) bool Tokenizer::scan_tables_current() const {
+  // The three classes lie side by side in both structures.
+  static_assert(offsetof(TokenizerLanguage, comment_chars) ==
+                    offsetof(TokenizerLanguage, single_char_tokens) + 2 * sizeof(TokenizerCharSet),
+                "character classes of the language are not contiguous");
+  static_assert(offsetof(ScanTables, comment_chars) ==
+                    offsetof(ScanTables, single_char_tokens) + 2 * sizeof(TokenizerCharSet),
+                "character classes of the tables are not contiguous");
   const TokenizerLanguage& lang = *language;
-  return word_stop_.built && word_stop_.number_char == lang.number_char &&
-         same_sets(word_stop_.single_char_tokens, lang.single_char_tokens, word_stop_.space_chars, lang.space_chars);
+  return scan_.built && scan_.number_char == lang.number_char && scan_.strings == lang.strings &&
+         same_classes(&scan_.single_char_tokens, &lang.single_char_tokens);
 }
 
-const Tokenizer::WordStop& Tokenizer::word_stop() {
-  if (!word_stop_current()) build_word_stop();
-  return word_stop_;
+const Tokenizer::ScanTables& Tokenizer::scan_tables() {
+  if (!scan_tables_current()) build_scan_tables();
+  return scan_;
 }
 
-void Tokenizer::build_word_stop() {
+unsigned char Tokenizer::start_class(const TokenizerLanguage& lang, int c) {
+  if (c == '\t' || c == '\n') return kStartGeneral;  // they move the position differently
+  if (lang.space_chars.contains(c)) return kStartBlank | kStartSpaceChar;
+  if (c == ' ') return kStartBlank;
+  if (c == '/' || lang.comment_chars.contains(c)) return kStartGeneral;
+  if (lang.strings && (c == '\'' || c == '"')) return kStartGeneral;
+  return lang.single_char_tokens.contains(c) ? kStartSingle : kStartWord;
+}
+
+void Tokenizer::build_scan_tables() {
   const TokenizerLanguage& lang = *language;
-  WordStop& w = word_stop_;
-  w.single_char_tokens = lang.single_char_tokens;
-  w.space_chars = lang.space_chars;
-  w.number_char = lang.number_char;
-  w.set = lang.single_char_tokens;
-  w.set.merge(lang.space_chars);
-  w.set.add(' ');
-  w.set.add('\t');
-  w.set.add('\n');
-  if (lang.number_char != 0) w.set.add(lang.number_char);
-  std::memset(w.low_hi0, 0, sizeof w.low_hi0);
-  std::memset(w.low_hi1, 0, sizeof w.low_hi1);
+  ScanTables& t = scan_;
+  t.single_char_tokens = lang.single_char_tokens;
+  t.space_chars = lang.space_chars;
+  t.comment_chars = lang.comment_chars;
+  t.number_char = lang.number_char;
+  t.strings = lang.strings;
+  t.stop = lang.single_char_tokens;
+  t.stop.merge(lang.space_chars);
+  t.stop.add(' ');
+  t.stop.add('\t');
+  t.stop.add('\n');
+  if (lang.number_char != 0) t.stop.add(lang.number_char);
+  std::memset(t.low_hi0, 0, sizeof t.low_hi0);
+  std::memset(t.low_hi1, 0, sizeof t.low_hi1);
   for (int c = 0; c < 256; ++c) {
+    t.start[c] = start_class(lang, static_cast<signed char>(c));
     // As the general word loop takes the character after token_read_char.
     const bool space = lang.space_chars.contains(c);
-    const int t = space ? ' ' : static_cast<signed char>(c);
+    const int as_read = space ? ' ' : static_cast<signed char>(c);
     unsigned char end = 0;
-    if (lang.number_char != 0 && t == lang.number_char) {
+    if (lang.number_char != 0 && as_read == lang.number_char) {
       end = 0;
-    } else if (lang.single_char_tokens.contains(t)) {
+    } else if (lang.single_char_tokens.contains(as_read)) {
       end = kEndSingle;
-    } else if (t == ' ') {
+    } else if (as_read == ' ') {
       end = kEndBlank;
     }
-    w.ends[c] = static_cast<unsigned char>(end | (space ? kEndSpace : 0));
-    if (!w.set.contains(c)) continue;
+    t.ends[c] = static_cast<unsigned char>(end | (space ? kEndSpace : 0));
+    if (!t.stop.contains(c)) continue;
     const int hi = c >> 4;
     if (hi < 8) {
-      w.low_hi0[c & 15] |= static_cast<unsigned char>(1u << hi);
+      t.low_hi0[c & 15] |= static_cast<unsigned char>(1u << hi);
     } else {
-      w.low_hi1[c & 15] |= static_cast<unsigned char>(1u << (hi - 8));
+      t.low_hi1[c & 15] |= static_cast<unsigned char>(1u << (hi - 8));
     }
   }
 #ifdef REFGROVE_VECTOR_SCAN
-  w.vector = have_ssse3();
+  t.vector = have_ssse3();
 #endif
-  w.built = true;
+  t.built = true;
 }
 
-const char* Tokenizer::scan_word(const char* p, const char* end, const WordStop& stop) {
+const char* Tokenizer::scan_word(const char* p, const char* end, const ScanTables& tables) {
 #ifdef REFGROVE_VECTOR_SCAN
-  if (stop.vector) return scan_word_ssse3(p, end, stop.low_hi0, stop.low_hi1, stop.set);
+  if (tables.vector) return find_stop_ssse3(p, end, tables.low_hi0, tables.low_hi1, tables.stop);
 #endif
-  while (p != end && !stop.set.contains(*p)) ++p;
+  while (p != end && !tables.stop.contains(*p)) ++p;
   return p;
 }
 
@@ -333,31 +349,32 @@ void Tokenizer::read_double_quoted() {
 }
 
 inline __attribute__((always_inline)) void Tokenizer::set_token(const char* p, std::size_t n, const char* end) {
-#ifdef REFGROVE_VECTOR_SCAN
+#if defined(REFGROVE_VECTOR_SCAN) && defined(__cpp_lib_string_resize_and_overwrite)
   // Most tokens are shorter than 16 characters. Copying such a token as 16
   // bytes at once, whatever its length, avoids memcpy and its branches on
   // the length, which mispredict on words of random lengths. The 16 bytes
-  // read lie in [p, end); the 16 written lie in the string's storage, which
-  // holds capacity() + 1 >= 16 bytes; the terminator is put back after.
-  if (n < 16 && end - p >= 16 && token.capacity() >= 15) {
-    token.assign(15, '\0');  // the same path whatever the previous length
-    token.resize(n);         // shrinking: no call
-    char* d = &token[0];
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
-    d[n] = '\0';
+  // read lie in [p, end).
+  if (n < 16 && end - p >= 16) {
+    token.resize_and_overwrite(16, [p, n](char* d, std::size_t) {
+      _mm_storeu_si128(reinterpret_cast<__m128i*>(d), _mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+      return n;
+    });
     return;
   }
 #endif
   static_cast<void>(end);
-  token.clear();
-  token.append(p, n);
+  token.assign(p, n);
 }
 
+// The fast path needs SSSE3 on x86-64; its callers test fast_path_usable().
 #ifdef REFGROVE_VECTOR_SCAN
-// Called only when the processor has SSSE3 (see fast_path_usable).
-__attribute__((target("ssse3")))
+#define REFGROVE_FAST_PATH __attribute__((target("ssse3")))
+#else
+#define REFGROVE_FAST_PATH
 #endif
-bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
+
+inline REFGROVE_FAST_PATH __attribute__((always_inline)) bool Tokenizer::take_plain_token(const char** text,
+                                                                                     std::size_t* size) {
   // Most tokens are a word or a single-character token after a blank or
   // two, with the character that ends the word a blank, a newline or a
   // single-character token, all in the direct characters. This takes such
@@ -370,20 +387,16 @@ bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
   const char* p = direct_next_;
   const char* const end = direct_end_;
   if (p == end || at_eof) return false;
-  const TokenizerLanguage& lang = *language;
+  const ScanTables& t = scan_;
   const char* start;  // the token's first character
   int column;         // pos.column after it
   if (char_pushback_count == 0) {
     // Blanks other than tab and newline move the column by one each.
     const char* q = p;
     for (; q != end; ++q) {
-      const char ch = *q;
-      if (ch == '\t' || ch == '\n') break;
-      if (lang.space_chars.contains(ch)) {
-        last_space_char = ch;
-      } else if (ch != ' ') {
-        break;
-      }
+      const unsigned char k = t.start[static_cast<unsigned char>(*q)];
+      if ((k & kStartBlank) == 0) break;
+      if (k & kStartSpaceChar) last_space_char = *q;
     }
     if (q != p) {
       space_before = true;
@@ -392,23 +405,19 @@ bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
       if (p == end) return false;
     }
     start = p;
-    if (*start == '\t' || *start == '\n') return false;
     column = pos.column + 1;
   } else if (char_pushback_count == 1 && p[-1] == char_pushback[0]) {
     // The first character was read and given back (by has_more_tokens):
     // it is the one before the direct characters, and already counted.
     start = p - 1;
-    if (*start == ' ') return false;
     column = pos.column;
   } else {
     return false;
   }
-  const char c = *start;
-  if (c == '/' || lang.comment_chars.contains(c) || lang.space_chars.contains(c)) return false;
-  if (lang.strings && (c == '\'' || c == '"')) return false;
+  const unsigned char kind = t.start[static_cast<unsigned char>(*start)];
 
   // A single-character token.
-  if (lang.single_char_tokens.contains(c)) {
+  if (kind == kStartSingle) {
     *text = start;
     *size = 1;
     char_pushback_count = 0;
@@ -420,22 +429,19 @@ bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
     direct_next_ = start + 1;
     return true;
   }
+  if (kind != kStartWord) return false;
 
   // A word, and what ends it. What happens then is looked up rather than
   // decided by branches, which mispredict on text where a word is followed
   // now by a blank, now by punctuation.
-  if (!word_stop_current()) build_word_stop();
-  const WordStop& stop = word_stop_;
-  const char* q = start + 1;
 #ifdef REFGROVE_VECTOR_SCAN
-  q = scan_16(q, end, stop.low_hi0, stop.low_hi1);
-  while (q != end && !stop.set.contains(*q)) ++q;  // fewer than 16 characters left
+  const char* q = find_stop(start + 1, end, t.low_hi0, t.low_hi1, t.stop);
 #else
-  q = scan_word(q, end, stop);
+  const char* q = scan_word(start + 1, end, t);
 #endif
   if (q == end) return false;
   const char end_char = *q;
-  const unsigned char ends = stop.ends[static_cast<unsigned char>(end_char)];
+  const unsigned char ends = t.ends[static_cast<unsigned char>(end_char)];
   if ((ends & (kEndBlank | kEndSingle)) == 0) return false;
 
   *text = start;
@@ -460,7 +466,8 @@ bool Tokenizer::take_plain_token(const char** text, std::size_t* size) {
   return true;
 }
 
-bool Tokenizer::fast_token() {
+REFGROVE_FAST_PATH bool Tokenizer::fast_token() {
+  if (!scan_tables_current()) build_scan_tables();
   const char* text;
   std::size_t size;
   if (!take_plain_token(&text, &size)) return false;
@@ -468,17 +475,39 @@ bool Tokenizer::fast_token() {
   return true;
 }
 
-void Tokenizer::get_token_2() {
-  if (pushback_count > 0) {
-    TokenAndPos& top = pushback[static_cast<std::size_t>(--pushback_count)];
-    token.swap(top.token);  // the slot is dead now; keep its storage
-    token_pos = top.pos;
-    space_before = top.space_before;
-    return;
+REFGROVE_FAST_PATH std::size_t Tokenizer::take_plain_tokens(char last, PlainToken* out, bool* last_read) {
+  // The caller's code runs only between runs, so the language is looked at
+  // once per run.
+  if (!scan_tables_current()) build_scan_tables();
+  std::size_t n = 0;
+  while (n < kPlainTokenRun) {
+    // What get_token_2 does before fast_token.
+    space_before = pending_space_;
+    pending_space_ = false;
+    const char* text;
+    std::size_t size;
+    if (!take_plain_token(&text, &size)) {
+      pending_space_ = space_before;  // for the get_token_2 that goes on
+      break;
+    }
+    if (size == 1 && text[0] == last) {
+      token.assign(1, last);
+      *last_read = true;
+      break;
+    }
+    out[n++] = PlainToken{text, size, static_cast<std::size_t>(direct_end_ - text)};
   }
-  space_before = pending_space_;
-  pending_space_ = false;
-  if (plain_hooks_ && fast_path_usable() && fast_token()) return;
+  return n;
+}
+
+void Tokenizer::pop_pushed_token() {
+  TokenAndPos& top = pushback[static_cast<std::size_t>(--pushback_count)];
+  token.swap(top.token);  // the slot is dead now; keep its storage
+  token_pos = top.pos;
+  space_before = top.space_before;
+}
+
+void Tokenizer::scan_token() {
   const int c = sig_char();
   if (at_eof) {
     token.clear();
@@ -507,12 +536,12 @@ void Tokenizer::get_token_2() {
   // go through token_read_char. `stop` is everything else: the characters
   // that end a word, and tab and newline, which move the position
   // differently.
-  const WordStop& stop = word_stop();
+  const ScanTables& tables = scan_tables();
   const char number_char = lang.number_char;
   token.push_back(static_cast<char>(c));
   for (;;) {
     if (char_pushback_count == 0 && direct_next_ != direct_end_) {
-      const char* p = scan_word(direct_next_, direct_end_, stop);
+      const char* p = scan_word(direct_next_, direct_end_, tables);
       const std::ptrdiff_t n = p - direct_next_;
       if (n > 0) {
         token.append(direct_next_, static_cast<std::size_t>(n));

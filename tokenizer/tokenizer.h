@@ -156,19 +156,28 @@ class Tokenizer {
   void pushback_token(const std::string& text);  // at token_pos
   void pushback_token(const char* text);         // at token_pos
 
-  // For readers that only look at each token's text until the next read
-  // (the word preprocessor): reads tokens like next_token up to and
-  // including the first one that equals the one character `last`, and
-  // calls f(text, size, readable) for each token before it, with the text
-  // where the source holds it rather than copied into `token`, and
-  // `readable` >= size the number of bytes at text that may be read (the
-  // token and what follows it in the buffer). Returns true when
-  // `last` has been read; it is then the current token. Returns false when
-  // the next token needs the general way (say at the end of the buffered
-  // input, or after a comment): it has not been read, `token` is left as
-  // it was, and next_token() goes on from there. Every token read here
-  // leaves the position, the flags and the pushed-back characters as
-  // next_token would.
+  // A token handed over by next_tokens_until: its text where the source
+  // holds it, and `readable` >= size, the number of bytes at text that may
+  // be read (the token and what follows it in the buffer).
+  struct PlainToken {
+    const char* text;
+    std::size_t size;
+    std::size_t readable;
+  };
+  static constexpr std::size_t kPlainTokenRun = 64;
+
+  // For readers that only look at the text of tokens (the word
+  // preprocessor): reads tokens like next_token up to and including the
+  // first one that equals the one character `last`, and hands the tokens
+  // before it, in order, to f(tokens, n) in runs of up to kPlainTokenRun.
+  // The texts are not copied into `token`; they stay valid while f runs,
+  // and f must neither use the tokenizer nor change its language. Returns
+  // true when `last` has been read; it is then the current token. Returns
+  // false when the next token needs the general way (say at the end of the
+  // buffered input, or after a comment): it has not been read, `token` is
+  // left as it was, and next_token() goes on from there. The position, the
+  // flags and the pushed-back characters are always those that next_token
+  // would have left after the same tokens.
   template <class F>
   bool next_tokens_until(char last, F&& f);
 
@@ -234,10 +243,20 @@ class Tokenizer {
   // are Tokenizer's own; false when the general way must take it.
   bool fast_token();
   // Whether this processor can run fast_token and take_plain_token.
-  static bool fast_path_usable();
+  static bool fast_path_usable() { return fast_path_usable_; }
+  static const bool fast_path_usable_;
   // fast_token but for the text, which is left where it lies: *text and
-  // *size point at it.
+  // *size point at it. The tables must be current.
   bool take_plain_token(const char** text, std::size_t* size);
+  // The tokens of next_tokens_until: up to kPlainTokenRun of them into
+  // `out`, stopping early at `last` (then *last_read is set) or where the
+  // general way must go on. Returns how many are in `out`.
+  std::size_t take_plain_tokens(char last, PlainToken* out, bool* last_read);
+  // get_token_2 after the flags are set, when fast_token did not take the
+  // token.
+  void scan_token();
+  // get_token_2 with tokens on the pushback stack.
+  void pop_pushed_token();
   // token = the n characters at p, all of them before `end`.
   void set_token(const char* p, std::size_t n, const char* end);
 
@@ -257,38 +276,53 @@ class Tokenizer {
   void read_single_quoted();
   void read_double_quoted();
 
-  // The characters that end a plain run of word characters: the
-  // single-character tokens, the space characters, blank, tab and newline
-  // (these two move the position differently) and the number character.
-  // Derived from the language and kept with the classes it was made from,
-  // so that a change of the language is noticed; with nibble tables for
-  // scanning 16 characters at a time: bit h of low_hi0[l] says whether the
-  // byte (h << 4 | l) is in the set, for h below 8; low_hi1 does the same
-  // for h from 8 on (bit h - 8).
-  struct WordStop {
-    TokenizerCharSet single_char_tokens;  // what `set` was made from
+  // Tables of the fast path, made from the language and kept with the
+  // classes and flags they were made from, so that a change of the
+  // language is noticed.
+  //
+  // start[c] says what a token-starting character c is: a blank to skip
+  // (kStartBlank, plus kStartSpaceChar when it is a space character), a
+  // single-character token, the first character of a word, or kStartGeneral
+  // (tab, newline, "/", comment characters, quotes when strings are on),
+  // which only the general way reads.
+  //
+  // `stop` is what ends a plain run of word characters: the single-character
+  // tokens, the space characters, blank, tab and newline (these two move
+  // the position differently) and the number character; with nibble tables
+  // for scanning 16 characters at a time: bit h of low_hi0[l] says whether
+  // the byte (h << 4 | l) is in the set, for h below 8; low_hi1 does the
+  // same for h from 8 on (bit h - 8). ends[c] says what a character of
+  // `stop` does when it ends a word: kEndBlank, kEndSingle (it is pushed
+  // back) or neither (the general way must read it), plus kEndSpace when it
+  // is a space character.
+  struct ScanTables {
+    TokenizerCharSet single_char_tokens;  // what the tables were made from
     TokenizerCharSet space_chars;
+    TokenizerCharSet comment_chars;
     char number_char = 0;
+    int strings = 0;
     bool built = false;
     bool vector = false;  // the nibble tables can be used
-    TokenizerCharSet set;
+    TokenizerCharSet stop;
     alignas(16) unsigned char low_hi0[16];
     alignas(16) unsigned char low_hi1[16];
-    // What each character of `set` does when it ends a word: kEndBlank,
-    // kEndSingle (it is pushed back) or neither (the general way must
-    // read it), plus kEndSpace when it is a space character.
+    unsigned char start[256];
     unsigned char ends[256];
   };
+  static constexpr unsigned char kStartWord = 0, kStartSingle = 1, kStartBlank = 2, kStartSpaceChar = 4,
+                                 kStartGeneral = 8;
   static constexpr unsigned char kEndBlank = 1, kEndSingle = 2, kEndSpace = 4;
-  WordStop word_stop_;
+  ScanTables scan_;
 
-  // word_stop_, rebuilt first when the language's classes have changed.
-  const WordStop& word_stop();
-  bool word_stop_current() const;
-  void build_word_stop();
+  // scan_, rebuilt first when the language has changed.
+  const ScanTables& scan_tables();
+  bool scan_tables_current() const;
+  void build_scan_tables();
+  // start[c] of the tables for the language.
+  static unsigned char start_class(const TokenizerLanguage& lang, int c);
   // The end of a plain run of word characters in [p, end): the first
-  // character in the set, or end.
-  static const char* scan_word(const char* p, const char* end, const WordStop& stop);
+  // character in the stop set, or end.
+  static const char* scan_word(const char* p, const char* end, const ScanTables& tables);
 
   // The word ended at white space: the next raw token counts as preceded by
   // white space even though the blank is already consumed.
@@ -297,6 +331,17 @@ class Tokenizer {
 };
 
 // ---- inline: these run once per token or once per character --------------
+
+inline void Tokenizer::get_token_2() {
+  if (pushback_count > 0) {
+    pop_pushed_token();
+    return;
+  }
+  space_before = pending_space_;
+  pending_space_ = false;
+  if (plain_hooks_ && fast_path_usable() && fast_token()) return;
+  scan_token();
+}
 
 inline void Tokenizer::get_token() {
   get_token_2();
@@ -352,21 +397,13 @@ bool Tokenizer::next_tokens_until(char last, F&& f) {
   if (!plain_hooks_ || !fast_path_usable() || pushback_count > 0 || (sub_language && !sub_language->empty())) {
     return false;
   }
+  PlainToken run[kPlainTokenRun];
   for (;;) {
-    // What get_token_2 does before fast_token.
-    space_before = pending_space_;
-    pending_space_ = false;
-    const char* text;
-    std::size_t size;
-    if (!take_plain_token(&text, &size)) {
-      pending_space_ = space_before;  // for the get_token_2 that goes on
-      return false;
-    }
-    if (size == 1 && text[0] == last) {
-      token.assign(1, last);
-      return true;
-    }
-    f(text, size, static_cast<std::size_t>(direct_end_ - text));
+    bool last_read = false;
+    const std::size_t n = take_plain_tokens(last, run, &last_read);
+    if (n > 0) f(static_cast<const PlainToken*>(run), n);
+    if (last_read) return true;
+    if (n < kPlainTokenRun) return false;
   }
 }
 

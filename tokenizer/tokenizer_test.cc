@@ -230,31 +230,21 @@ std::unique_ptr<TokenizerLanguage> RandomLanguage(std::mt19937& rng, const std::
 std::string Drive(Tokenizer& t, unsigned seed, const std::string& alphabet) {
   std::mt19937 ops(seed);
   std::ostringstream out;
-  // The tokens before `last` as next_tokens_until hands them over, and as
-  // next_token reads them where it gives up.
-  const auto render = [&t](const char* text, std::size_t size) {
-    TokenAndPos seen;
-    seen.space_before = t.space_before;
-    seen.token.assign(text, size);
-    seen.pos = t.token_pos;
-    std::swap(seen.token, t.token);  // Render shows t's token
-    const std::string shown = Render(t);
-    std::swap(seen.token, t.token);
-    return shown + '/';
-  };
   try {
     for (int step = 0; step < 100000; ++step) {
       const unsigned op = ops() % 12;
       if (op >= 10) {
         const char last = alphabet[ops() % alphabet.size()];
         out << "u";
-        while (!t.next_tokens_until(last, [&](const char* text, std::size_t size, std::size_t readable) {
-          EXPECT_GE(readable, size);
-          out << render(text, size);
+        while (!t.next_tokens_until(last, [&](const Tokenizer::PlainToken* tokens, std::size_t n) {
+          for (std::size_t i = 0; i < n; ++i) {
+            EXPECT_GE(tokens[i].readable, tokens[i].size);
+            out << std::string(tokens[i].text, tokens[i].size) << '/';
+          }
         })) {
           if (t.try_next_token().empty()) break;
           if (t.token.size() == 1 && t.token[0] == last) break;
-          out << render(t.token.data(), t.token.size());
+          out << t.token << '/';
         }
         out << Render(t);
       } else if (op < 3) {

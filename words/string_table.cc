@@ -9,16 +9,6 @@
 namespace {
 constexpr unsigned kInitialBits = 10;
 
-// The slot where the probe for hash `h` starts, in a table of 2^bits
-// slots. The name hash (h = 5h + c) leaves its low bits to the last
-// characters only, so strings that differ in their first characters would
-// crowd into a few neighbouring slots; Fibonacci hashing (the top bits of
-// the product with 2^64 / golden ratio) brings every bit of h into the slot
-// number with one multiplication.
-std::size_t home_slot(std::uint32_t h, unsigned bits) {
-  return static_cast<std::size_t>((h * std::uint64_t{0x9E3779B97F4A7C15u}) >> (64 - bits));
-}
-
 std::uint64_t load8(const char* p) {
   std::uint64_t v;
   std::memcpy(&v, p, sizeof v);
@@ -89,7 +79,7 @@ int StringTable::String2ID(const std::string& key) {
   return String2ID(key.data(), key.size(), key.capacity() + 1);
 }
 
-int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
+StringTable::Key StringTable::makeKey(const char* s, std::size_t n, std::size_t readable) const {
   // The slot form of the key: its first kHeadBytes bytes as two NUL-padded
   // words. With 16 bytes readable that is two loads and two masks, the same
   // whatever the length; otherwise a few loads that never go past the key.
@@ -119,14 +109,18 @@ int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
     for (std::size_t i = 0; i < n && s[i] != '\0'; ++i) h = 5 * h + signed_byte(s[i]);
   }
   tail |= (long_key ? kLongKey : static_cast<std::uint32_t>(n)) << 24;
+  return Key{head, tail, h, s, n};
+}
 
+int StringTable::intern(const Key& key) {
+  const bool long_key = key.n > kHeadBytes;
   const std::size_t mask = slots_.size() - 1;
-  for (std::size_t i = home_slot(h, bits_);; i = (i + 1) & mask) {
+  for (std::size_t i = home_slot(key.hash, bits_);; i = (i + 1) & mask) {
     Slot& slot = slots_[i];
     if (slot.id < 0) {
-      slot = Slot{head, tail, static_cast<std::int32_t>(by_id.size())};
-      by_id.emplace_back(s, n);
-      hashes_.push_back(h);
+      slot = Slot{key.head, key.tail_length, static_cast<std::int32_t>(by_id.size())};
+      by_id.emplace_back(key.s, key.n);
+      hashes_.push_back(key.hash);
       // Up to 7/8 full: with four slots to a cache line most probes still
       // end in the first line or the next, and the table takes half the
       // cache that it would at most half full; the slot loads of rarer
@@ -134,8 +128,8 @@ int StringTable::String2ID(const char* s, std::size_t n, std::size_t readable) {
       if (by_id.size() * 8 > slots_.size() * 7) grow();
       return static_cast<int>(by_id.size()) - 1;
     }
-    if (slot.head == head && slot.tail_length == tail &&
-        (!long_key || same_key(by_id[static_cast<std::size_t>(slot.id)], s, n))) {
+    if (slot.head == key.head && slot.tail_length == key.tail_length &&
+        (!long_key || same_key(by_id[static_cast<std::size_t>(slot.id)], key.s, key.n))) {
       return slot.id;
     }
   }

@@ -28,7 +28,23 @@ class StringTable {
   int String2ID(const std::string& s);
   // The same for the n bytes at s, of which `readable` >= n may be read
   // (16 or more make the lookup cheaper).
-  int String2ID(const char* s, std::size_t n, std::size_t readable);
+  int String2ID(const char* s, std::size_t n, std::size_t readable) { return intern(makeKey(s, n, readable)); }
+
+  // String2ID in steps, for a run of strings: make the keys of all of
+  // them, prefetch each key's slot, then intern them in order. The slot
+  // loads of the run then overlap instead of stalling one after the other.
+  // A key refers to the string's bytes, which must stay in place until it
+  // is interned.
+  struct Key {
+    std::uint64_t head;         // the slot form of the key (see Slot)
+    std::uint32_t tail_length;
+    std::uint32_t hash;         // hash_name_hash_key of the string
+    const char* s;
+    std::size_t n;
+  };
+  Key makeKey(const char* s, std::size_t n, std::size_t readable) const;
+  void prefetch(const Key& key) const { __builtin_prefetch(&slots_[home_slot(key.hash, bits_)]); }
+  int intern(const Key& key);
 
   int size() const { return static_cast<int>(by_id.size()); }
 
@@ -50,6 +66,16 @@ class StringTable {
   static_assert(sizeof(Slot) == 16, "four slots to a cache line");
 
   void grow();
+
+  // The slot where the probe for hash `h` starts, in a table of 2^bits
+  // slots. The name hash (h = 5h + c) leaves its low bits to the last
+  // characters only, so strings that differ in their first characters
+  // would crowd into a few neighbouring slots; Fibonacci hashing (the top
+  // bits of the product with 2^64 / golden ratio) brings every bit of h
+  // into the slot number with one multiplication.
+  static std::size_t home_slot(std::uint32_t h, unsigned bits) {
+    return static_cast<std::size_t>((h * std::uint64_t{0x9E3779B97F4A7C15u}) >> (64 - bits));
+  }
 
   // Allocates the slot array: a large one on huge pages where the system
   // offers them (see allocate_bytes).

@@ -68,6 +68,8 @@ WordPreproc::WordTokenizer::~WordTokenizer() = default;
 WordPreproc::WordPreproc() : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)) {}
 
 void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
+  // The graph dump is parsed meanwhile; see ConcurrentGraphParse.
+  ConcurrentGraphParse graph_parse(in_dir);
   StringTable table;
   std::ofstream data_out(out_dir + kWordDataFile, std::ios::out | std::ios::trunc | std::ios::binary);
   std::ofstream idx_out(out_dir + kWordIdxFile, std::ios::out | std::ios::trunc | std::ios::binary);
@@ -84,7 +86,7 @@ void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir)
   // The graph pass interns the title words in the same table, after the
   // abstracts' words; the table is written only once both are in.
   std::cout << "3. Preproc author\n";
-  preprocGraph(in_dir, out_dir, &table);
+  writeGraph(out_dir, *graph_parse.finish(&table));
 
   std::cout << "4. Writing word-table\n";
   std::ofstream table_out(out_dir + kWordTableFile, std::ios::out | std::ios::trunc | std::ios::binary);
@@ -100,6 +102,7 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
   if (!in.good()) std::cerr << "failed to open file ! \n";
 
   WordTokenizer t(&in);
+  const StringTable::Key foreign = table->makeKey(kForeignWord.data(), kForeignWord.size(), kForeignWord.size());
   // The put position of "word-data", kept here rather than asked of the
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
@@ -124,9 +127,7 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
 
     t.next_token();  // the field after the DID is not used
     std::size_t n = 0;  // bytes of `ids` in use
-    const auto add_word = [&](const char* word, std::size_t size, std::size_t readable) {
-      const int id =
-          is_foreign(word, size, readable) ? table->String2ID(kForeignWord) : table->String2ID(word, size, readable);
+    const auto add_id = [&](int id) {
       const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
       if (ids.size() < n + kWordIdBytes) ids.resize(2 * ids.size() + kWordIdBytes);
       ids[n] = static_cast<char>(w.low & 0xFF);
@@ -134,15 +135,25 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
       ids[n + 2] = static_cast<char>(w.high);
       n += kWordIdBytes;
     };
+    const auto add_words = [&](const Tokenizer::PlainToken* words, std::size_t count) {
+      StringTable::Key keys[Tokenizer::kPlainTokenRun];
+      for (std::size_t i = 0; i < count; ++i) {
+        const Tokenizer::PlainToken& w = words[i];
+        keys[i] = is_foreign(w.text, w.size, w.readable) ? foreign : table->makeKey(w.text, w.size, w.readable);
+        table->prefetch(keys[i]);
+      }
+      for (std::size_t i = 0; i < count; ++i) add_id(table->intern(keys[i]));
+    };
     // The words up to the line end. Reading each token and comparing it
     // with the line end is what testing for the line end and then reading
     // it again would do: the word language has no elements, so a token
     // comes back from the pushback stack unchanged. Most of the line goes
     // through next_tokens_until, the rest token by token.
-    while (!t.next_tokens_until('\n', add_word)) {
+    while (!t.next_tokens_until('\n', add_words)) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
-      add_word(token.data(), token.size(), token.capacity() + 1);
+      add_id(is_foreign(token.data(), token.size(), token.capacity() + 1) ? table->String2ID(kForeignWord)
+                                                                          : table->String2ID(token));
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);
