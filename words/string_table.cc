@@ -79,7 +79,7 @@ int StringTable::String2ID(const std::string& key) {
   return String2ID(key.data(), key.size(), key.capacity() + 1);
 }
 
-StringTable::Key StringTable::makeKey(const char* s, std::size_t n, std::size_t readable) const {
+void StringTable::makeKey(const char* s, std::size_t n, std::size_t readable, Key* key) const {
   // The slot form of the key: its first kHeadBytes bytes as two NUL-padded
   // words. With 16 bytes readable that is two loads and two masks, the same
   // whatever the length; otherwise a few loads that never go past the key.
@@ -109,7 +109,7 @@ StringTable::Key StringTable::makeKey(const char* s, std::size_t n, std::size_t 
     for (std::size_t i = 0; i < n && s[i] != '\0'; ++i) h = 5 * h + signed_byte(s[i]);
   }
   tail |= (long_key ? kLongKey : static_cast<std::uint32_t>(n)) << 24;
-  return Key{head, tail, h, s, n};
+  *key = Key{head, tail, h, s, n};
 }
 
 int StringTable::intern(const Key& key) {

@@ -28,13 +28,19 @@ class StringTable {
   int String2ID(const std::string& s);
   // The same for the n bytes at s, of which `readable` >= n may be read
   // (16 or more make the lookup cheaper).
-  int String2ID(const char* s, std::size_t n, std::size_t readable) { return intern(makeKey(s, n, readable)); }
+  int String2ID(const char* s, std::size_t n, std::size_t readable) {
+    Key key;
+    makeKey(s, n, readable, &key);
+    return intern(key);
+  }
 
   // String2ID in steps, for a run of strings: make the keys of all of
   // them, prefetch each key's slot, then intern them in order. The slot
   // loads of the run then overlap instead of stalling one after the other.
   // A key refers to the string's bytes, which must stay in place until it
-  // is interned.
+  // is interned. makeKey writes the key in place, where it is read again
+  // field by field (a returned key would be copied whole from where it was
+  // just written field by field, which stalls).
   struct Key {
     std::uint64_t head;         // the slot form of the key (see Slot)
     std::uint32_t tail_length;
@@ -42,7 +48,7 @@ class StringTable {
     const char* s;
     std::size_t n;
   };
-  Key makeKey(const char* s, std::size_t n, std::size_t readable) const;
+  void makeKey(const char* s, std::size_t n, std::size_t readable, Key* key) const;
   void prefetch(const Key& key) const { __builtin_prefetch(&slots_[home_slot(key.hash, bits_)]); }
   int intern(const Key& key);
 

@@ -42,6 +42,14 @@ bool is_foreign(const char* word, std::size_t n, std::size_t readable) {
 
 bool is_line_end(const std::string& token) { return token.size() == 1 && token[0] == '\n'; }
 
+// The 3 bytes of a word id at `at`.
+void put_word_id(char* at, int id) {
+  const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
+  at[0] = static_cast<char>(w.low & 0xFF);
+  at[1] = static_cast<char>(w.low >> 8);
+  at[2] = static_cast<char>(w.high);
+}
+
 }  // namespace
 
 WordPreproc::WordLanguage::WordLanguage() {
@@ -102,7 +110,8 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
   if (!in.good()) std::cerr << "failed to open file ! \n";
 
   WordTokenizer t(&in);
-  const StringTable::Key foreign = table->makeKey(kForeignWord.data(), kForeignWord.size(), kForeignWord.size());
+  StringTable::Key foreign;
+  table->makeKey(kForeignWord.data(), kForeignWord.size(), kForeignWord.size(), &foreign);
   // The put position of "word-data", kept here rather than asked of the
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
@@ -127,22 +136,26 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
 
     t.next_token();  // the field after the DID is not used
     std::size_t n = 0;  // bytes of `ids` in use
-    const auto add_id = [&](int id) {
-      const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
-      if (ids.size() < n + kWordIdBytes) ids.resize(2 * ids.size() + kWordIdBytes);
-      ids[n] = static_cast<char>(w.low & 0xFF);
-      ids[n + 1] = static_cast<char>(w.low >> 8);
-      ids[n + 2] = static_cast<char>(w.high);
-      n += kWordIdBytes;
+    // Where the next k ids go.
+    const auto room_for = [&](std::size_t k) {
+      if (ids.size() < n + k * kWordIdBytes) ids.resize(2 * ids.size() + k * kWordIdBytes);
+      char* at = &ids[n];
+      n += k * kWordIdBytes;
+      return at;
     };
     const auto add_words = [&](const Tokenizer::PlainToken* words, std::size_t count) {
       StringTable::Key keys[Tokenizer::kPlainTokenRun];
       for (std::size_t i = 0; i < count; ++i) {
         const Tokenizer::PlainToken& w = words[i];
-        keys[i] = is_foreign(w.text, w.size, w.readable) ? foreign : table->makeKey(w.text, w.size, w.readable);
+        if (is_foreign(w.text, w.size, w.readable)) {
+          keys[i] = foreign;
+        } else {
+          table->makeKey(w.text, w.size, w.readable, &keys[i]);
+        }
         table->prefetch(keys[i]);
       }
-      for (std::size_t i = 0; i < count; ++i) add_id(table->intern(keys[i]));
+      char* at = room_for(count);
+      for (std::size_t i = 0; i < count; ++i) put_word_id(at + i * kWordIdBytes, table->intern(keys[i]));
     };
     // The words up to the line end. Reading each token and comparing it
     // with the line end is what testing for the line end and then reading
@@ -152,8 +165,9 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     while (!t.next_tokens_until('\n', add_words)) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
-      add_id(is_foreign(token.data(), token.size(), token.capacity() + 1) ? table->String2ID(kForeignWord)
-                                                                          : table->String2ID(token));
+      put_word_id(room_for(1), is_foreign(token.data(), token.size(), token.capacity() + 1)
+                                   ? table->String2ID(kForeignWord)
+                                   : table->String2ID(token));
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);
