@@ -70,23 +70,40 @@ __attribute__((target("ssse3"))) const char* find_stop_ssse3(const char* p, cons
   return find_stop(p, end, low_hi0, low_hi1, stop);
 }
 
-bool detect_ssse3() {
-  __builtin_cpu_init();  // this may run before the constructors that would call it
-  return __builtin_cpu_supports("ssse3");
+// same_classes, 32 bytes at a time.
+__attribute__((target("avx2"), always_inline)) inline bool same_classes_avx2(const TokenizerCharSet* a,
+                                                                           const TokenizerCharSet* b) {
+  const __m256i* x = reinterpret_cast<const __m256i*>(a);
+  const __m256i* y = reinterpret_cast<const __m256i*>(b);
+  const __m256i diff = _mm256_or_si256(
+      _mm256_or_si256(_mm256_xor_si256(_mm256_loadu_si256(x), _mm256_loadu_si256(y)),
+                      _mm256_xor_si256(_mm256_loadu_si256(x + 1), _mm256_loadu_si256(y + 1))),
+      _mm256_xor_si256(_mm256_loadu_si256(x + 2), _mm256_loadu_si256(y + 2)));
+  return _mm256_testz_si256(diff, diff) != 0;
 }
-const bool g_have_ssse3 = detect_ssse3();
+
+bool cpu_supports(bool avx2) {
+  __builtin_cpu_init();  // this may run before the constructors that would call it
+  return avx2 ? __builtin_cpu_supports("avx2") : __builtin_cpu_supports("ssse3");
+}
+const bool g_have_ssse3 = cpu_supports(false);
 
 bool have_ssse3() { return g_have_ssse3; }
 #endif
 
-
 }  // namespace
 
 #ifdef REFGROVE_VECTOR_SCAN
-const bool Tokenizer::fast_path_usable_ = have_ssse3();
+Tokenizer::FastPath Tokenizer::fast_path_ =
+    !have_ssse3() ? FastPath::kNone : cpu_supports(true) ? FastPath::kAvx2 : FastPath::kBase;
 #else
-const bool Tokenizer::fast_path_usable_ = true;
+Tokenizer::FastPath Tokenizer::fast_path_ = FastPath::kBase;
 #endif
+
+inline __attribute__((always_inline)) bool Tokenizer::scan_flags_current() const {
+  const TokenizerLanguage& lang = *language;
+  return scan_.built && scan_.number_char == lang.number_char && scan_.strings == lang.strings;
+}
 
 inline __attribute__((always_inline)) bool Tokenizer::scan_tables_current() const {
   // The three classes lie side by side in both structures.
@@ -96,9 +113,7 @@ inline __attribute__((always_inline)) bool Tokenizer::scan_tables_current() cons
   static_assert(offsetof(ScanTables, comment_chars) ==
                     offsetof(ScanTables, single_char_tokens) + 2 * sizeof(TokenizerCharSet),
                 "character classes of the tables are not contiguous");
-  const TokenizerLanguage& lang = *language;
-  return scan_.built && scan_.number_char == lang.number_char && scan_.strings == lang.strings &&
-         same_classes(&scan_.single_char_tokens, &lang.single_char_tokens);
+  return scan_flags_current() && same_classes(&scan_.single_char_tokens, &language->single_char_tokens);
 }
 
 const Tokenizer::ScanTables& Tokenizer::scan_tables() {
@@ -466,14 +481,29 @@ inline REFGROVE_FAST_PATH __attribute__((always_inline)) bool Tokenizer::take_pl
   return true;
 }
 
-REFGROVE_FAST_PATH bool Tokenizer::fast_token() {
-  if (!scan_tables_current()) build_scan_tables();
+inline REFGROVE_FAST_PATH __attribute__((always_inline)) bool Tokenizer::take_plain_token_into_token() {
   const char* text;
   std::size_t size;
   if (!take_plain_token(&text, &size)) return false;
   set_token(text, size, direct_end_);
   return true;
 }
+
+REFGROVE_FAST_PATH bool Tokenizer::fast_token() {
+  if (!scan_tables_current()) build_scan_tables();
+  return take_plain_token_into_token();
+}
+
+#ifdef REFGROVE_VECTOR_SCAN
+__attribute__((target("avx2"))) bool Tokenizer::fast_token_avx2() {
+  if (!scan_flags_current() || !same_classes_avx2(&scan_.single_char_tokens, &language->single_char_tokens)) {
+    build_scan_tables();
+  }
+  return take_plain_token_into_token();
+}
+#else
+bool Tokenizer::fast_token_avx2() { return fast_token(); }
+#endif
 
 REFGROVE_FAST_PATH std::size_t Tokenizer::take_plain_tokens(char last, PlainToken* out, bool* last_read) {
   // The caller's code runs only between runs, so the language is looked at
