@@ -7,9 +7,9 @@
 // per abstract) into a fresh directory under /tmp, reads them once to warm
 // the page cache, then alternates R times (default 3) between `wc -w` on the
 // four files and a preprocessing run (refgrove_preproc_1 in a child process,
-// its messages discarded). Prints the best time of each, their ratio, and
-// the peak resident memory of the preprocessing child. --keep leaves the
-// directory in place.
+// its messages discarded, into an empty output directory). Prints the best
+// time of each, their ratio, and the peak resident memory of the
+// preprocessing child. --keep leaves the directory in place.
 #include <sys/resource.h>
 #include <sys/time.h>
 #include <sys/wait.h>
@@ -122,6 +122,11 @@ int main(int argc, char** argv) {
   for (int r = 0; r < runs; ++r) {
     const Timing wc = run_wc(in, false);
     const Timing wc_c = run_wc(in, true);
+    // Into an empty directory each time, as a new data directory is made:
+    // replacing the files of the previous run would add the time it takes
+    // to truncate them.
+    std::filesystem::remove_all(out);
+    std::filesystem::create_directories(out);
     const Timing pre = run_child([&] { refgrove_preproc_1(in.c_str(), out.c_str()); });
     if (wc.status != 0 || wc_c.status != 0 || pre.status != 0) {
       std::fprintf(stderr, "preproc_bench: a run failed (wc %d, wc C %d, preprocessing %d)\n", wc.status, wc_c.status,

@@ -3,12 +3,20 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <iostream>
+#include <limits>
+#include <memory>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "core/refgrove.h"
 #include "graph/raw_graph.h"
 #include "words/compacted_string_table.h"
+#include "words/message_log.h"
 #include "words/word_files.h"
 
 namespace {
@@ -50,6 +58,94 @@ void put_word_id(char* at, int id) {
   at[2] = static_cast<char>(w.high);
 }
 
+// One word dump read in a thread of its own while the others are read, as
+// ConcurrentGraphParse does for the graph dump. Its words get ids of a table
+// of its own, and its two word files and its messages are held in memory;
+// finish() writes them where preprocFile would have written them, with the
+// ids that the caller's table gives those words in the order in which the
+// dump first holds them: exactly what preprocFile on the caller's table
+// writes.
+class ConcurrentWordFile {
+ public:
+  ConcurrentWordFile(WordPreproc* preproc, const std::string& path) : preproc_(preproc), path_(path) {
+    try {
+      thread_ = std::thread(&ConcurrentWordFile::read, this);
+    } catch (const std::system_error&) {
+      // No thread to be had: finish() reads.
+    }
+  }
+  ~ConcurrentWordFile() {
+    if (thread_.joinable()) thread_.join();
+  }
+  ConcurrentWordFile(const ConcurrentWordFile&) = delete;
+  ConcurrentWordFile& operator=(const ConcurrentWordFile&) = delete;
+
+  // Waits for the dump, then writes its messages and its documents; throws
+  // what preprocFile threw, after writing what it had written by then.
+  void finish(StringTable* table, std::ostream& data_out, std::ostream& idx_out);
+
+ private:
+  void read() {
+    try {
+      preproc_->preprocFile(&words_, data_, idx_, path_.c_str(), messages_.out(), messages_.err());
+    } catch (...) {
+      error_ = std::current_exception();
+    }
+  }
+
+  WordPreproc* preproc_;
+  std::string path_;
+  StringTable words_;
+  std::ostringstream data_, idx_;
+  MessageLog messages_;
+  std::exception_ptr error_;
+  std::thread thread_;
+};
+
+void ConcurrentWordFile::finish(StringTable* table, std::ostream& data_out, std::ostream& idx_out) {
+  if (thread_.joinable()) {
+    thread_.join();
+  } else {
+    read();
+  }
+  // The held ids are 3 bytes and the held offsets 32 bits. Beyond that
+  // many distinct words or bytes they cannot be told apart, and the dump is
+  // read again on the caller's table.
+  if (words_.size() > (1 << 24) || data_.tellp() > std::numeric_limits<std::int32_t>::max()) {
+    preproc_->preprocFile(table, data_out, idx_out, path_.c_str());
+    return;
+  }
+  messages_.replay();
+  std::vector<int> ids;  // the caller's id of each of the dump's own ids
+  ids.reserve(words_.by_id.size());
+  for (const std::string& word : words_.by_id) ids.push_back(table->String2ID(word));
+  // Each document as preprocFile writes it: its header, with the put
+  // position of data_out, then its ids, which run up to the next header's.
+  const std::string_view idx = idx_.view();
+  const std::string_view data = data_.view();
+  std::int64_t position = data_out.tellp();
+  std::string words;
+  const auto header_at = [&idx](std::size_t at) {
+    return read_document_word_info(reinterpret_cast<const unsigned char*>(idx.data() + at));
+  };
+  for (std::size_t k = 0; k + kDocumentWordInfoBytes <= idx.size(); k += kDocumentWordInfoBytes) {
+    const DocumentWordInfo doc = header_at(k);
+    const std::size_t next = k + 2 * kDocumentWordInfoBytes <= idx.size()
+                                 ? static_cast<std::size_t>(header_at(k + kDocumentWordInfoBytes).offset)
+                                 : data.size();
+    const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
+    write_document_word_info(idx_out, DocumentWordInfo{doc.did, offset});
+    words.assign(data.substr(static_cast<std::size_t>(doc.offset), next - static_cast<std::size_t>(doc.offset)));
+    for (std::size_t i = 0; i + kWordIdBytes <= words.size(); i += kWordIdBytes) {
+      const WordId own = read_word_id(reinterpret_cast<const unsigned char*>(&words[i]));
+      put_word_id(&words[i], ids[own.id()]);
+    }
+    data_out.write(words.data(), static_cast<std::streamsize>(words.size()));
+    position += static_cast<std::int64_t>(words.size());
+  }
+  if (error_) std::rethrow_exception(error_);
+}
+
 }  // namespace
 
 WordPreproc::WordLanguage::WordLanguage() {
@@ -76,14 +172,22 @@ WordPreproc::WordTokenizer::~WordTokenizer() = default;
 WordPreproc::WordPreproc() : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)) {}
 
 void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
-  // The graph dump is parsed meanwhile; see ConcurrentGraphParse.
+  // The graph dump and the last word dump are read meanwhile, each in a
+  // thread of its own; see ConcurrentGraphParse and ConcurrentWordFile.
   ConcurrentGraphParse graph_parse(in_dir);
+  std::unique_ptr<ConcurrentWordFile> last_file;
+  std::size_t read_here = files.size();
+  if (read_here > 1) {
+    --read_here;
+    last_file = std::make_unique<ConcurrentWordFile>(this, in_dir + files.back());
+  }
   StringTable table;
   std::ofstream data_out(out_dir + kWordDataFile, std::ios::out | std::ios::trunc | std::ios::binary);
   std::ofstream idx_out(out_dir + kWordIdxFile, std::ios::out | std::ios::trunc | std::ios::binary);
   std::cout << "Preproc word data ... \n";
   std::cout << "1. Reading words ... \n";
-  for (const char* f : files) preprocFile(&table, data_out, idx_out, (in_dir + f).c_str());
+  for (std::size_t i = 0; i < read_here; ++i) preprocFile(&table, data_out, idx_out, (in_dir + files[i]).c_str());
+  if (last_file) last_file->finish(&table, data_out, idx_out);
 
   std::cout << "2. Finalizing word-idx\n";
   const std::streamoff end = data_out.tellp();
@@ -103,11 +207,11 @@ void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir)
   std::cout << "Done Preproc Word.\n";
 }
 
-void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::ofstream& idx_out,
-                              const char* path) {
+void WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out, const char* path,
+                              std::ostream& out, std::ostream& err) {
   std::ifstream in(path, std::ios::in | std::ios::binary);
-  std::cout << "  - Reading " << path << std::endl;
-  if (!in.good()) std::cerr << "failed to open file ! \n";
+  out << "  - Reading " << path << std::endl;
+  if (!in.good()) err << "failed to open file ! \n";
 
   WordTokenizer t(&in);
   StringTable::Key foreign;
@@ -120,19 +224,19 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     int did = 0;
     if (!t.try_next_integer(&did)) {
       // The offending token is gone; echo the rest of its line.
-      std::cerr << "no did at line " << t.token_line() << std::endl;
+      err << "no did at line " << t.token_line() << std::endl;
       for (;;) {
         const std::string& token = t.next_token();
         if (is_line_end(token)) break;
-        std::cerr << token;
+        err << token;
       }
-      std::cerr << "\n ------------------------- \n";
+      err << "\n ------------------------- \n";
       continue;
     }
 
     const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
     write_document_word_info(idx_out, DocumentWordInfo{did, offset});
-    if (did % 1000 == 0) std::cout << '\r' << did;
+    if (did % 1000 == 0) out << '\r' << did;
 
     t.next_token();  // the field after the DID is not used
     std::size_t n = 0;  // bytes of `ids` in use
@@ -172,7 +276,7 @@ void WordPreproc::preprocFile(StringTable* table, std::ofstream& data_out, std::
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);
   }
-  std::cout << std::endl;
+  out << std::endl;
 }
 
 void refgrove_preproc_1(const char* a, const char* b) {

@@ -12,6 +12,7 @@
 #define REFGROVE_WORDS_WORD_PREPROC_H_
 
 #include <fstream>
+#include <iostream>
 #include <istream>
 #include <string>
 #include <vector>
@@ -58,9 +59,11 @@ class WordPreproc {
 
   // Processes one word dump: appends its documents' word ids to `data_out`
   // ("word-data") and one header per document to `idx_out` ("word-idx").
-  // A line without a leading DID is reported on standard error and skipped;
-  // a file that cannot be opened is reported and contributes nothing.
-  void preprocFile(StringTable* table, std::ofstream& data_out, std::ofstream& idx_out, const char* path);
+  // Progress goes to `out`. A line without a leading DID is reported on
+  // `err` and skipped; a file that cannot be opened is reported and
+  // contributes nothing.
+  void preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out, const char* path,
+                   std::ostream& out = std::cout, std::ostream& err = std::cerr);
 
   std::vector<const char*> files;
 };
