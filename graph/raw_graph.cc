@@ -60,7 +60,7 @@ ConcurrentGraphParse::~ConcurrentGraphParse() {
 
 void ConcurrentGraphParse::parse() {
   try {
-    graph_ = std::make_unique<RawRefgroveGraph>(in_dir_, &titles_, out_, err_);
+    graph_ = std::make_unique<RawRefgroveGraph>(in_dir_, &titles_, messages_.out(), messages_.err());
   } catch (...) {
     error_ = std::current_exception();
   }
@@ -76,8 +76,7 @@ std::unique_ptr<RawRefgroveGraph> ConcurrentGraphParse::finish(StringTable* word
   // words the local ids cannot be told apart in the records any more, and
   // the pass is run again on `words` itself, one after the other.
   if (titles_.size() > (1 << 24)) return std::make_unique<RawRefgroveGraph>(in_dir_, words);
-  std::cout << out_.str();
-  std::cerr << err_.str();
+  messages_.replay();
   if (error_) std::rethrow_exception(error_);
   std::vector<WordId> ids;
   ids.reserve(titles_.by_id.size());

@@ -7,13 +7,13 @@
 #include <iostream>
 #include <memory>
 #include <ostream>
-#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "graph/arena.h"
 #include "graph/graph_record.h"
+#include "words/message_log.h"
 #include "words/string_table.h"
 
 // Every record of a graph dump, in dump order (never sorted: the graph file
@@ -83,7 +83,7 @@ class ConcurrentGraphParse {
 
   std::string in_dir_;
   StringTable titles_;
-  std::ostringstream out_, err_;
+  MessageLog messages_;
   std::unique_ptr<RawRefgroveGraph> graph_;
   std::exception_ptr error_;
   std::thread thread_;
