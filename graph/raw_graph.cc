@@ -2,7 +2,6 @@
 
 #include <fstream>
 #include <iostream>
-#include <system_error>
 
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
@@ -46,38 +45,19 @@ void writeGraph(const std::string& out_dir, const RawRefgroveGraph& graph) {
   out.close();
 }
 
-ConcurrentGraphParse::ConcurrentGraphParse(const std::string& in_dir) : in_dir_(in_dir) {
-  try {
-    thread_ = std::thread(&ConcurrentGraphParse::parse, this);
-  } catch (const std::system_error&) {
-    // No thread to be had: finish() parses.
-  }
-}
-
-ConcurrentGraphParse::~ConcurrentGraphParse() {
-  if (thread_.joinable()) thread_.join();
-}
-
-void ConcurrentGraphParse::parse() {
-  try {
-    graph_ = std::make_unique<RawRefgroveGraph>(in_dir_, &titles_, messages_.out(), messages_.err());
-  } catch (...) {
-    error_ = std::current_exception();
-  }
-}
+ConcurrentGraphParse::ConcurrentGraphParse(const std::string& in_dir)
+    : in_dir_(in_dir), parse_([this] {
+        graph_ = std::make_unique<RawRefgroveGraph>(in_dir_, &titles_, messages_.out(), messages_.err());
+      }) {}
 
 std::unique_ptr<RawRefgroveGraph> ConcurrentGraphParse::finish(StringTable* words) {
-  if (thread_.joinable()) {
-    thread_.join();
-  } else {
-    parse();
-  }
+  const std::exception_ptr error = parse_.wait();
   // Title word ids are kept in 24 bits. Beyond that many distinct title
   // words the local ids cannot be told apart in the records any more, and
   // the pass is run again on `words` itself, one after the other.
   if (titles_.size() > (1 << 24)) return std::make_unique<RawRefgroveGraph>(in_dir_, words);
   messages_.replay();
-  if (error_) std::rethrow_exception(error_);
+  if (error) std::rethrow_exception(error);
   std::vector<WordId> ids;
   ids.reserve(titles_.by_id.size());
   for (const std::string& word : titles_.by_id) {

@@ -3,16 +3,15 @@
 #ifndef REFGROVE_GRAPH_RAW_GRAPH_H_
 #define REFGROVE_GRAPH_RAW_GRAPH_H_
 
-#include <exception>
 #include <iostream>
 #include <memory>
 #include <ostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "graph/arena.h"
 #include "graph/graph_record.h"
+#include "words/background_job.h"
 #include "words/message_log.h"
 #include "words/string_table.h"
 
@@ -69,9 +68,6 @@ void writeGraph(const std::string& out_dir, const RawRefgroveGraph& graph);
 class ConcurrentGraphParse {
  public:
   explicit ConcurrentGraphParse(const std::string& in_dir);
-  ~ConcurrentGraphParse();  // waits for the parse
-  ConcurrentGraphParse(const ConcurrentGraphParse&) = delete;
-  ConcurrentGraphParse& operator=(const ConcurrentGraphParse&) = delete;
 
   // Waits for the parse and writes its messages to standard output and
   // error. Returns the graph with its title words interned in `words`, or
@@ -79,14 +75,11 @@ class ConcurrentGraphParse {
   std::unique_ptr<RawRefgroveGraph> finish(StringTable* words);
 
  private:
-  void parse();
-
   std::string in_dir_;
   StringTable titles_;
   MessageLog messages_;
   std::unique_ptr<RawRefgroveGraph> graph_;
-  std::exception_ptr error_;
-  std::thread thread_;
+  BackgroundJob parse_;  // last: it runs while the others live
 };
 
 #endif  // REFGROVE_GRAPH_RAW_GRAPH_H_

@@ -269,6 +269,8 @@ class Tokenizer {
   void scan_token();
   // get_token_2 with tokens on the pushback stack.
   void pop_pushed_token();
+  // A new top slot on the pushback stack, counted, for the caller to fill.
+  TokenAndPos& push_slot();
   // token = the n characters at p, all of them before `end`.
   void set_token(const char* p, std::size_t n, const char* end);
 

@@ -91,32 +91,28 @@ bool Tokenizer::has_more_tokens_general() {
   return true;
 }
 
-void Tokenizer::pushback_token() {
+TokenAndPos& Tokenizer::push_slot() {
   // Entries past pushback_count are dead slots whose strings are reused.
   const std::size_t i = static_cast<std::size_t>(pushback_count);
   if (pushback.size() <= i) pushback.resize(i + 1);
-  TokenAndPos& slot = pushback[i];
+  ++pushback_count;
+  return pushback[i];
+}
+
+void Tokenizer::pushback_token() {
+  TokenAndPos& slot = push_slot();
   slot.space_before = space_before;
   slot.token = token;
   slot.pos = token_pos;
-  ++pushback_count;
 }
 
-void Tokenizer::pushback_token(const TokenAndPos& t) {
-  const std::size_t i = static_cast<std::size_t>(pushback_count);
-  if (pushback.size() <= i) pushback.resize(i + 1);
-  pushback[i] = t;
-  ++pushback_count;
-}
+void Tokenizer::pushback_token(const TokenAndPos& t) { push_slot() = t; }
 
 void Tokenizer::pushback_token(const std::string& text, const TokenizerPos& at) {
-  const std::size_t i = static_cast<std::size_t>(pushback_count);
-  if (pushback.size() <= i) pushback.resize(i + 1);
-  TokenAndPos& slot = pushback[i];
+  TokenAndPos& slot = push_slot();
   slot.space_before = false;
   slot.token = text;
   slot.pos = at;
-  ++pushback_count;
 }
 
 void Tokenizer::pushback_token(const std::string& text) { pushback_token(text, token_pos); }

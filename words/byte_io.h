@@ -19,34 +19,33 @@ inline void encode_le(char* b, std::uint32_t v, int n) {
   for (int i = 0; i < n; ++i) b[i] = static_cast<char>(v >> (8 * i));
 }
 
-inline void put_uint8(std::ostream& out, std::uint8_t v) { out.put(static_cast<char>(v)); }
+// Appends n bytes to a stream, or to bytes gathered in a std::string: a
+// record built there goes to its stream in one write instead of one for
+// each field.
+inline void put_bytes(std::ostream& out, const char* b, std::size_t n) {
+  out.write(b, static_cast<std::streamsize>(n));
+}
+inline void put_bytes(std::string& out, const char* b, std::size_t n) { out.append(b, n); }
 
-inline void put_uint16(std::ostream& out, std::uint16_t v) {
+// `Out` is a std::ostream or a std::string.
+template <class Out>
+void put_uint8(Out& out, std::uint8_t v) {
+  const char b = static_cast<char>(v);
+  put_bytes(out, &b, 1);
+}
+
+template <class Out>
+void put_uint16(Out& out, std::uint16_t v) {
   char b[2];
   encode_le(b, v, 2);
-  out.write(b, 2);
+  put_bytes(out, b, 2);
 }
 
-inline void put_int32(std::ostream& out, std::int32_t v) {
+template <class Out>
+void put_int32(Out& out, std::int32_t v) {
   char b[4];
   encode_le(b, static_cast<std::uint32_t>(v), 4);
-  out.write(b, 4);
-}
-
-// The same, appended to bytes gathered in a std::string: a record built
-// there goes to its stream in one write instead of one for each field.
-inline void put_uint8(std::string& out, std::uint8_t v) { out.push_back(static_cast<char>(v)); }
-
-inline void put_uint16(std::string& out, std::uint16_t v) {
-  char b[2];
-  encode_le(b, v, 2);
-  out.append(b, 2);
-}
-
-inline void put_int32(std::string& out, std::int32_t v) {
-  char b[4];
-  encode_le(b, static_cast<std::uint32_t>(v), 4);
-  out.append(b, 4);
+  put_bytes(out, b, 4);
 }
 
 inline std::uint16_t get_uint16(const unsigned char* p) {

@@ -9,12 +9,11 @@
 #include <memory>
 #include <sstream>
 #include <string_view>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 #include "core/refgrove.h"
 #include "graph/raw_graph.h"
+#include "words/background_job.h"
 #include "words/compacted_string_table.h"
 #include "words/message_log.h"
 #include "words/word_files.h"
@@ -67,47 +66,26 @@ void put_word_id(char* at, int id) {
 // writes.
 class ConcurrentWordFile {
  public:
-  ConcurrentWordFile(WordPreproc* preproc, const std::string& path) : preproc_(preproc), path_(path) {
-    try {
-      thread_ = std::thread(&ConcurrentWordFile::read, this);
-    } catch (const std::system_error&) {
-      // No thread to be had: finish() reads.
-    }
-  }
-  ~ConcurrentWordFile() {
-    if (thread_.joinable()) thread_.join();
-  }
-  ConcurrentWordFile(const ConcurrentWordFile&) = delete;
-  ConcurrentWordFile& operator=(const ConcurrentWordFile&) = delete;
+  ConcurrentWordFile(WordPreproc* preproc, const std::string& path)
+      : preproc_(preproc), path_(path), read_([this] {
+          preproc_->preprocFile(&words_, data_, idx_, path_.c_str(), messages_.out(), messages_.err());
+        }) {}
 
   // Waits for the dump, then writes its messages and its documents; throws
   // what preprocFile threw, after writing what it had written by then.
   void finish(StringTable* table, std::ostream& data_out, std::ostream& idx_out);
 
  private:
-  void read() {
-    try {
-      preproc_->preprocFile(&words_, data_, idx_, path_.c_str(), messages_.out(), messages_.err());
-    } catch (...) {
-      error_ = std::current_exception();
-    }
-  }
-
   WordPreproc* preproc_;
   std::string path_;
   StringTable words_;
   std::ostringstream data_, idx_;
   MessageLog messages_;
-  std::exception_ptr error_;
-  std::thread thread_;
+  BackgroundJob read_;  // last: it runs while the others live
 };
 
 void ConcurrentWordFile::finish(StringTable* table, std::ostream& data_out, std::ostream& idx_out) {
-  if (thread_.joinable()) {
-    thread_.join();
-  } else {
-    read();
-  }
+  const std::exception_ptr error = read_.wait();
   // The held ids are 3 bytes and the held offsets 32 bits. Beyond that
   // many distinct words or bytes they cannot be told apart, and the dump is
   // read again on the caller's table.
@@ -143,7 +121,7 @@ void ConcurrentWordFile::finish(StringTable* table, std::ostream& data_out, std:
     data_out.write(words.data(), static_cast<std::streamsize>(words.size()));
     position += static_cast<std::int64_t>(words.size());
   }
-  if (error_) std::rethrow_exception(error_);
+  if (error) std::rethrow_exception(error);
 }
 
 }  // namespace
