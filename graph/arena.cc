@@ -1,6 +1,7 @@
 #include "graph/arena.h"
 
 #include <cstdint>
+#include <utility>
 
 void* Arena::allocate(std::size_t n, std::size_t align) {
   const std::size_t pad = (0 - reinterpret_cast<std::uintptr_t>(next_)) & (align - 1);
@@ -20,4 +21,11 @@ void* Arena::allocate(std::size_t n, std::size_t align) {
   next_ += pad + n;
   left_ -= pad + n;
   return p;
+}
+
+void Arena::absorb(Arena& other) {
+  for (std::unique_ptr<char[]>& block : other.blocks_) blocks_.push_back(std::move(block));
+  other.blocks_.clear();
+  other.next_ = nullptr;
+  other.left_ = 0;
 }

@@ -26,6 +26,10 @@ class Arena {
     return static_cast<T*>(allocate(n * sizeof(T), alignof(T)));
   }
 
+  // Takes over everything `other` holds, which then is empty; what it
+  // handed out stays where it is.
+  void absorb(Arena& other);
+
   // A T built in the arena; its destructor never runs.
   template <class T, class... Args>
   T* create(Args&&... args) {

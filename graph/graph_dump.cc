@@ -39,11 +39,45 @@ inline bool next_token_is(Tokenizer& t, const char* s) {
 
 }  // namespace
 
-RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t) {
+void GraphLineParser::StringBatch::clear() {
+  text_.clear();
+  ends_.clear();
+}
+
+void GraphLineParser::StringBatch::add(const std::string& s) {
+  text_ += s;
+  ends_.push_back(text_.size());
+}
+
+void GraphLineParser::StringBatch::extend(char c, const std::string& s) {
+  text_ += c;
+  text_ += s;
+  ends_.back() = text_.size();
+}
+
+template <class F>
+void GraphLineParser::StringBatch::intern(StringTable* table, F&& use_id) {
+  // Padding behind the last string lets every key be made with 16-byte
+  // loads; the keys' lengths leave it out.
+  constexpr std::size_t kPadding = 16;
+  const std::size_t size = text_.size();
+  text_.append(kPadding, '\0');
+  keys_.resize(ends_.size());
+  std::size_t begin = 0;
+  for (std::size_t i = 0; i < ends_.size(); ++i) {
+    table->makeKey(&text_[begin], ends_[i] - begin, text_.size() - begin, &keys_[i]);
+    table->prefetch(keys_[i]);
+    begin = ends_[i];
+  }
+  for (const StringTable::Key& key : keys_) use_id(table->intern(key));
+  text_.resize(size);
+}
+
+RefgroveGraphData* GraphLineParser::parse(Tokenizer& t) {
   const std::int32_t did = t.next_integer();
 
-  std::string key;
-  if (!next_token_is(t, "-")) key = t.token;
+  key_.clear();
+  if (!next_token_is(t, "-")) key_ = t.token;
 
   std::int32_t year = -1;
   if (!next_token_is(t, "-")) year = t.token_integer();
@@ -51,34 +85,39 @@ RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTa
   // The GIDs come first; each fixes one citation, whose DID follows after
   // "DIDs:" in the same order.
   t.ensure_next_token("GIDs:");
-  std::vector<CitationInfo> citations;
-  while (!next_token_is(t, "DIDs:")) citations.push_back(CitationInfo{t.token_integer(), 0});
-  for (CitationInfo& c : citations) c.did = t.next_integer();
+  citations_.clear();
+  while (!next_token_is(t, "DIDs:")) citations_.push_back(CitationInfo{t.token_integer(), 0});
+  for (CitationInfo& c : citations_) c.did = t.next_integer();
 
   // The first title word is taken whatever it is, so a title never is empty.
   t.ensure_next_token("Title:");
-  std::vector<WordId> title;
+  title_words_.clear();
   t.next_token();
   do {
-    title.push_back(WordId::from_id(static_cast<std::uint32_t>(words->String2ID(t.token))));
+    title_words_.add(t.token);
   } while (!next_token_is(t, "Authors:"));
+  title_.clear();
+  title_words_.intern(words_, [this](int id) { title_.push_back(WordId::from_id(static_cast<std::uint32_t>(id))); });
 
   // Names run up to the line end, split at "and"; the token after an "and"
   // starts the next name whatever it is.
-  std::vector<std::int32_t> author_ids;
+  author_names_.clear();
   if (!next_token_is(t, "\n")) {
-    std::string name = t.token;
+    author_names_.add(t.token);
     while (!next_token_is(t, "\n")) {
       if (t.token_is("and")) {
-        author_ids.push_back(authors->String2ID(name));
-        name = t.next_token();
+        author_names_.add(t.next_token());
       } else {
-        name += ' ';
-        name += t.token;
+        author_names_.extend(' ', t.token);
       }
     }
-    author_ids.push_back(authors->String2ID(name));
   }
+  author_ids_.clear();
+  author_names_.intern(authors_, [this](int id) { author_ids_.push_back(id); });
 
-  return RefgroveGraphData::create(arena, did, key, year, citations, title, author_ids);
+  return RefgroveGraphData::create(*arena_, did, key_, year, citations_, title_, author_ids_);
+}
+
+RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t) {
+  return GraphLineParser(&arena, words, authors).parse(t);
 }

@@ -20,6 +20,8 @@
 
 #include <istream>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "graph/arena.h"
 #include "graph/graph_record.h"
@@ -53,7 +55,46 @@ std::unique_ptr<RefgroveGraphTokenizer> create_refgrovegraph_tokenizer(std::istr
 // Reads one document line (through its line end) from `t` into a record
 // built in `arena`. Title words are interned in `words`, author names in
 // `authors`. A line that does not follow the grammar throws ParserError;
-// whatever the tables interned before the fault stays in them.
+// the tables may then hold some of the line's strings.
 RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t);
+
+// parse_graph_record for the lines of a dump, one after the other, keeping
+// its buffers from line to line.
+class GraphLineParser {
+ public:
+  GraphLineParser(Arena* arena, StringTable* words, StringTable* authors)
+      : arena_(arena), words_(words), authors_(authors) {}
+
+  RefgroveGraphData* parse(Tokenizer& t);
+
+ private:
+  // Strings gathered back to back and then interned together: the keys of
+  // all of them are made and their slots prefetched before the first is
+  // interned, so that the slot loads of a line's strings overlap instead of
+  // stalling one after the other.
+  class StringBatch {
+   public:
+    void clear();
+    void add(const std::string& s);             // a new string
+    void extend(char c, const std::string& s);  // appended to the last one
+    // Calls use_id(id) with the id of each string, in order.
+    template <class F>
+    void intern(StringTable* table, F&& use_id);
+
+   private:
+    std::string text_;
+    std::vector<std::size_t> ends_;
+    std::vector<StringTable::Key> keys_;
+  };
+
+  Arena* arena_;
+  StringTable* words_;
+  StringTable* authors_;
+  std::string key_;
+  std::vector<CitationInfo> citations_;
+  StringBatch title_words_, author_names_;
+  std::vector<WordId> title_;
+  std::vector<std::int32_t> author_ids_;
+};
 
 #endif  // REFGROVE_GRAPH_GRAPH_DUMP_H_

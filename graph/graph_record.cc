@@ -9,7 +9,7 @@ constexpr std::size_t kCitationBytes = 8;
 constexpr std::size_t kAuthorIdBytes = 4;
 
 template <class T>
-Span<T> copy_to_arena(Arena& arena, const std::vector<T>& items) {
+Span<T> copy_to_arena(Arena& arena, std::span<const T> items) {
   T* copy = arena.allocate_array<T>(items.size());
   std::copy(items.begin(), items.end(), copy);
   return Span<T>{copy, static_cast<std::int32_t>(items.size())};
@@ -40,11 +40,10 @@ bool bin_read_string(ByteReader& in, std::string_view* out) {
 }
 
 RefgroveGraphData* RefgroveGraphData::create(Arena& arena, std::int32_t did, std::string_view key, std::int32_t year,
-                                             const std::vector<CitationInfo>& citations,
-                                             const std::vector<WordId>& title,
-                                             const std::vector<std::int32_t>& authors) {
+                                             std::span<const CitationInfo> citations,
+                                             std::span<const WordId> title, std::span<const std::int32_t> authors) {
   const auto nb_authors = static_cast<std::int16_t>(authors.size());
-  const std::vector<std::int32_t> kept(authors.begin(), authors.begin() + std::max<int>(nb_authors, 0));
+  const std::span<const std::int32_t> kept = authors.first(static_cast<std::size_t>(std::max<int>(nb_authors, 0)));
   return arena.create<RefgroveGraphData>(RefgroveGraphData{did, copy_key(arena, key), year,
                                                            copy_to_arena(arena, citations),
                                                            copy_to_arena(arena, title),

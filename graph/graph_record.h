@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <ostream>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -54,8 +55,8 @@ struct RefgroveGraphData {
   // Builds a record in `arena`. The author count is cut to 16 bits as the
   // file stores it; the ids kept are the first max(count, 0) of `authors`.
   static RefgroveGraphData* create(Arena& arena, std::int32_t did, std::string_view key, std::int32_t year,
-                                   const std::vector<CitationInfo>& citations, const std::vector<WordId>& title,
-                                   const std::vector<std::int32_t>& authors);
+                                   std::span<const CitationInfo> citations, std::span<const WordId> title,
+                                   std::span<const std::int32_t> authors);
 
   // Reads one record into *out, its arrays into `arena`; false when the
   // bytes left do not hold a whole record (the reader has then failed).

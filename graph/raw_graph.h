@@ -11,8 +11,6 @@
 
 #include "graph/arena.h"
 #include "graph/graph_record.h"
-#include "words/background_job.h"
-#include "words/message_log.h"
 #include "words/string_table.h"
 
 // Every record of a graph dump, in dump order (never sorted: the graph file
@@ -36,13 +34,13 @@ class RawRefgroveGraph {
   // records.
   std::ostream& write(std::ostream& out) const;
 
-  // Replaces every title word id i by ids[i].
-  void renumberTitleWords(const std::vector<WordId>& ids);
-
   std::vector<RefgroveGraphData*> docs;
   StringTable author_table;
 
  private:
+  friend class ConcurrentGraphParse;  // joins graphs of parts of a dump
+  RawRefgroveGraph() = default;
+
   Arena arena_;  // holds the records
 };
 
@@ -52,34 +50,9 @@ class RawRefgroveGraph {
 // file uses. The output file is opened only once the whole dump has parsed.
 void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words);
 
-// The second half of preprocGraph: writes `graph` as out_dir + "graph_data".
-void writeGraph(const std::string& out_dir, const RawRefgroveGraph& graph);
-
-// The reading half of preprocGraph, run in a thread of its own while the
-// caller fills the word table: the word preprocessor reads the word dumps
-// and the graph dump at the same time on two processors.
-//
-// The parse interns title words in a table of its own and holds its
-// messages back. finish() then gives each title word the id that `words`
-// gives it, in the order in which the dump first holds them: exactly the
-// ids, and the new words in exactly the order, of a parse that had used
-// `words` itself. The messages come out only then, so that the output is
-// that of running the two passes one after the other.
-class ConcurrentGraphParse {
- public:
-  explicit ConcurrentGraphParse(const std::string& in_dir);
-
-  // Waits for the parse and writes its messages to standard output and
-  // error. Returns the graph with its title words interned in `words`, or
-  // throws what the parse threw (a ParserError for a malformed line).
-  std::unique_ptr<RawRefgroveGraph> finish(StringTable* words);
-
- private:
-  std::string in_dir_;
-  StringTable titles_;
-  MessageLog messages_;
-  std::unique_ptr<RawRefgroveGraph> graph_;
-  BackgroundJob parse_;  // last: it runs while the others live
-};
+// The two steps of preprocGraph after the reading: the message
+// "writing graph file <name>..." on standard error, and the file itself.
+void announceGraphFile(const std::string& out_dir);
+void writeGraphFile(const std::string& out_dir, const RawRefgroveGraph& graph);
 
 #endif  // REFGROVE_GRAPH_RAW_GRAPH_H_

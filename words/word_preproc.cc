@@ -1,21 +1,18 @@
 #include "words/word_preproc.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <iostream>
-#include <limits>
 #include <memory>
-#include <sstream>
-#include <string_view>
 #include <vector>
 
 #include "core/refgrove.h"
+#include "graph/concurrent_graph_parse.h"
 #include "graph/raw_graph.h"
-#include "words/background_job.h"
 #include "words/compacted_string_table.h"
-#include "words/message_log.h"
+#include "words/concurrent_word_file.h"
 #include "words/word_files.h"
 
 namespace {
@@ -49,79 +46,26 @@ bool is_foreign(const char* word, std::size_t n, std::size_t readable) {
 
 bool is_line_end(const std::string& token) { return token.size() == 1 && token[0] == '\n'; }
 
-// The 3 bytes of a word id at `at`.
-void put_word_id(char* at, int id) {
-  const WordId w = WordId::from_id(static_cast<std::uint32_t>(id));
-  at[0] = static_cast<char>(w.low & 0xFF);
-  at[1] = static_cast<char>(w.low >> 8);
-  at[2] = static_cast<char>(w.high);
-}
+// The 3 bytes of word id `id` at `at`.
+void put_word_id(char* at, int id) { store_word_id(at, WordId::from_id(static_cast<std::uint32_t>(id))); }
 
-// One word dump read in a thread of its own while the others are read, as
-// ConcurrentGraphParse does for the graph dump. Its words get ids of a table
-// of its own, and its two word files and its messages are held in memory;
-// finish() writes them where preprocFile would have written them, with the
-// ids that the caller's table gives those words in the order in which the
-// dump first holds them: exactly what preprocFile on the caller's table
-// writes.
-class ConcurrentWordFile {
- public:
-  ConcurrentWordFile(WordPreproc* preproc, const std::string& path)
-      : preproc_(preproc), path_(path), read_([this] {
-          preproc_->preprocFile(&words_, data_, idx_, path_.c_str(), messages_.out(), messages_.err());
-        }) {}
-
-  // Waits for the dump, then writes its messages and its documents; throws
-  // what preprocFile threw, after writing what it had written by then.
-  void finish(StringTable* table, std::ostream& data_out, std::ostream& idx_out);
-
- private:
-  WordPreproc* preproc_;
-  std::string path_;
-  StringTable words_;
-  std::ostringstream data_, idx_;
-  MessageLog messages_;
-  BackgroundJob read_;  // last: it runs while the others live
-};
-
-void ConcurrentWordFile::finish(StringTable* table, std::ostream& data_out, std::ostream& idx_out) {
-  const std::exception_ptr error = read_.wait();
-  // The held ids are 3 bytes and the held offsets 32 bits. Beyond that
-  // many distinct words or bytes they cannot be told apart, and the dump is
-  // read again on the caller's table.
-  if (words_.size() > (1 << 24) || data_.tellp() > std::numeric_limits<std::int32_t>::max()) {
-    preproc_->preprocFile(table, data_out, idx_out, path_.c_str());
-    return;
-  }
-  messages_.replay();
-  std::vector<int> ids;  // the caller's id of each of the dump's own ids
-  ids.reserve(words_.by_id.size());
-  for (const std::string& word : words_.by_id) ids.push_back(table->String2ID(word));
-  // Each document as preprocFile writes it: its header, with the put
-  // position of data_out, then its ids, which run up to the next header's.
-  const std::string_view idx = idx_.view();
-  const std::string_view data = data_.view();
-  std::int64_t position = data_out.tellp();
-  std::string words;
-  const auto header_at = [&idx](std::size_t at) {
-    return read_document_word_info(reinterpret_cast<const unsigned char*>(idx.data() + at));
-  };
-  for (std::size_t k = 0; k + kDocumentWordInfoBytes <= idx.size(); k += kDocumentWordInfoBytes) {
-    const DocumentWordInfo doc = header_at(k);
-    const std::size_t next = k + 2 * kDocumentWordInfoBytes <= idx.size()
-                                 ? static_cast<std::size_t>(header_at(k + kDocumentWordInfoBytes).offset)
-                                 : data.size();
-    const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
-    write_document_word_info(idx_out, DocumentWordInfo{doc.did, offset});
-    words.assign(data.substr(static_cast<std::size_t>(doc.offset), next - static_cast<std::size_t>(doc.offset)));
-    for (std::size_t i = 0; i + kWordIdBytes <= words.size(); i += kWordIdBytes) {
-      const WordId own = read_word_id(reinterpret_cast<const unsigned char*>(&words[i]));
-      put_word_id(&words[i], ids[own.id()]);
+// Gives the words of dumps read aside their ids in `table`, in dump order;
+// returns the dumps left to write, in order. Each dump's held ids are
+// rewritten while the next one's words get their ids. A dump that must be
+// read again is read here, once those before it are written.
+std::vector<ConcurrentWordFile*> number_read_aside(const std::vector<std::unique_ptr<ConcurrentWordFile>>& dumps,
+                                                   StringTable* table, std::ostream& data_out, std::ostream& idx_out) {
+  std::vector<ConcurrentWordFile*> numbered;
+  for (const std::unique_ptr<ConcurrentWordFile>& dump : dumps) {
+    if (dump->number(table)) {
+      numbered.push_back(dump.get());
+      continue;
     }
-    data_out.write(words.data(), static_cast<std::streamsize>(words.size()));
-    position += static_cast<std::int64_t>(words.size());
+    for (ConcurrentWordFile* before : numbered) before->write(data_out, idx_out);
+    numbered.clear();
+    dump->read_again(table, data_out, idx_out);
   }
-  if (error) std::rethrow_exception(error);
+  return numbered;
 }
 
 }  // namespace
@@ -150,22 +94,29 @@ WordPreproc::WordTokenizer::~WordTokenizer() = default;
 WordPreproc::WordPreproc() : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)) {}
 
 void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
-  // The graph dump and the last word dump are read meanwhile, each in a
-  // thread of its own; see ConcurrentGraphParse and ConcurrentWordFile.
-  ConcurrentGraphParse graph_parse(in_dir);
-  std::unique_ptr<ConcurrentWordFile> last_file;
-  std::size_t read_here = files.size();
-  if (read_here > 1) {
-    --read_here;
-    last_file = std::make_unique<ConcurrentWordFile>(this, in_dir + files.back());
-  }
+  // The graph dump and every word dump but the first are read meanwhile,
+  // each in threads of its own; see ConcurrentGraphParse and
+  // ConcurrentWordFile. The table outlives them: the graph pass interns
+  // title words in it until it finishes.
   StringTable table;
+  ConcurrentGraphParse graph_parse(in_dir);
+  std::vector<std::unique_ptr<ConcurrentWordFile>> read_aside;
+  for (std::size_t i = 1; i < files.size(); ++i) {
+    read_aside.push_back(std::make_unique<ConcurrentWordFile>(this, in_dir + files[i]));
+  }
   std::ofstream data_out(out_dir + kWordDataFile, std::ios::out | std::ios::trunc | std::ios::binary);
   std::ofstream idx_out(out_dir + kWordIdxFile, std::ios::out | std::ios::trunc | std::ios::binary);
   std::cout << "Preproc word data ... \n";
   std::cout << "1. Reading words ... \n";
-  for (std::size_t i = 0; i < read_here; ++i) preprocFile(&table, data_out, idx_out, (in_dir + files[i]).c_str());
-  if (last_file) last_file->finish(&table, data_out, idx_out);
+  if (!files.empty()) preprocFile(&table, data_out, idx_out, (in_dir + files[0]).c_str());
+  const std::vector<ConcurrentWordFile*> to_write = number_read_aside(read_aside, &table, data_out, idx_out);
+  // The title words get their ids after all words of the abstracts. Once
+  // every word dump has parsed, nothing can keep the graph file from being
+  // written: it is written while the abstracts are.
+  if (std::all_of(to_write.begin(), to_write.end(), [](const ConcurrentWordFile* dump) { return dump->parsed(); })) {
+    graph_parse.write_file(&table, out_dir);
+  }
+  for (ConcurrentWordFile* dump : to_write) dump->write(data_out, idx_out);
 
   std::cout << "2. Finalizing word-idx\n";
   const std::streamoff end = data_out.tellp();
@@ -173,10 +124,9 @@ void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir)
   idx_out.close();
   data_out.close();
 
-  // The graph pass interns the title words in the same table, after the
-  // abstracts' words; the table is written only once both are in.
+  // The table is written only once the title words are in.
   std::cout << "3. Preproc author\n";
-  writeGraph(out_dir, *graph_parse.finish(&table));
+  graph_parse.finish(&table, out_dir);
 
   std::cout << "4. Writing word-table\n";
   std::ofstream table_out(out_dir + kWordTableFile, std::ios::out | std::ios::trunc | std::ios::binary);

@@ -157,8 +157,8 @@ TEST(WordPreprocTest, DocumentLines) {
       {"-4 k\n", {}, "no did at line 1\n4k\n ------------------------- \n"},
       {"", {}, ""},
   };
-  // The last dump is read in a thread of its own and merged afterwards;
-  // either place must give the same.
+  // Every dump but the first is read in a thread of its own and merged
+  // afterwards; either place must give the same.
   for (const Case& c : cases) {
     for (const bool last : {false, true}) {
       Preprocessing p(last ? "" : c.dump, "", last ? c.dump : "", "");
@@ -193,8 +193,8 @@ TEST(WordPreprocTest, DocumentLines) {
   }
 }
 
-TEST(WordPreprocTest, TheLastDumpGetsTheIdsOfOneRunAfterTheOther) {
-  // Words of the last dump already met, new ones in an order unlike their
+TEST(WordPreprocTest, DumpsReadAsideGetTheIdsOfOneRunAfterTheOther) {
+  // Words of later dumps already met, new ones in an order unlike their
   // ids' order, a reported line, then the same files made one dump after
   // the other on one table.
   Preprocessing p("1 k common alpha\n", "2 k beta common\n",
@@ -229,6 +229,8 @@ TEST(WordPreprocTest, ParseErrorsEndTheProcessWithStatus3) {
     const char* graph;
     int status;
     const char* err;  // all of standard error
+    const char* word2 = "";
+    const char* word3 = "";
   };
   const Case cases[] = {
       // The last line of a word dump lacks its line end.
@@ -239,13 +241,18 @@ TEST(WordPreprocTest, ParseErrorsEndTheProcessWithStatus3) {
        "expected integer, not 'Title:' at 1:31"},
       {"1 k a\n", "1 - - GIDs: DIDs: Title: t Authors: A", 3, "unexpected end of file at 1:36"},
       {"1 k a\n", "1 - - GIDs: DIDs: Title: t Authors: A\n", 0, "\nwriting graph file OUT/graph_data...\n"},
+      // The second dump ends early: what the first reported comes out, the
+      // third is never read, whatever it holds.
+      {"x k a\n", "", 3, "no did at line 1\nka\n ------------------------- \nunexpected end of file at 1:4", "1 k b",
+       "y k c\n"},
   };
   for (const Case& c : cases) {
-    Preprocessing p(c.word1, "", "", c.graph);
+    Preprocessing p(c.word1, c.word2, c.word3, c.graph);
     const std::string in = p.in.path(), out = p.out.path();
     ChildResult r = run_in_child([&] { refgrove_preproc_1(in.c_str(), out.c_str()); });
     ReplaceAll(&r.err, out, "OUT/");
-    const std::string dumps = Visible(c.word1) + " / " + Visible(c.graph);
+    const std::string dumps =
+        Visible(c.word1) + " / " + Visible(c.word2) + " / " + Visible(c.word3) + " / " + Visible(c.graph);
     EXPECT_EQ(r.status, c.status) << "dumps: " << dumps;
     EXPECT_EQ(Visible(r.err), Visible(c.err)) << "dumps: " << dumps;
     // The word table is written last; the graph file only after its dump

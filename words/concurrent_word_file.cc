@@ -1,0 +1,65 @@
+#include "words/concurrent_word_file.h"
+
+#include <cstdint>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "words/word_files.h"
+
+ConcurrentWordFile::ConcurrentWordFile(WordPreproc* preproc, std::string path)
+    : preproc_(preproc), path_(std::move(path)), read_([this] {
+        preproc_->preprocFile(&words_, data_out_, idx_out_, path_.c_str(), messages_.out(), messages_.err());
+      }) {}
+
+bool ConcurrentWordFile::number(StringTable* table) {
+  read_error_ = read_.wait();
+  data_ = std::move(data_out_).str();
+  // The held ids are 3 bytes and the held offsets 32 bits. Beyond that
+  // many distinct words or bytes they cannot be told apart.
+  if (words_.size() > (1 << 24) || data_.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+    return false;
+  }
+  std::vector<WordId> ids;  // the caller's id of each of the dump's own ids
+  ids.reserve(words_.by_id.size());
+  for (const std::string& word : words_.by_id) {
+    ids.push_back(WordId::from_id(static_cast<std::uint32_t>(table->String2ID(word))));
+  }
+  renumber_ = std::make_unique<BackgroundJob>([this, ids = std::move(ids)] { renumber(ids); });
+  return true;
+}
+
+void ConcurrentWordFile::renumber(const std::vector<WordId>& ids) {
+  for (std::size_t i = 0; i + kWordIdBytes <= data_.size(); i += kWordIdBytes) {
+    const WordId own = read_word_id(reinterpret_cast<const unsigned char*>(&data_[i]));
+    store_word_id(&data_[i], ids[own.id()]);
+  }
+}
+
+void ConcurrentWordFile::write(std::ostream& data_out, std::ostream& idx_out) {
+  if (const std::exception_ptr error = renumber_->wait()) std::rethrow_exception(error);
+  messages_.replay();
+  // Each document as preprocFile writes it: its header, with the put
+  // position of data_out, then its ids, which run up to the next header's.
+  const std::string_view idx = idx_out_.view();
+  const auto header_at = [&idx](std::size_t at) {
+    return read_document_word_info(reinterpret_cast<const unsigned char*>(idx.data() + at));
+  };
+  std::int64_t position = data_out.tellp();
+  for (std::size_t k = 0; k + kDocumentWordInfoBytes <= idx.size(); k += kDocumentWordInfoBytes) {
+    const DocumentWordInfo doc = header_at(k);
+    const std::size_t begin = static_cast<std::size_t>(doc.offset);
+    const std::size_t end = k + 2 * kDocumentWordInfoBytes <= idx.size()
+                                ? static_cast<std::size_t>(header_at(k + kDocumentWordInfoBytes).offset)
+                                : data_.size();
+    const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
+    write_document_word_info(idx_out, DocumentWordInfo{doc.did, offset});
+    data_out.write(data_.data() + begin, static_cast<std::streamsize>(end - begin));
+    position += static_cast<std::int64_t>(end - begin);
+  }
+  if (read_error_) std::rethrow_exception(read_error_);
+}
+
+void ConcurrentWordFile::read_again(StringTable* table, std::ostream& data_out, std::ostream& idx_out) {
+  preproc_->preprocFile(table, data_out, idx_out, path_.c_str());
+}
