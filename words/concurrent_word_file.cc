@@ -1,14 +1,45 @@
 #include "words/concurrent_word_file.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <exception>
+#include <filesystem>
 #include <limits>
 #include <string_view>
 #include <utility>
 
 #include "words/word_files.h"
 
+namespace {
+
+// A string stream over a buffer of `bytes` allocated up front, or of none
+// where that much cannot be had. Growing a buffer copies what it holds and
+// for a while takes up both sizes; reserving room for more than will be
+// written costs nothing, as pages never written to are never allocated.
+std::ostringstream stream_with_room_for(std::uintmax_t bytes) {
+  std::string buffer;
+  try {
+    buffer.reserve(static_cast<std::size_t>(std::min<std::uintmax_t>(bytes, buffer.max_size())));
+  } catch (const std::exception&) {
+  }
+  return std::ostringstream(std::move(buffer), std::ios::out | std::ios::binary);
+}
+
+// Room for the word ids of the dump at `path`: as many bytes as the dump
+// has. A word takes 3 bytes there and, with its blank, about 6 in the dump.
+std::uintmax_t held_bytes_for(const std::string& path) {
+  std::error_code error;
+  const std::uintmax_t size = std::filesystem::file_size(path, error);
+  return error ? 0 : size;
+}
+
+}  // namespace
+
 ConcurrentWordFile::ConcurrentWordFile(WordPreproc* preproc, std::string path)
-    : preproc_(preproc), path_(std::move(path)), read_([this] {
+    : preproc_(preproc),
+      path_(std::move(path)),
+      data_out_(stream_with_room_for(held_bytes_for(path_))),
+      read_([this] {
         preproc_->preprocFile(&words_, data_out_, idx_out_, path_.c_str(), messages_.out(), messages_.err());
       }) {}
 
