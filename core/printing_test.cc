@@ -9,9 +9,8 @@ namespace {
 
 using PrintingTest = LoadedDataTest;
 
-TEST_F(PrintingTest, DocumentsOfTheSample) {
-  sample_documents().write(dir_.path());
-  load_quietly(dir_.path());
+TEST_F(PrintingTest, DocumentsAndAuthorsOfTheSample) {
+  load(sample_documents());
   const struct {
     int did;
     const char* out;
@@ -34,30 +33,19 @@ TEST_F(PrintingTest, DocumentsOfTheSample) {
     EXPECT_EQ(capture.out(), c.out) << "did " << c.did;
     EXPECT_EQ(capture.err(), c.err) << "did " << c.did;
   }
+  // An author prints without a line end; an unknown one prints nothing.
+  StreamCapture capture;
+  for (const int id : {1, 99, -1, 0}) refgrove_print_author_1(id);
+  EXPECT_EQ(capture.out(), "A. B. JonesJ. Smith");
+  EXPECT_EQ(capture.err(), "");
 }
 
 TEST_F(PrintingTest, EmptyTitleAndEmptyRun) {
-  TestDocument d;
-  d.did = 1;
-  d.authors = {"Solo"};
-  DataDirBuilder().add(d).write(dir_.path());
-  load_quietly(dir_.path());
+  load(DataDirBuilder().add({1, "", -1, {}, {}, {"Solo"}, {}, true, true}));
   StreamCapture capture;
   refgrove_printdoc_1(1);
   EXPECT_EQ(capture.out(), "Document 0 - DID=1 - # words=0\n# Authors = 1\nSolo\ntitle: abstract:\n\n");
   EXPECT_EQ(capture.err(), "\n");
-}
-
-TEST_F(PrintingTest, AuthorsPrintWithoutLineEnd) {
-  sample_documents().write(dir_.path());
-  load_quietly(dir_.path());
-  StreamCapture capture;
-  refgrove_print_author_1(1);
-  refgrove_print_author_1(99);
-  refgrove_print_author_1(-1);
-  refgrove_print_author_1(0);
-  EXPECT_EQ(capture.out(), "A. B. JonesJ. Smith");
-  EXPECT_EQ(capture.err(), "");
 }
 
 }  // namespace

@@ -12,50 +12,53 @@ namespace {
 constexpr int kUntouched = 77;
 constexpr int kFar = 1000000;
 
-class QueryTest : public ::testing::Test {
+class QueryTest : public LoadedDataTest {
  protected:
-  void SetUp() override {
-    sample_documents().write(dir_.path());
-    load_quietly(dir_.path());
-  }
-  void TearDown() override {
-    delete refgrove_data;
-    refgrove_data = nullptr;
-  }
-  TempDir dir_;
+  void SetUp() override { load(sample_documents()); }
 };
 
-// Word ids of the sample, as interned: the abstracts first (we study graph
-// walks only words more), then the title words (Graph Untitled). Offsets in
-// word-idx are bytes (0, 12, 18, sentinel 24) over 8 mapped word ids.
-TEST_F(QueryTest, IntegerResults) {
-  using Op = std::function<int(int, int*)>;
-  const Op year = refgrove_get_year_1, cites = refgrove_cite_count_1, title = refgrove_title_length_1,
-           authors = refgrove_author_count_1, words = refgrove_word_count_1;
+// Per DID: its entry in the DID index (positions of the graph record and of
+// the word-data header, -1 where a half has none) and the integer results.
+// Without a graph record the graph results are 0; without word data the word
+// count is left untouched. Word counts are byte distances in word-idx (0, 12,
+// 18, sentinel 24) read as counts of word ids.
+TEST_F(QueryTest, DidIndexAndIntegerResults) {
   const struct {
-    const char* op_name;
-    Op op;
-    int did, found, out;
+    int did, graph, words, year, cites, title, authors, word_count;
   } cases[] = {
-      {"year", year, 2, 1, 1994},          {"year", year, 4, 1, -1},
-      {"year", year, 6, 0, 0},             {"year", year, 3, 0, 0},
-      {"year", year, -1, 0, 0},            {"year", year, kFar, 0, 0},
-      {"cite_count", cites, 2, 1, 2},      {"cite_count", cites, 4, 1, 0},
-      {"cite_count", cites, 6, 0, 0},      {"title_length", title, 2, 1, 2},
-      {"title_length", title, 9, 1, 1},    {"title_length", title, 6, 0, 0},
-      {"author_count", authors, 2, 1, 3},  {"author_count", authors, 4, 1, 0},
-      {"author_count", authors, 6, 0, 0},  {"word_count", words, 2, 1, 12},
-      {"word_count", words, 6, 1, 6},      {"word_count", words, 9, 1, 6},
-      {"word_count", words, 4, 0, kUntouched}, {"word_count", words, kFar, 0, kUntouched},
-      {"word_count", words, -5, 0, kUntouched},
+      {2, 0, 0, 1994, 2, 2, 3, 12},         {4, 1, -1, -1, 0, 1, 0, kUntouched},
+      {6, -1, 1, 0, 0, 0, 0, 6},            {9, 2, 2, 2001, 0, 1, 1, 6},
+      {0, -1, -1, 0, 0, 0, 0, kUntouched},  {3, -1, -1, 0, 0, 0, 0, kUntouched},
+      {-1, -1, -1, 0, 0, 0, 0, kUntouched}, {kFar, -1, -1, 0, 0, 0, 0, kUntouched},
+      {10, -1, -1, 0, 0, 0, 0, kUntouched},  // one past the largest DID
   };
   for (const auto& c : cases) {
-    int out = kUntouched;
-    EXPECT_EQ(c.op(c.did, &out), c.found) << c.op_name << "(" << c.did << ")";
-    EXPECT_EQ(out, c.out) << c.op_name << "(" << c.did << ")";
+    const WordGraphDataIds* e = refgrove_data->entry(c.did);
+    EXPECT_EQ(e ? e->graph_index : -1, c.graph) << "did " << c.did;
+    EXPECT_EQ(e ? e->word_index : -1, c.words) << "did " << c.did;
+    int year = kUntouched, cites = kUntouched, title = kUntouched, authors = kUntouched, words = kUntouched;
+    const int in_graph = c.graph >= 0, in_words = c.words >= 0;
+    EXPECT_EQ((std::vector<int>{refgrove_has_graph_info_1(c.did), refgrove_get_year_1(c.did, &year),
+                                refgrove_cite_count_1(c.did, &cites), refgrove_title_length_1(c.did, &title),
+                                refgrove_author_count_1(c.did, &authors), refgrove_has_word_info_1(c.did),
+                                refgrove_word_count_1(c.did, &words)}),
+              (std::vector<int>{in_graph, in_graph, in_graph, in_graph, in_graph, in_words, in_words}))
+        << "found, did " << c.did;
+    EXPECT_EQ((std::vector<int>{year, cites, title, authors, words}),
+              (std::vector<int>{c.year, c.cites, c.title, c.authors, c.word_count}))
+        << "year, citations, title, authors, words of did " << c.did;
   }
+  int last = 0, docs = 0, words = 0, authors = 0;
+  refgrove_last_did_1(&last);
+  refgrove_stats_1(&docs, &words, &authors);
+  // Four headers: three documents and the file's end sentinel.
+  EXPECT_EQ((std::vector<int>{last, docs, words, authors, refgrove_get_nb_authors_1()}),
+            (std::vector<int>{10, 4, 9, 3, 3}));
 }
 
+// Word ids of the sample, as interned: the abstracts first (we study graph
+// walks only words more), then the title words (Graph Untitled); 8 of them
+// are in the mapped word-data.
 TEST_F(QueryTest, TextResults) {
   using Op = std::function<int(int, int, const char**)>;
   const Op title = refgrove_get_title_word_1, author = refgrove_get_author_1, word = refgrove_get_word_1;
@@ -67,20 +70,16 @@ TEST_F(QueryTest, TextResults) {
     int did, i;
     const char* text;  // null: absent
   } cases[] = {
-      {"key", key, 2, 0, "smith94"},      {"key", key, 4, 0, ""},
-      {"key", key, 6, 0, nullptr},        {"key", key, kFar, 0, nullptr},
-      {"title", title, 2, 0, "Graph"},    {"title", title, 2, 1, "walks"},
-      {"title", title, 9, 0, "walks"},    {"title", title, 2, 2, nullptr},
-      {"title", title, 2, -1, nullptr},   {"title", title, 6, 0, nullptr},
-      {"author", author, 2, 1, "A. B. Jones"}, {"author", author, 9, 0, "C. Doe"},
-      {"author", author, 2, 3, nullptr},  {"author", author, 4, 0, nullptr},
-      {"word", word, 2, 0, "we"},         {"word", word, 2, 7, "walks"},
-      {"word", word, 2, 8, nullptr},      // inside the run, past the mapped file
-      {"word", word, 2, 12, nullptr},     // past the run
-      {"word", word, 6, 0, nullptr},      // position 12: past the mapped file
-      {"word", word, 4, 0, nullptr},      {"word", word, -1, 0, nullptr},
-      {"id2author", id2author, 0, 0, "J. Smith"}, {"id2author", id2author, 3, 0, nullptr},
-      {"id2author", id2author, -1, 0, nullptr},
+      {"key", key, 2, 0, "smith94"}, {"key", key, 4, 0, ""}, {"key", key, 6, 0, nullptr},
+      {"key", key, kFar, 0, nullptr}, {"title", title, 2, 0, "Graph"}, {"title", title, 2, 1, "walks"},
+      {"title", title, 9, 0, "walks"}, {"title", title, 2, 2, nullptr}, {"title", title, 2, -1, nullptr},
+      {"title", title, 6, 0, nullptr}, {"author", author, 2, 1, "A. B. Jones"}, {"author", author, 9, 0, "C. Doe"},
+      {"author", author, 2, 3, nullptr}, {"author", author, 4, 0, nullptr}, {"id2author", id2author, 0, 0, "J. Smith"},
+      {"id2author", id2author, 3, 0, nullptr}, {"id2author", id2author, -1, 0, nullptr}, {"word", word, 2, 0, "we"},
+      {"word", word, 2, 7, "walks"}, {"word", word, 4, 0, nullptr}, {"word", word, -1, 0, nullptr},
+      {"word", word, 2, 8, nullptr},   // inside the run, past the mapped file
+      {"word", word, 2, 12, nullptr},  // past the run
+      {"word", word, 6, 0, nullptr},   // position 12: past the mapped file
   };
   for (const auto& c : cases) {
     const char* untouched = "untouched";
@@ -91,26 +90,21 @@ TEST_F(QueryTest, TextResults) {
   }
 }
 
-TEST_F(QueryTest, CitationsComeOutDidFirst) {
+// Item i of a document as a citation (cited DID first, then its group id)
+// and as an author id; absent citations give 0, absent author ids leave the
+// output untouched.
+TEST_F(QueryTest, CitationsAndAuthorIds) {
   const struct {
-    int did, i, found, cited, gid;
-  } cases[] = {{2, 0, 1, 4, 11}, {2, 1, 1, 9, 12}, {2, 2, 0, 0, 0}, {2, -1, 0, 0, 0}, {6, 0, 0, 0, 0}};
+    int did, i, cite_found, cited, gid, author_found, author_id;
+  } cases[] = {{2, 0, 1, 4, 11, 1, 0},         {2, 1, 1, 9, 12, 1, 1},          {2, 2, 0, 0, 0, 1, 2},
+               {2, 3, 0, 0, 0, 0, kUntouched}, {2, -1, 0, 0, 0, 0, kUntouched}, {6, 0, 0, 0, 0, 0, kUntouched}};
   for (const auto& c : cases) {
-    int cited = kUntouched, gid = kUntouched;
-    EXPECT_EQ(refgrove_get_cite_1(c.did, c.i, &cited, &gid), c.found) << c.did << ", " << c.i;
-    EXPECT_EQ(cited, c.cited) << c.did << ", " << c.i;
-    EXPECT_EQ(gid, c.gid) << c.did << ", " << c.i;
+    int cited = kUntouched, gid = kUntouched, id = kUntouched;
+    EXPECT_EQ(refgrove_get_cite_1(c.did, c.i, &cited, &gid), c.cite_found) << c.did << ", " << c.i;
+    EXPECT_EQ(refgrove_get_author_id_1(c.did, c.i, &id), c.author_found) << c.did << ", " << c.i;
+    EXPECT_EQ((std::vector<int>{cited, gid, id}), (std::vector<int>{c.cited, c.gid, c.author_id}))
+        << c.did << ", " << c.i;
   }
-}
-
-TEST_F(QueryTest, AuthorIdsAndPresence) {
-  int id = kUntouched;
-  EXPECT_EQ(refgrove_get_author_id_1(2, 2, &id), 1);
-  EXPECT_EQ(id, 2);
-  id = kUntouched;
-  EXPECT_EQ(refgrove_get_author_id_1(2, 3, &id), 0);
-  EXPECT_EQ(refgrove_get_author_id_1(6, 0, &id), 0);
-  EXPECT_EQ(id, kUntouched);
 
   std::vector<int> ids(4, kUntouched);
   refgrove_get_authors_1(2, ids.data());
@@ -120,41 +114,17 @@ TEST_F(QueryTest, AuthorIdsAndPresence) {
   refgrove_get_authors_1(6, ids.data());  // no graph record
   refgrove_get_authors_1(kFar, ids.data());
   EXPECT_EQ(ids, std::vector<int>(4, kUntouched));
-
-  const struct {
-    int did, graph, words;
-  } presence[] = {{2, 1, 1}, {4, 1, 0}, {6, 0, 1}, {3, 0, 0}, {-1, 0, 0}, {kFar, 0, 0}};
-  for (const auto& p : presence) {
-    EXPECT_EQ(refgrove_has_graph_info_1(p.did), p.graph) << p.did;
-    EXPECT_EQ(refgrove_has_word_info_1(p.did), p.words) << p.did;
-  }
-}
-
-TEST_F(QueryTest, WholeDataSet) {
-  int last = 0, docs = 0, words = 0, authors = 0;
-  refgrove_last_did_1(&last);
-  EXPECT_EQ(last, 10);
-  refgrove_stats_1(&docs, &words, &authors);
-  EXPECT_EQ(docs, 4);  // three documents and the file's end sentinel
-  EXPECT_EQ(words, 9);
-  EXPECT_EQ(authors, 3);
-  EXPECT_EQ(refgrove_get_nb_authors_1(), 3);
-  EXPECT_EQ(refgrove_author_distance_1(1, 2), 0.0);
-  EXPECT_EQ(refgrove_author_distance_1(5, 5), 0.0);
 }
 
 TEST(QueryWithoutData, EverythingIsAbsent) {
   ASSERT_EQ(refgrove_data, nullptr);
-  int docs = kUntouched, words = kUntouched, authors = kUntouched, n = kUntouched;
+  int docs = kUntouched, words = kUntouched, authors = kUntouched, last = kUntouched, year = kUntouched;
   refgrove_stats_1(&docs, &words, &authors);
-  EXPECT_EQ(docs + words + authors, 0);
-  refgrove_last_did_1(&n);
-  EXPECT_EQ(n, 0);
-  EXPECT_EQ(refgrove_get_nb_authors_1(), 0);
-  EXPECT_EQ(refgrove_get_year_1(0, &n), 0);
+  refgrove_last_did_1(&last);
   const char* text = nullptr;
-  EXPECT_EQ(refgrove_id2author_1(0, &text), 0);
-  EXPECT_EQ(refgrove_get_word_1(0, 0, &text), 0);
+  EXPECT_EQ((std::vector<int>{docs, words, authors, last, refgrove_get_nb_authors_1(), refgrove_get_year_1(0, &year),
+                              refgrove_id2author_1(0, &text), refgrove_get_word_1(0, 0, &text)}),
+            std::vector<int>(8, 0));
   StreamCapture capture;
   refgrove_printdoc_1(0);
   refgrove_print_author_1(0);

@@ -8,59 +8,36 @@
 #include "core/refgrove.h"
 #include "testing/data_dir_builder.h"
 
+// Documents below list every field of TestDocument in order: did, key, year,
+// citations, title, authors, words, in_graph, in_words.
+//
 // DID 2: graph and words, first in word-data (its run is read as written).
 // DID 4: graph only.  DID 6: words only.  DID 9: graph and words, second in
 // word-data (its offset is a byte position read as a count).  DIDs 0, 1, 3,
 // 5, 7, 8 are in neither half.
 inline DataDirBuilder sample_documents() {
   DataDirBuilder b;
-  TestDocument d2;
-  d2.did = 2;
-  d2.key = "smith94";
-  d2.year = 1994;
-  d2.citations = {{11, 4}, {12, 9}};
-  d2.title = {"Graph", "walks"};
-  d2.authors = {"J. Smith", "A. B. Jones", "C. Doe"};
-  d2.words = {"we", "study", "graph", "walks"};
-  TestDocument d4;
-  d4.did = 4;
-  d4.key = "";
-  d4.year = -1;
-  d4.title = {"Untitled"};
-  d4.in_words = false;
-  TestDocument d6;
-  d6.did = 6;
-  d6.words = {"only", "words"};
-  d6.in_graph = false;
-  TestDocument d9;
-  d9.did = 9;
-  d9.key = "doe01";
-  d9.year = 2001;
-  d9.title = {"walks"};
-  d9.authors = {"C. Doe"};
-  d9.words = {"more", "walks"};
-  b.add(d2).add(d4).add(d6).add(d9);
+  b.add({2, "smith94", 1994, {{11, 4}, {12, 9}}, {"Graph", "walks"}, {"J. Smith", "A. B. Jones", "C. Doe"},
+         {"we", "study", "graph", "walks"}, true, true});
+  b.add({4, "", -1, {}, {"Untitled"}, {}, {}, true, false});
+  b.add({6, "", -1, {}, {}, {}, {"only", "words"}, false, true});
+  b.add({9, "doe01", 2001, {}, {"walks"}, {"C. Doe"}, {"more", "walks"}, true, true});
   return b;
 }
 
 // Two small documents: DID 3 (key "a", 1999, one citation, title "t u",
 // authors A and B, words "one two") and DID 5 (title "v", word "three").
 inline DataDirBuilder two_documents() {
-  TestDocument a;
-  a.did = 3;
-  a.key = "a";
-  a.year = 1999;
-  a.citations = {CitationInfo{1, 5}};
-  a.title = {"t", "u"};
-  a.authors = {"A", "B"};
-  a.words = {"one", "two"};
-  TestDocument b;
-  b.did = 5;
-  b.title = {"v"};
-  b.words = {"three"};
-  DataDirBuilder builder;
-  builder.add(a).add(b);
-  return builder;
+  DataDirBuilder b;
+  b.add({3, "a", 1999, {CitationInfo{1, 5}}, {"t", "u"}, {"A", "B"}, {"one", "two"}, true, true});
+  b.add({5, "", -1, {}, {"v"}, {}, {"three"}, true, true});
+  return b;
+}
+
+// Loads `dir` quietly.
+inline void load_quietly(const std::string& dir) {
+  StreamCapture capture;
+  refgrove_load_1(dir.c_str());
 }
 
 // Tests that load data: whatever a test loads is released after it.
@@ -70,13 +47,12 @@ class LoadedDataTest : public ::testing::Test {
     delete refgrove_data;
     refgrove_data = nullptr;
   }
+  // Writes `docs` into dir_ and loads it quietly.
+  void load(const DataDirBuilder& docs) {
+    docs.write(dir_.path());
+    load_quietly(dir_.path());
+  }
   TempDir dir_;
 };
-
-// Loads `dir` quietly.
-inline void load_quietly(const std::string& dir) {
-  StreamCapture capture;
-  refgrove_load_1(dir.c_str());
-}
 
 #endif  // REFGROVE_CORE_TEST_DOCUMENTS_H_

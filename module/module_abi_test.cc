@@ -6,54 +6,53 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "core/test_documents.h"
 
 namespace {
 
-std::vector<std::string> exported_symbols() {
-  std::vector<std::string> names;
-  FILE* nm = popen("nm -D --defined-only " REFGROVE_MODULE_PATH, "r");
-  char line[512];
-  while (nm != nullptr && fgets(line, sizeof line, nm) != nullptr) {
-    std::string s(line);
-    s = s.substr(s.find_last_of(' ') + 1);
-    s.pop_back();  // the line end
-    names.push_back(s);
-  }
-  if (nm != nullptr) pclose(nm);
-  return names;
-}
-
-bool is_interface_symbol(const std::string& name) {
-  return name.rfind("refgrove_", 0) == 0 || name.rfind("lumox_", 0) == 0 || name == "init_refgrove";
-}
-
-TEST(Module, ExportsOnlyItsCInterface) {
-  const std::vector<std::string> names = exported_symbols();
-  ASSERT_FALSE(names.empty());
-  for (const std::string& name : names) EXPECT_TRUE(is_interface_symbol(name)) << name;
-}
-
-class ModuleCalls : public ::testing::Test {
+class ModuleTest : public ::testing::Test {
  protected:
+  // Never closed: like a host engine, the test keeps the module (and the
+  // data set it holds) until the process ends.
   void SetUp() override {
-    // Never closed: like a host engine, the test keeps the module (and the
-    // data set it holds) until the process ends.
     handle_ = dlopen(REFGROVE_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(handle_, nullptr) << dlerror();
   }
   template <class F>
-  F* fn(const char* name) {
-    void* sym = dlsym(handle_, name);
+  F* fn(const std::string& name) {
+    void* sym = dlsym(handle_, name.c_str());
     EXPECT_NE(sym, nullptr) << name;
     return reinterpret_cast<F*>(sym);
   }
   void* handle_ = nullptr;
 };
 
-TEST_F(ModuleCalls, EveryPlainOperationAnswers) {
+TEST_F(ModuleTest, ExportsItsCInterfaceAndNothingElse) {
+  FILE* nm = popen("nm -D --defined-only " REFGROVE_MODULE_PATH, "r");
+  ASSERT_NE(nm, nullptr);
+  int exported = 0;
+  char line[512];
+  for (; fgets(line, sizeof line, nm) != nullptr; ++exported) {
+    std::string name(line);
+    name = name.substr(name.find_last_of(' ') + 1);
+    name.pop_back();  // the line end
+    EXPECT_TRUE(name.rfind("refgrove_", 0) == 0 || name.rfind("lumox_", 0) == 0 || name == "init_refgrove") << name;
+  }
+  pclose(nm);
+  EXPECT_GT(exported, 0);
+  fn<void>("refgrove_data");
+  for (const char* op : {"load", "preproc", "last_did", "has_graph_info", "has_word_info", "get_key", "get_year",
+                         "cite_count", "get_cite", "title_length", "get_title_word", "author_count", "get_author_id",
+                         "get_author", "get_authors", "word_count", "get_word", "id2author", "get_nb_authors",
+                         "stats", "author_distance", "printdoc", "print_author"}) {
+    fn<void>("refgrove_" + std::string(op) + "_1");
+  }
+}
+
+// One call through each C signature of the interface, answered from the
+// data set the module loaded (the values themselves are the core's tests).
+TEST_F(ModuleTest, EachCallShapeAnswers) {
   TempDir dir;
   sample_documents().write(dir.path());
   {
@@ -66,31 +65,17 @@ TEST_F(ModuleCalls, EveryPlainOperationAnswers) {
   fn<void(int*)>("refgrove_last_did_1")(&n);
   EXPECT_EQ(n, 10);
   EXPECT_EQ(fn<int(int)>("refgrove_has_graph_info_1")(4), 1);
-  EXPECT_EQ(fn<int(int)>("refgrove_has_word_info_1")(4), 0);
   EXPECT_EQ(fn<int(int, const char**)>("refgrove_get_key_1")(2, &text), 1);
   EXPECT_STREQ(text, "smith94");
   EXPECT_EQ(fn<int(int, int*)>("refgrove_get_year_1")(2, &n), 1);
   EXPECT_EQ(n, 1994);
-  EXPECT_EQ(fn<int(int, int*)>("refgrove_cite_count_1")(2, &n), 1);
-  EXPECT_EQ(n, 2);
   EXPECT_EQ(fn<int(int, int, int*, int*)>("refgrove_get_cite_1")(2, 1, &a, &b), 1);
   EXPECT_EQ(a * 100 + b, 912);
-  EXPECT_EQ(fn<int(int, int*)>("refgrove_title_length_1")(2, &n), 1);
-  EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_title_word_1")(2, 0, &text), 1);
-  EXPECT_STREQ(text, "Graph");
-  EXPECT_EQ(fn<int(int, int*)>("refgrove_author_count_1")(2, &n), 1);
-  EXPECT_EQ(n, 3);
-  EXPECT_EQ(fn<int(int, int, int*)>("refgrove_get_author_id_1")(2, 1, &n), 1);
   EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_author_1")(2, 1, &text), 1);
   EXPECT_STREQ(text, "A. B. Jones");
   int ids[3] = {};
   fn<void(int, int*)>("refgrove_get_authors_1")(2, ids);
   EXPECT_EQ(ids[2], 2);
-  EXPECT_EQ(fn<int(int, int*)>("refgrove_word_count_1")(2, &n), 1);
-  EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_word_1")(2, 1, &text), 1);
-  EXPECT_STREQ(text, "study");
-  EXPECT_EQ(fn<int(int, const char**)>("refgrove_id2author_1")(2, &text), 1);
-  EXPECT_STREQ(text, "C. Doe");
   EXPECT_EQ(fn<int()>("refgrove_get_nb_authors_1")(), 3);
   fn<void(int*, int*, int*)>("refgrove_stats_1")(&n, &a, &b);
   EXPECT_EQ(n * 10000 + a * 100 + b, 40903);

@@ -19,10 +19,7 @@ namespace {
 class CharByCharTokenizer : public Tokenizer {
  public:
   CharByCharTokenizer(std::string text, TokenizerLanguage* l) : Tokenizer(l), text_(std::move(text)) {}
-  int stream_get() override {
-    ok_ = i_ < text_.size();
-    return ok_ ? static_cast<unsigned char>(text_[i_++]) : -1;
-  }
+  int stream_get() override { return (ok_ = i_ < text_.size()) ? static_cast<unsigned char>(text_[i_++]) : -1; }
   int stream_ok() override { return ok_; }
 
  private:
@@ -31,148 +28,87 @@ class CharByCharTokenizer : public Tokenizer {
   bool ok_ = true;
 };
 
-std::string ScanStream(const std::string& input, Lang kind) {
+enum class Source { kStream, kCharByChar, kString };
+
+// The tokens of `input`, with sub-language 0 selected when there is one.
+std::string Scan(const std::string& input, Lang kind, Source source) {
   std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(kind);
   std::istringstream in(input);
-  StreamTokenizer t(&in, lang.get());
-  if (!lang->sub_languages.empty()) t.select_language(0);
-  return Tokens(t);
-}
-
-std::string ScanCharByChar(const std::string& input, Lang kind) {
-  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(kind);
-  CharByCharTokenizer t(input, lang.get());
-  if (!lang->sub_languages.empty()) t.select_language(0);
-  return Tokens(t);
-}
-
-std::string ScanString(const std::string& input, Lang kind) {
-  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(kind);
-  StringTokenizer t(input.c_str(), lang.get());
-  if (!lang->sub_languages.empty()) t.select_language(0);
-  return Tokens(t);
+  std::unique_ptr<Tokenizer> t;
+  if (source == Source::kStream) t.reset(new StreamTokenizer(&in, lang.get()));
+  if (source == Source::kString) t.reset(new StringTokenizer(input.c_str(), lang.get()));
+  if (source == Source::kCharByChar) t.reset(new CharByCharTokenizer(input, lang.get()));
+  if (!lang->sub_languages.empty()) t->select_language(0);
+  return Tokens(*t);
 }
 
 struct ScanCase {
-  const char* input;
+  std::string input;
   Lang lang;
-  const char* expected;  // see Tokens(): "_" marks white space before
+  const char* expected;  // see Tokens(): "_" marks white space before, "!" an error
 };
 
-// A character pushed back by the scanner keeps the reading position, so the
-// token it starts reports the position after the character read beyond it
-// (".@1:2" in "3.x", "*@1:1" in "/*").
+// A character pushed back by the scanner keeps the reading position, so the token it starts reports the position
+// after the character read beyond it (".@1:2" in "3.x", "*@1:1" in "/*").
 const ScanCase kScanCases[] = {
-    // Words, single-character tokens and white space.
-    {"", Lang::kDefault, ""},
-    {"  \n\t ", Lang::kDefault, ""},
-    {"a b", Lang::kDefault, "a@1:0 | _b@1:2"},
-    {"a  b\n c", Lang::kDefault, "a@1:0 | _b@1:3 | _c@2:1"},
+    // Words, single-character tokens and white space; in a stream NUL is a word character.
+    {"", Lang::kDefault, ""}, {"  \n\t ", Lang::kDefault, ""}, {"a  b\n c", Lang::kDefault, "a@1:0 | _b@1:3 | _c@2:1"},
     {"f(x,y);", Lang::kDefault, "f@1:0 | (@1:1 | x@1:2 | ,@1:3 | y@1:4 | )@1:5 | ;@1:6"},
-    {"a'b\"c!d$", Lang::kDefault, "a'b\"c!d$@1:0"},
-    {"a\r\nb", Lang::kDefault, "a@1:0 | _b@2:0"},
+    {"a'b\"c!d$", Lang::kDefault, "a'b\"c!d$@1:0"}, {"a\r\nb", Lang::kDefault, "a@1:0 | _b@2:0"},
     {"caf\xc3\xa9 x", Lang::kDefault, "caf\\xc3\\xa9@1:0 | _x@1:6"},
-    // Tabs move to the next multiple of 8.
-    {"abc\tx", Lang::kDefault, "abc@1:0 | _x@1:8"},
+    {std::string("a\0b c", 5), Lang::kDefault, "a\\x00b@1:0 | _c@1:4"},
+    // Tabs move to the next multiple of 8, also from the column just before one.
+    {"abc\tx", Lang::kDefault, "abc@1:0 | _x@1:8"}, {"abcdefg\tx", Lang::kDefault, "abcdefg@1:0 | _x@1:8"},
     {"abcdefgh\tx", Lang::kDefault, "abcdefgh@1:0 | _x@1:16"},
-    // Without space characters only the blank separates; tab and newline
-    // are word characters that still move the position.
-    {"a,b", Lang::kBare, "a,b@1:0"},
-    {"a\tb c", Lang::kBare, "a\\tb@1:0 | _c@1:10"},
+    // Without space characters only the blank separates; tab and newline are word characters that move the position.
+    {"a,b", Lang::kBare, "a,b@1:0"}, {"a\tb c", Lang::kBare, "a\\tb@1:0 | _c@1:10"},
     {"a\nb c", Lang::kBare, "a\\nb@1:0 | _c@2:2"},
     // Newline as a token.
-    {"a\nb", Lang::kLines, "a@1:0 | \\n@2:-1 | b@2:0"},
-    {"a % x\nb", Lang::kLines, "a@1:0 | _\\n@2:-1 | b@2:0"},
+    {"a\nb", Lang::kLines, "a@1:0 | \\n@2:-1 | b@2:0"}, {"a % x\nb", Lang::kLines, "a@1:0 | _\\n@2:-1 | b@2:0"},
     // Numbers.
     {"x=12.5e-3;", Lang::kNumbers, "x@1:0 | =@1:1 | 12.5e-3@1:2 | ;@1:9"},
-    {"3.x", Lang::kNumbers, "3@1:0 | .@1:2 | x@1:2"},
-    {"a.b", Lang::kNumbers, "a@1:0 | .@1:1 | b@1:2"},
-    {"1.2.3", Lang::kNumbers, "1.2@1:0 | .@1:3 | 3@1:4"},
-    {"1.", Lang::kNumbers, "1@1:0"},
-    {"1. 2", Lang::kNumbers, "1@1:0 | .@1:2 | _2@1:3"},
-    {"1.5e+-3 x", Lang::kNumbers, "1.5e+-3@1:0 | _x@1:8"},
-    {"1.5e", Lang::kNumbers, "1.5e@1:0"},
-    {"12.5E-3)", Lang::kNumbers, "12.5E-3@1:0 | )@1:7"},
-    {"-1.5", Lang::kNumbers, "-@1:0 | 1.5@1:1"},
-    {"1.5", Lang::kDefault, "1@1:0 | .@1:1 | 5@1:2"},
+    {"3.x", Lang::kNumbers, "3@1:0 | .@1:2 | x@1:2"}, {"a.b", Lang::kNumbers, "a@1:0 | .@1:1 | b@1:2"},
+    {"1.2.3", Lang::kNumbers, "1.2@1:0 | .@1:3 | 3@1:4"}, {"1.", Lang::kNumbers, "1@1:0"},
+    {"1. 2", Lang::kNumbers, "1@1:0 | .@1:2 | _2@1:3"}, {"1.5e+-3 x", Lang::kNumbers, "1.5e+-3@1:0 | _x@1:8"},
+    {"1.5e", Lang::kNumbers, "1.5e@1:0"}, {"12.5E-3)", Lang::kNumbers, "12.5E-3@1:0 | )@1:7"},
+    {"-1.5", Lang::kNumbers, "-@1:0 | 1.5@1:1"}, {"1.5", Lang::kDefault, "1@1:0 | .@1:1 | 5@1:2"},
     // Strings keep their quotes and escapes.
-    {"'it''s'", Lang::kDefault, "'it''s'@1:0"},
-    {"\"it\"\"s\"", Lang::kDefault, "\"it\"@1:0 | \"s\"@1:4"},
-    {"'a\\\\' b", Lang::kDefault, "'a\\\\'@1:0 | _b@1:6"},
-    {"'a\\'b' c", Lang::kDefault, "'a\\'b'@1:0 | _c@1:7"},
-    {"x'a b'", Lang::kDefault, "x'a@1:0 | _b'@1:4"},
-    {"'a b',", Lang::kDefault, "'a b'@1:0 | ,@1:5"},
+    {"'it''s'", Lang::kDefault, "'it''s'@1:0"}, {"\"it\"\"s\"", Lang::kDefault, "\"it\"@1:0 | \"s\"@1:4"},
+    {"'a\\\\' b", Lang::kDefault, "'a\\\\'@1:0 | _b@1:6"}, {"'a\\'b' c", Lang::kDefault, "'a\\'b'@1:0 | _c@1:7"},
+    {"x'a b'", Lang::kDefault, "x'a@1:0 | _b'@1:4"}, {"'a b',", Lang::kDefault, "'a b'@1:0 | ,@1:5"},
     {"\"a\\\"b\" c", Lang::kDefault, "\"a\\\"b\"@1:0 | _c@1:7"},
-    // Comments.
-    {"a // c\nb", Lang::kComments, "a@1:0 | _b@2:0"},
-    {"a // c", Lang::kComments, "a@1:0"},
-    {"a/*x*/b", Lang::kComments, "a@1:0 | _b@1:6"},
-    {"/*/ x */y", Lang::kComments, "_y@1:8"},
-    {"/**/x", Lang::kComments, "_x@1:4"},
-    {"a%c\nb", Lang::kComments, "a%c@1:0 | _b@2:0"},
+    // Comments; with them off, "/" and "*" are tokens.
+    {"a // c\nb", Lang::kComments, "a@1:0 | _b@2:0"}, {"a // c", Lang::kComments, "a@1:0"},
+    {"a/*x*/b", Lang::kComments, "a@1:0 | _b@1:6"}, {"/*/ x */y", Lang::kComments, "_y@1:8"},
+    {"/**/x", Lang::kComments, "_x@1:4"}, {"a%c\nb", Lang::kComments, "a%c@1:0 | _b@2:0"},
     {"x=1 % rest\ny", Lang::kComments, "x@1:0 | =@1:1 | 1@1:2 | _y@2:0"},
     {"/* no end", Lang::kDefault, "/@1:1 | *@1:1 | _no@1:3 | _end@1:6"},
     {"a // c", Lang::kDefault, "a@1:0 | _/@1:3 | /@1:4 | _c@1:5"},
-    // Elements. Merging never restores space_before, so a token that failed
-    // to merge carries the flag of the look-ahead.
-    {"Title:", Lang::kElements, "Title:@1:0"},
-    {"Title :", Lang::kElements, "_Title@1:0 | _:@1:6"},
-    {"Title  :", Lang::kElements, "_Title@1:0 | _:@1:7"},
-    {"Title", Lang::kElements, "Title@1:0"},
-    {"Title:x", Lang::kElements, "Title:@1:0 | x@1:6"},
-    {"x foo", Lang::kElements, "_x@1:2 | _foo@1:2"},
-    {"a:b:c", Lang::kElements, "a:b:c@1:0"},
-    {"a:b:x", Lang::kElements, "a@1:0 | :@1:1 | b@1:2 | :@1:3 | x@1:4"},
-    {"<=", Lang::kElements, "<=@1:0"},
-    {"< =", Lang::kElements, "_<@1:0 | _=@1:2"},
+    // Elements. Merging never restores space_before, so a token that failed to merge carries the look-ahead's flag.
+    {"Title:", Lang::kElements, "Title:@1:0"}, {"Title :", Lang::kElements, "_Title@1:0 | _:@1:6"},
+    {"Title  :", Lang::kElements, "_Title@1:0 | _:@1:7"}, {"Title", Lang::kElements, "Title@1:0"},
+    {"Title:x", Lang::kElements, "Title:@1:0 | x@1:6"}, {"x foo", Lang::kElements, "_x@1:2 | _foo@1:2"},
+    {"a:b:c", Lang::kElements, "a:b:c@1:0"}, {"a:b:x", Lang::kElements, "a@1:0 | :@1:1 | b@1:2 | :@1:3 | x@1:4"},
+    {"<=", Lang::kElements, "<=@1:0"}, {"< =", Lang::kElements, "_<@1:0 | _=@1:2"},
     {"Authors: Title:", Lang::kElements, "_Authors:@1:0 | Title:@1:9"},
     {"Authors:/*c*/x", Lang::kElements, "Authors:@1:0 | /@1:9 | *@1:9 | c@1:10 | *@1:11 | /@1:13 | x@1:13"},
+    // Errors end the listing.
+    {"12.5q", Lang::kNumbers, "!illegal token_character 'q' while reading number at 1:0"},
+    {"x 1.5ee", Lang::kNumbers, "x@1:0 | !illegal token_character 'e' while reading number at 1:2"},
+    {"7.5'", Lang::kNumbers, "!illegal token_character ''' while reading number at 1:0"},
+    {"'abc", Lang::kDefault, "!unterminated string constant at 1:0"},
+    {"ab \"cd", Lang::kBare, "ab@1:0 | !unterminated string constant at 1:3"},
+    {"\"a\\\\\" b", Lang::kDefault, "!unterminated string constant at 1:0"},
+    {"'it''", Lang::kDefault, "!unterminated string constant at 1:0"},
+    {"/* no end", Lang::kComments, "!comment block '/*' not terminated at 1:0"},
+    {"x\n  /* /", Lang::kComments, "x@1:0 | !comment block '/*' not terminated at 2:2"},
 };
 
-TEST(ScannerTest, TokensAndPositions) {
+TEST(ScannerTest, TokensPositionsAndErrors) {
   for (const ScanCase& c : kScanCases) {
-    EXPECT_EQ(ScanStream(c.input, c.lang), c.expected) << "input: \"" << Escape(c.input) << '"';
+    EXPECT_EQ(Scan(c.input, c.lang, Source::kStream), c.expected) << "input: \"" << Escape(c.input) << '"';
     // The buffered stream must agree with a source read one call at a time.
-    EXPECT_EQ(ScanCharByChar(c.input, c.lang), c.expected) << "input: \"" << Escape(c.input) << '"';
-  }
-}
-
-struct ErrorCase {
-  const char* input;
-  Lang lang;
-  const char* message;
-  const char* at;
-};
-
-const ErrorCase kErrorCases[] = {
-    {"12.5q", Lang::kNumbers, "illegal token_character 'q' while reading number", "1:0"},
-    {"x 1.5ee", Lang::kNumbers, "illegal token_character 'e' while reading number", "1:2"},
-    {"7.5'", Lang::kNumbers, "illegal token_character ''' while reading number", "1:0"},
-    {"'abc", Lang::kDefault, "unterminated string constant", "1:0"},
-    {"ab \"cd", Lang::kBare, "unterminated string constant", "1:3"},
-    {"\"a\\\\\" b", Lang::kDefault, "unterminated string constant", "1:0"},
-    {"'it''", Lang::kDefault, "unterminated string constant", "1:0"},
-    {"/* no end", Lang::kComments, "comment block '/*' not terminated", "1:0"},
-    {"x\n  /* /", Lang::kComments, "comment block '/*' not terminated", "2:2"},
-};
-
-TEST(ScannerTest, Errors) {
-  for (const ErrorCase& c : kErrorCases) {
-    std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(c.lang);
-    std::istringstream in(c.input);
-    StreamTokenizer t(&in, lang.get());
-    t.file_name = "in.txt";
-    try {
-      while (!t.try_next_token().empty()) {
-      }
-      ADD_FAILURE() << "no error for \"" << Escape(c.input) << '"';
-    } catch (const ParserError& e) {
-      std::ostringstream at;
-      e.pos.write(at);
-      EXPECT_EQ(e.message, c.message) << "input: \"" << Escape(c.input) << '"';
-      EXPECT_EQ(at.str(), c.at) << "input: \"" << Escape(c.input) << '"';
-      EXPECT_EQ(e.file_name, "in.txt");
-    }
+    EXPECT_EQ(Scan(c.input, c.lang, Source::kCharByChar), c.expected) << "input: \"" << Escape(c.input) << '"';
   }
 }
 
@@ -188,9 +124,7 @@ TEST(ScannerTest, HighBytesInCharacterClasses) {
 }
 
 TEST(ScannerTest, StreamAndStringSourcesAgreeOnRandomInput) {
-  // Random text over the characters that matter to some language, compared
-  // between the buffered stream, a char-by-char source and the string
-  // source; this also has to finish without crashing or hanging.
+  // Random text over the characters that matter to some language: the three sources must agree (and not hang).
   const std::string alphabet = "ab1 2\t\n\r.:;/*'\"\\%eE+-<=xT\xff\x80";
   std::mt19937 rng(42);
   for (int round = 0; round < 3000; ++round) {
@@ -199,16 +133,15 @@ TEST(ScannerTest, StreamAndStringSourcesAgreeOnRandomInput) {
     for (int i = 0; i < n; ++i) input += alphabet[rng() % alphabet.size()];
     for (Lang kind : {Lang::kBare, Lang::kDefault, Lang::kNumbers, Lang::kComments, Lang::kLines,
                       Lang::kElements}) {
-      const std::string expected = ScanCharByChar(input, kind);
-      ASSERT_EQ(ScanStream(input, kind), expected) << "input: \"" << Escape(input) << '"';
-      ASSERT_EQ(ScanString(input, kind), expected) << "input: \"" << Escape(input) << '"';
+      const std::string expected = Scan(input, kind, Source::kCharByChar);
+      ASSERT_EQ(Scan(input, kind, Source::kStream), expected) << "input: \"" << Escape(input) << '"';
+      ASSERT_EQ(Scan(input, kind, Source::kString), expected) << "input: \"" << Escape(input) << '"';
     }
   }
 }
 
-// A random language over the characters of `alphabet`: each character is a
-// single-character token, a space character, a comment character or none
-// of them (or two of them at once), with random flags.
+// A random language over `alphabet`: each character a single-character token, space, comment character, none or
+// two of these, with random flags.
 std::unique_ptr<TokenizerLanguage> RandomLanguage(std::mt19937& rng, const std::string& alphabet) {
   std::unique_ptr<TokenizerLanguage> l(new TokenizerLanguage());
   for (const char c : alphabet) {
@@ -225,25 +158,19 @@ std::unique_ptr<TokenizerLanguage> RandomLanguage(std::mt19937& rng, const std::
   return l;
 }
 
-// Runs the same random mix of reads, tests and pushbacks on `t`, and writes
-// down everything a caller can see after each step.
+// Runs a random mix of reads, tests and pushbacks on `t`, writing down all a caller can see after each step.
 std::string Drive(Tokenizer& t, unsigned seed, const std::string& alphabet) {
   std::mt19937 ops(seed);
   std::ostringstream out;
   try {
     for (int step = 0; step < 100000; ++step) {
       const unsigned op = ops() % 13;
-      if (op == 12) {
-        // The language may change between any two reads.
+      if (op == 12) {  // the language may change between any two reads
         TokenizerLanguage& lang = *t.get_language();
         TokenizerCharSet* sets[] = {&lang.single_char_tokens, &lang.space_chars, &lang.comment_chars};
         TokenizerCharSet& set = *sets[ops() % 3];
         const char c = alphabet[ops() % alphabet.size()];
-        if (set.contains(c)) {
-          set.remove(c);
-        } else {
-          set.add(c);
-        }
+        set.contains(c) ? set.remove(c) : set.add(c);
         if (ops() % 4 == 0) lang.strings = !lang.strings;
         out << "l";
       } else if (op >= 10) {
@@ -275,8 +202,7 @@ std::string Drive(Tokenizer& t, unsigned seed, const std::string& alphabet) {
           << t.at_eof << t.char_pushback_count << t.stream_ok() << '\n';
     }
   } catch (const ParserError& e) {
-    out << "!" << e.message << '@';
-    e.pos.write(out);
+    out << "!" << e.message << '@' << PosText(e.pos);
   }
   return out.str();
 }
@@ -305,12 +231,9 @@ void CompareWithCharByChar(const std::string& alphabet) {
 }
 
 TEST(ScannerTest, BufferedStreamAgreesWithCharByCharInRandomLanguages) {
-  // The buffered stream takes most tokens through a fast path, and hands
-  // tokens to next_tokens_until without copying them; a source read one
-  // call at a time does neither. Random languages, inputs and operations
-  // must leave both in the same visible state at every step, with each
-  // fast path the processor has. Some inputs are long enough to cross the
-  // stream's chunks.
+  // The buffered stream's fast paths and next_tokens_until against a source read one call at a time: random
+  // languages, inputs and operations must leave both in the same visible state at every step, on every fast path
+  // the processor has. Some inputs are long enough to cross the stream's chunks.
   const std::string alphabet = "ab1 2\t\n\r.:;/*'\"\\%eE+-<=xT\x01\xff\x80";
   const Tokenizer::FastPath detected = Tokenizer::fast_path();
   for (const Tokenizer::FastPath path : {Tokenizer::FastPath::kBase, Tokenizer::FastPath::kAvx2}) {
@@ -319,14 +242,6 @@ TEST(ScannerTest, BufferedStreamAgreesWithCharByCharInRandomLanguages) {
     CompareWithCharByChar(alphabet);
   }
   Tokenizer::set_fast_path(detected);
-}
-
-TEST(ScannerTest, NulBytesAreOrdinaryInAStream) {
-  const std::string input("a\0b c", 5);
-  std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(Lang::kDefault);
-  std::istringstream in(input);
-  StreamTokenizer t(&in, lang.get());
-  EXPECT_EQ(Tokens(t), "a\\x00b@1:0 | _c@1:4");
 }
 
 TEST(ScannerTest, ReadLine) {

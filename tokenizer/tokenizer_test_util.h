@@ -1,9 +1,9 @@
 // Shared helpers of the tokenizer tests: a few languages and a compact
-// rendering of a token stream.
+// rendering of tokens, positions and errors.
 #ifndef REFGROVE_TOKENIZER_TOKENIZER_TEST_UTIL_H_
 #define REFGROVE_TOKENIZER_TOKENIZER_TEST_UTIL_H_
 
-#include <cstdio>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -18,9 +18,8 @@ enum class Lang {
   kBare,      // constructor defaults: no classes, strings on
   kDefault,   // initDefault
   kNumbers,   // initDefault, "." continues integers into numbers
-  kComments,  // initDefault, "//", "/* */" and "%" comments, numbers
-  kLines,     // default single-character tokens plus newline; blank and tab are
-              // space; "%" comments
+  kComments,  // kNumbers with "//", "/* */" and "%" comments
+  kLines,     // initDefault single-character tokens and newline; blank and tab are space; "%" comments
   kElements,  // initDefault, sub-language 0 selected with Title:, Authors:, <=, a b c, x
 };
 
@@ -28,44 +27,30 @@ inline std::unique_ptr<TokenizerLanguage> MakeLanguage(Lang kind) {
   std::unique_ptr<TokenizerLanguage> l(new TokenizerLanguage());
   if (kind == Lang::kBare) return l;
   l->initDefault();
-  switch (kind) {
-    case Lang::kNumbers:
-      l->number_char = '.';
-      break;
-    case Lang::kComments:
-      l->number_char = '.';
-      l->line_comments = 1;
-      l->block_comments = 1;
-      l->comment_chars.add('%');
-      break;
-    case Lang::kLines:
-      l->space_chars.clear();
-      l->space_chars.add_all(" \t");
-      l->single_char_tokens.add('\n');
-      l->comment_chars.add('%');
-      break;
-    case Lang::kElements:
-      l->addSubLanguages(1);
-      for (const char* e : {"Title:", "Authors:", "< =", "a:b:c", "x"}) l->addLanguageElem(0, e);
-      break;
-    default:
-      break;
+  if (kind == Lang::kNumbers || kind == Lang::kComments) l->number_char = '.';
+  if (kind == Lang::kComments) l->line_comments = l->block_comments = 1;
+  if (kind == Lang::kComments || kind == Lang::kLines) l->comment_chars.add('%');
+  if (kind == Lang::kLines) {
+    l->space_chars.clear();
+    l->space_chars.add_all(" \t");
+    l->single_char_tokens.add('\n');
+  }
+  if (kind == Lang::kElements) {
+    l->addSubLanguages(1);
+    for (const char* e : {"Title:", "Authors:", "< =", "a:b:c", "x"}) l->addLanguageElem(0, e);
   }
   return l;
 }
 
 // C-style escapes for the characters that would hide in a listing.
 inline std::string Escape(const std::string& s) {
+  static const char kHex[] = "0123456789abcdef";
   std::string out;
   for (unsigned char c : s) {
-    if (c == '\n') {
-      out += "\\n";
-    } else if (c == '\t') {
-      out += "\\t";
+    if (c == '\n' || c == '\t') {
+      out += c == '\n' ? "\\n" : "\\t";
     } else if (c < 32 || c >= 127) {
-      char buf[8];
-      std::snprintf(buf, sizeof buf, "\\x%02x", c);
-      out += buf;
+      out += {'\\', 'x', kHex[c >> 4], kHex[c & 15]};
     } else {
       out += static_cast<char>(c);
     }
@@ -73,30 +58,37 @@ inline std::string Escape(const std::string& s) {
   return out;
 }
 
-// "token@row:column", with a leading "_" when white space preceded it.
-inline std::string Render(const Tokenizer& t) {
+// "row:column" as a position prints itself.
+inline std::string PosText(const TokenizerPos& p) {
   std::ostringstream os;
-  if (t.space_before) os << '_';
-  os << Escape(t.token) << '@';
-  t.token_pos.write(os);
+  p.write(os);
   return os.str();
 }
 
-// Every token up to the end, joined by " | "; a ParserError ends the list
-// with "!<message>@<position>".
-inline std::string Tokens(Tokenizer& t) {
-  std::string out;
+// The ParserError thrown by f as it prints itself, or "no error".
+inline std::string ErrorOf(const std::function<void()>& f) {
   try {
-    while (!t.try_next_token().empty()) {
-      if (!out.empty()) out += " | ";
-      out += Render(t);
-    }
+    f();
   } catch (const ParserError& e) {
     std::ostringstream os;
-    os << (out.empty() ? "!" : " | !") << e.message << '@';
-    e.pos.write(os);
-    out += os.str();
+    e.write(os);
+    return os.str();
   }
+  return "no error";
+}
+
+// "token@row:column", with a leading "_" when white space preceded it.
+inline std::string Render(const Tokenizer& t) {
+  return (t.space_before ? "_" : "") + Escape(t.token) + "@" + PosText(t.token_pos);
+}
+
+// Every token up to the end, joined by " | "; a ParserError ends the list with "!<error>".
+inline std::string Tokens(Tokenizer& t) {
+  std::string out;
+  const std::string error = ErrorOf([&] {
+    while (!t.try_next_token().empty()) out += (out.empty() ? "" : " | ") + Render(t);
+  });
+  if (error != "no error") out += (out.empty() ? "!" : " | !") + error;
   return out;
 }
 

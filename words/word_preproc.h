@@ -52,9 +52,10 @@ class WordPreproc {
   WordPreproc();
 
   // Preprocesses the dumps of in_dir into out_dir (both plain prefixes: the
-  // file names are appended without a separator). Writes "word-data" and
-  // "word-idx", then the graph file, then "word-table". Progress goes to
-  // standard output; a dump that does not parse throws ParserError.
+  // file names are appended without a separator). Writes "word-data",
+  // "word-idx" and the graph file, then "word-table"; the graph file only
+  // once every dump has parsed. Progress goes to standard output; a dump
+  // that does not parse throws ParserError.
   void preproc(const std::string& in_dir, const std::string& out_dir);
 
   // Processes one word dump: appends its documents' word ids to `data_out`
