@@ -230,8 +230,12 @@ int printdoc_command(int argc, char** argv) {
   if (!load_data_dir("refgrove printdoc", a.dir, a.verbose)) return 1;
   int status = 0;
   for (const int did : dids) {
-    if (!refgrove_has_graph_info_1(did) && !refgrove_has_word_info_1(did)) status = 1;
     refgrove_printdoc_1(did);
+    if (!refgrove_has_graph_info_1(did) && !refgrove_has_word_info_1(did)) {
+      std::cout.flush();
+      std::cerr << "refgrove printdoc: no document " << did << "\n";
+      status = 1;
+    }
   }
   std::cout.flush();
   unload_data();

@@ -73,7 +73,8 @@ TEST(DataCommandsTest, Commands) {
        "Document 0 - DID=1 - # words=12\n# Authors = 1\nA. Lee\ntitle: abstract:\n"
        "We sort graphs . Graphs , again Trees \n",
        "Sorting graphs \n"},
-      {{"printdoc", "DATA", "7"}, 1, "Document without word-data\nno graph info found \n", ""},
+      {{"printdoc", "DATA", "7"}, 1, "Document without word-data\nno graph info found \n",
+       "refgrove printdoc: no document 7\n"},
       {{"author", "DATA", "1", "0", "5"}, 1, "B. Ray\nA. Lee\n", "refgrove author: no author 5\n"},
       // Usage errors, and directories that cannot be read (IN is not a data directory).
       {{"query"}, 2}, {{"query", "DATA"}, 2}, {{"query", "DATA", "nonsense"}, 2}, {{"query", "DATA", "cite", "1"}, 2},
