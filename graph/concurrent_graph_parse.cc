@@ -76,15 +76,17 @@ std::vector<std::streamoff> part_starts(const std::string& path, int parts, std:
   return starts;
 }
 
-void renumber_titles(const std::vector<RefgroveGraphData*>& docs, const std::vector<WordId>& ids) {
+void renumber_titles(const std::vector<RefgroveGraphData*>& docs, const std::vector<int>& ids) {
   for (RefgroveGraphData* doc : docs) {
     // The arena's memory; records only show it read-only.
     auto* title = const_cast<WordId*>(doc->title.items);
-    for (std::int32_t i = 0; i < doc->title.size(); ++i) title[i] = ids[title[i].id()];
+    for (std::int32_t i = 0; i < doc->title.size(); ++i) {
+      title[i] = WordId::from_id(static_cast<std::uint32_t>(ids[title[i].id()]));
+    }
   }
 }
 
-void renumber_authors(const std::vector<RefgroveGraphData*>& docs, const std::vector<std::int32_t>& ids) {
+void renumber_authors(const std::vector<RefgroveGraphData*>& docs, const std::vector<int>& ids) {
   for (RefgroveGraphData* doc : docs) {
     auto* authors = const_cast<std::int32_t*>(doc->authors);
     for (std::int32_t k = 0; k < doc->nb_authors; ++k) authors[k] = ids[static_cast<std::size_t>(authors[k])];
@@ -168,19 +170,11 @@ void ConcurrentGraphParse::join_and_write(StringTable* words, const std::string&
 }
 
 void ConcurrentGraphParse::append(Part& part, StringTable* words) {
-  std::vector<WordId> title_ids;
-  title_ids.reserve(part.titles.by_id.size());
-  for (const std::string& word : part.titles.by_id) {
-    title_ids.push_back(WordId::from_id(static_cast<std::uint32_t>(words->String2ID(word))));
-  }
-  renumber_titles(part.docs, title_ids);
+  renumber_titles(part.docs, words->String2IDs(part.titles.by_id));
   if (graph_.author_table.size() == 0) {
     graph_.author_table = std::move(part.authors);
   } else {
-    std::vector<std::int32_t> author_ids;
-    author_ids.reserve(part.authors.by_id.size());
-    for (const std::string& name : part.authors.by_id) author_ids.push_back(graph_.author_table.String2ID(name));
-    renumber_authors(part.docs, author_ids);
+    renumber_authors(part.docs, graph_.author_table.String2IDs(part.authors.by_id));
   }
   graph_.docs.insert(graph_.docs.end(), part.docs.begin(), part.docs.end());
   graph_.arena_.absorb(part.arena);
@@ -188,6 +182,6 @@ void ConcurrentGraphParse::append(Part& part, StringTable* words) {
 
 void ConcurrentGraphParse::report(std::size_t records) {
   std::cout << "preprocGraph() ...\n";
-  for (std::size_t count = 1000; count <= records; count += 1000) std::cerr << '\r' << static_cast<unsigned>(count);
+  for (std::size_t count = 1; count <= records; ++count) reportGraphProgress(std::cerr, count);
   std::cerr << std::endl;
 }

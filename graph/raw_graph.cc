@@ -15,7 +15,7 @@ RawRefgroveGraph::RawRefgroveGraph(const std::string& in_dir, StringTable* words
   GraphLineParser parser(&arena_, words, &author_table);
   while (t->has_more_tokens() && !t->is_next_token("xxxx")) {
     docs.push_back(parser.parse(*t));
-    if (docs.size() % 1000 == 0) err << '\r' << static_cast<unsigned>(docs.size());
+    reportGraphProgress(err, docs.size());
   }
   err << std::endl;
 }
@@ -24,6 +24,10 @@ std::ostream& RawRefgroveGraph::write(std::ostream& out) const {
   const CompactedStringTable authors(author_table);
   write_graph_file(out, authors, docs);
   return out;
+}
+
+void reportGraphProgress(std::ostream& err, std::size_t records) {
+  if (records % 1000 == 0) err << '\r' << static_cast<unsigned>(records);
 }
 
 void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words) {

@@ -50,6 +50,11 @@ class RawRefgroveGraph {
 // file uses. The output file is opened only once the whole dump has parsed.
 void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words);
 
+// The progress of a pass once it has read `records` records: "\r" and the
+// count, every 1000 records, so that the count overwrites itself on one
+// terminal line.
+void reportGraphProgress(std::ostream& err, std::size_t records);
+
 // The two steps of preprocGraph after the reading: the message
 // "writing graph file <name>..." on standard error, and the file itself.
 void announceGraphFile(const std::string& out_dir);

@@ -119,7 +119,6 @@ void Tokenizer::pushback_token(const std::string& text) { pushback_token(text, t
 
 void Tokenizer::pushback_token(const char* text) { pushback_token(std::string(text), token_pos); }
 
-
 bool Tokenizer::is_next_token_uc(const char* s) {
   get_check_token();
   if (str_i_equals(token, s)) return true;

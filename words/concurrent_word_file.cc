@@ -51,19 +51,15 @@ bool ConcurrentWordFile::number(StringTable* table) {
   if (words_.size() > (1 << 24) || data_.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
     return false;
   }
-  std::vector<WordId> ids;  // the caller's id of each of the dump's own ids
-  ids.reserve(words_.by_id.size());
-  for (const std::string& word : words_.by_id) {
-    ids.push_back(WordId::from_id(static_cast<std::uint32_t>(table->String2ID(word))));
-  }
-  renumber_ = std::make_unique<BackgroundJob>([this, ids = std::move(ids)] { renumber(ids); });
+  // The caller's id of each of the dump's own ids.
+  renumber_ = std::make_unique<BackgroundJob>([this, ids = table->String2IDs(words_.by_id)] { renumber(ids); });
   return true;
 }
 
-void ConcurrentWordFile::renumber(const std::vector<WordId>& ids) {
+void ConcurrentWordFile::renumber(const std::vector<int>& ids) {
   for (std::size_t i = 0; i + kWordIdBytes <= data_.size(); i += kWordIdBytes) {
     const WordId own = read_word_id(reinterpret_cast<const unsigned char*>(&data_[i]));
-    store_word_id(&data_[i], ids[own.id()]);
+    store_word_id(&data_[i], WordId::from_id(static_cast<std::uint32_t>(ids[own.id()])));
   }
 }
 

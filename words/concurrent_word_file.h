@@ -48,7 +48,7 @@ class ConcurrentWordFile {
 
  private:
   // Replaces each held id by ids[id].
-  void renumber(const std::vector<WordId>& ids);
+  void renumber(const std::vector<int>& ids);
 
   WordPreproc* preproc_;
   std::string path_;

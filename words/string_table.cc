@@ -79,6 +79,13 @@ int StringTable::String2ID(const std::string& key) {
   return String2ID(key.data(), key.size(), key.capacity() + 1);
 }
 
+std::vector<int> StringTable::String2IDs(const std::vector<std::string>& strings) {
+  std::vector<int> ids;
+  ids.reserve(strings.size());
+  for (const std::string& s : strings) ids.push_back(String2ID(s));
+  return ids;
+}
+
 void StringTable::makeKey(const char* s, std::size_t n, std::size_t readable, Key* key) const {
   // The slot form of the key: its first kHeadBytes bytes as two NUL-padded
   // words. With 16 bytes readable that is two loads and two masks, the same

@@ -52,6 +52,10 @@ class StringTable {
   void prefetch(const Key& key) const { __builtin_prefetch(&slots_[home_slot(key.hash, bits_)]); }
   int intern(const Key& key);
 
+  // The id of each of `strings`, interning the new ones in their order:
+  // how the strings of another table join this one.
+  std::vector<int> String2IDs(const std::vector<std::string>& strings);
+
   int size() const { return static_cast<int>(by_id.size()); }
 
   // The key of every id, in id order.

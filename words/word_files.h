@@ -50,11 +50,7 @@ void write_word_id(Out& out, WordId w) {
 inline WordId read_word_id(const unsigned char* p) { return WordId{get_uint16(p), p[2]}; }
 
 // The 3 bytes of `w` at `at`, as write_word_id writes them.
-inline void store_word_id(char* at, WordId w) {
-  at[0] = static_cast<char>(w.low & 0xFF);
-  at[1] = static_cast<char>(w.low >> 8);
-  at[2] = static_cast<char>(w.high);
-}
+inline void store_word_id(char* at, WordId w) { encode_le(at, w.id(), kWordIdBytes); }
 
 // One "word-idx" record: 8 bytes, int32 `did` then int32 `offset`.
 struct DocumentWordInfo {

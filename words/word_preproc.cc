@@ -197,9 +197,8 @@ void WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::o
     while (!t.next_tokens_until('\n', add_words)) {
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
-      put_word_id(room_for(1), is_foreign(token.data(), token.size(), token.capacity() + 1)
-                                   ? table->String2ID(kForeignWord)
-                                   : table->String2ID(token));
+      put_word_id(room_for(1), is_foreign(token.data(), token.size(), token.capacity() + 1) ? table->intern(foreign)
+                                                                                              : table->String2ID(token));
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);
