@@ -8,8 +8,8 @@
 // job of its own. write() then writes the documents and messages where
 // preprocFile would have written them: the files, ids and messages are
 // exactly those of preprocFile run on the caller's table.
-#ifndef REFGROVE_WORDS_CONCURRENT_WORD_FILE_H_
-#define REFGROVE_WORDS_CONCURRENT_WORD_FILE_H_
+#ifndef REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_
+#define REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_
 
 #include <exception>
 #include <memory>
@@ -18,11 +18,11 @@
 #include <string>
 #include <vector>
 
-#include "words/background_job.h"
-#include "words/message_log.h"
+#include "preproc/background_job.h"
+#include "preproc/message_log.h"
+#include "preproc/word_preproc.h"
 #include "words/string_table.h"
 #include "words/word_files.h"
-#include "words/word_preproc.h"
 
 class ConcurrentWordFile {
  public:
@@ -61,4 +61,4 @@ class ConcurrentWordFile {
   BackgroundJob read_;  // last: it runs while the others live
 };
 
-#endif  // REFGROVE_WORDS_CONCURRENT_WORD_FILE_H_
+#endif  // REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_

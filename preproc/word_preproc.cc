@@ -1,4 +1,4 @@
-#include "words/word_preproc.h"
+#include "preproc/word_preproc.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "core/refgrove.h"
-#include "graph/concurrent_graph_parse.h"
 #include "graph/raw_graph.h"
+#include "preproc/concurrent_graph_parse.h"
+#include "preproc/concurrent_word_file.h"
 #include "words/compacted_string_table.h"
-#include "words/concurrent_word_file.h"
 #include "words/word_files.h"
 
 namespace {

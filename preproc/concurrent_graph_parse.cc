@@ -1,4 +1,4 @@
-#include "graph/concurrent_graph_parse.h"
+#include "preproc/concurrent_graph_parse.h"
 
 #include <algorithm>
 #include <filesystem>

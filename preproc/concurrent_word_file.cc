@@ -1,4 +1,4 @@
-#include "words/concurrent_word_file.h"
+#include "preproc/concurrent_word_file.h"
 
 #include <algorithm>
 #include <cstdint>

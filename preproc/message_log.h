@@ -6,8 +6,8 @@
 // in which it was written. The order across the two streams matters where
 // both go to one file or terminal: std::cerr flushes std::cout before each
 // write, so a program's messages come out there in program order.
-#ifndef REFGROVE_WORDS_MESSAGE_LOG_H_
-#define REFGROVE_WORDS_MESSAGE_LOG_H_
+#ifndef REFGROVE_PREPROC_MESSAGE_LOG_H_
+#define REFGROVE_PREPROC_MESSAGE_LOG_H_
 
 #include <iostream>
 #include <streambuf>
@@ -62,4 +62,4 @@ class MessageLog {
   std::ostream out_, err_;
 };
 
-#endif  // REFGROVE_WORDS_MESSAGE_LOG_H_
+#endif  // REFGROVE_PREPROC_MESSAGE_LOG_H_

@@ -8,8 +8,8 @@
 // are cut by WordLanguage: every punctuation character is a word of its own
 // and control characters are blanks. A word with any byte of 128 or more is
 // stored as "[foreign]".
-#ifndef REFGROVE_WORDS_WORD_PREPROC_H_
-#define REFGROVE_WORDS_WORD_PREPROC_H_
+#ifndef REFGROVE_PREPROC_WORD_PREPROC_H_
+#define REFGROVE_PREPROC_WORD_PREPROC_H_
 
 #include <fstream>
 #include <iostream>
@@ -69,4 +69,4 @@ class WordPreproc {
   std::vector<const char*> files;
 };
 
-#endif  // REFGROVE_WORDS_WORD_PREPROC_H_
+#endif  // REFGROVE_PREPROC_WORD_PREPROC_H_

@@ -14,8 +14,8 @@
 // malformed. A part that does not end in a whole record fails to parse. When
 // any part that counts failed, the dump is read again from the start, one
 // record after the other, and that parse decides what is reported.
-#ifndef REFGROVE_GRAPH_CONCURRENT_GRAPH_PARSE_H_
-#define REFGROVE_GRAPH_CONCURRENT_GRAPH_PARSE_H_
+#ifndef REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_
+#define REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_
 
 #include <cstdint>
 #include <exception>
@@ -26,7 +26,7 @@
 #include "graph/arena.h"
 #include "graph/graph_record.h"
 #include "graph/raw_graph.h"
-#include "words/background_job.h"
+#include "preproc/background_job.h"
 #include "words/string_table.h"
 
 class ConcurrentGraphParse {
@@ -74,4 +74,4 @@ class ConcurrentGraphParse {
   std::unique_ptr<BackgroundJob> writer_;  // runs join_and_write
 };
 
-#endif  // REFGROVE_GRAPH_CONCURRENT_GRAPH_PARSE_H_
+#endif  // REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_
