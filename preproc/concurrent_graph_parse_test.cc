@@ -38,7 +38,7 @@ GraphRun Preprocess(const std::string& dump, StringTable* words, Pass pass,
     StreamCapture capture;
     try {
       if (pass.concurrent) {
-        ConcurrentGraphParse parse(in.path(), pass.parts, pass.min_part_bytes);
+        ConcurrentGraphParse parse(in.path(), PreprocOptions{}, pass.parts, pass.min_part_bytes);
         for (const std::string& w : meanwhile) words->String2ID(w);
         parse.write_file(words, out.path());
         parse.finish(words, out.path());

@@ -46,6 +46,9 @@ class ConcurrentWordFile {
   // Reads the dump once more, with preprocFile on `table`.
   void read_again(StringTable* table, std::ostream& data_out, std::ostream& idx_out);
 
+  // After write() or read_again(): what the dump held beside its documents.
+  const WordPreproc::DumpCounts& counts() const { return counts_; }
+
  private:
   // Replaces each held id by ids[id].
   void renumber(const std::vector<int>& ids);
@@ -55,6 +58,7 @@ class ConcurrentWordFile {
   StringTable words_;
   std::ostringstream data_out_, idx_out_;
   MessageLog messages_;
+  WordPreproc::DumpCounts counts_;
   std::exception_ptr read_error_;
   std::string data_;                         // the held ids, once numbered
   std::unique_ptr<BackgroundJob> renumber_;  // rewrites data_
