@@ -8,7 +8,7 @@
 
 #include "fuzz/fuzz_support.h"
 #include "graph/graph_dump.h"
-#include "words/word_preproc.h"
+#include "preproc/word_preproc.h"
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include <string>
 
 #include "fuzz/fuzz_support.h"
+#include "preproc/word_preproc.h"
 #include "words/byte_io.h"
 #include "words/compacted_string_table.h"
 #include "words/string_table.h"
 #include "words/word_files.h"
-#include "words/word_preproc.h"
 
 namespace {
 

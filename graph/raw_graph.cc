@@ -1,5 +1,7 @@
 #include "graph/raw_graph.h"
 
+#include <cerrno>
+#include <climits>
 #include <fstream>
 #include <iostream>
 
@@ -26,22 +28,39 @@ std::ostream& RawRefgroveGraph::write(std::ostream& out) const {
   return out;
 }
 
+RawRefgroveGraph::Counts RawRefgroveGraph::counts() const {
+  const auto clamped = [](std::int32_t v) { return v == INT_MAX || v == INT_MIN ? 1 : 0; };
+  Counts c;
+  c.records = static_cast<std::int64_t>(docs.size());
+  c.authors = author_table.size();
+  for (const RefgroveGraphData* doc : docs) {
+    c.citations += doc->citations.size();
+    c.clamped_values += clamped(doc->did) + clamped(doc->year);
+    for (const CitationInfo& cite : doc->citations) c.clamped_values += clamped(cite.gid) + clamped(cite.did);
+  }
+  return c;
+}
+
 void reportGraphProgress(std::ostream& err, std::size_t records) {
   if (records % 1000 == 0) err << '\r' << static_cast<unsigned>(records);
 }
 
-void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words) {
-  const RawRefgroveGraph graph(in_dir, words);
-  announceGraphFile(out_dir);
-  writeGraphFile(out_dir, graph);
+GraphPassResult preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words,
+                             std::ostream& out, std::ostream& err) {
+  const RawRefgroveGraph graph(in_dir, words, out, err);
+  announceGraphFile(out_dir, err);
+  return GraphPassResult{graph.counts(), writeGraphFile(out_dir, graph)};
 }
 
-void announceGraphFile(const std::string& out_dir) {
-  std::cerr << "writing graph file " << out_dir << kGraphFile << "...\n";
+void announceGraphFile(const std::string& out_dir, std::ostream& err) {
+  err << "writing graph file " << out_dir << kGraphFile << "...\n";
 }
 
-void writeGraphFile(const std::string& out_dir, const RawRefgroveGraph& graph) {
+std::error_code writeGraphFile(const std::string& out_dir, const RawRefgroveGraph& graph) {
   std::ofstream out(out_dir + kGraphFile, std::ios::out | std::ios::trunc | std::ios::binary);
+  if (!out.is_open()) return std::error_code(errno, std::generic_category());
+  errno = 0;  // a failed write sets it; a failure without one is EIO
   graph.write(out);
   out.close();
+  return out.fail() ? std::error_code(errno != 0 ? errno : EIO, std::generic_category()) : std::error_code();
 }

@@ -3,10 +3,12 @@
 #ifndef REFGROVE_GRAPH_RAW_GRAPH_H_
 #define REFGROVE_GRAPH_RAW_GRAPH_H_
 
+#include <cstdint>
 #include <iostream>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "graph/arena.h"
@@ -34,6 +36,15 @@ class RawRefgroveGraph {
   // records.
   std::ostream& write(std::ostream& out) const;
 
+  // What the records hold, for a report of the pass.
+  struct Counts {
+    std::int64_t records = 0, authors = 0, citations = 0;
+    // DIDs, years, group ids and cited DIDs that the dump wrote beyond the
+    // int32 range, which parsing clamped to its ends.
+    std::int64_t clamped_values = 0;
+  };
+  Counts counts() const;
+
   std::vector<RefgroveGraphData*> docs;
   StringTable author_table;
 
@@ -44,11 +55,19 @@ class RawRefgroveGraph {
   Arena arena_;  // holds the records
 };
 
+// The outcome of a graph pass: what it wrote, and the error of the first
+// write to the graph file that failed, if any.
+struct GraphPassResult {
+  RawRefgroveGraph::Counts counts;
+  std::error_code write_error;
+};
+
 // Reads the graph dump of in_dir and writes out_dir + "graph_data" (both
-// plain prefixes), reporting "writing graph file <name>..." on standard
-// error. `words` keeps every title word of the dump, with the ids the graph
-// file uses. The output file is opened only once the whole dump has parsed.
-void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words);
+// plain prefixes), reporting "writing graph file <name>..." on `err`.
+// `words` keeps every title word of the dump, with the ids the graph file
+// uses. The output file is opened only once the whole dump has parsed.
+GraphPassResult preprocGraph(const std::string& in_dir, const std::string& out_dir, StringTable* words,
+                             std::ostream& out = std::cout, std::ostream& err = std::cerr);
 
 // The progress of a pass once it has read `records` records: "\r" and the
 // count, every 1000 records, so that the count overwrites itself on one
@@ -56,8 +75,9 @@ void preprocGraph(const std::string& in_dir, const std::string& out_dir, StringT
 void reportGraphProgress(std::ostream& err, std::size_t records);
 
 // The two steps of preprocGraph after the reading: the message
-// "writing graph file <name>..." on standard error, and the file itself.
-void announceGraphFile(const std::string& out_dir);
-void writeGraphFile(const std::string& out_dir, const RawRefgroveGraph& graph);
+// "writing graph file <name>..." on `err`, and the file itself, which
+// returns the error of the first write that failed.
+void announceGraphFile(const std::string& out_dir, std::ostream& err = std::cerr);
+std::error_code writeGraphFile(const std::string& out_dir, const RawRefgroveGraph& graph);
 
 #endif  // REFGROVE_GRAPH_RAW_GRAPH_H_

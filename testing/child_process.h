@@ -12,7 +12,7 @@
 #include <iostream>
 #include <string>
 
-#include "testing/data_dir_builder.h"
+#include "testing/test_files.h"
 
 struct ChildResult {
   int status = -1;  // the exit status; 128 + the signal when killed

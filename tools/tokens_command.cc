@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "graph/graph_dump.h"
+#include "preproc/word_preproc.h"
 #include "tokenizer/stream_tokenizer.h"
-#include "words/word_preproc.h"
 #include "tools/commands.h"
 
 namespace {

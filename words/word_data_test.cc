@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "testing/data_dir_builder.h"
+#include "testing/test_files.h"
 
 namespace {
 

@@ -14,28 +14,32 @@
 // malformed. A part that does not end in a whole record fails to parse. When
 // any part that counts failed, the dump is read again from the start, one
 // record after the other, and that parse decides what is reported.
-#ifndef REFGROVE_GRAPH_CONCURRENT_GRAPH_PARSE_H_
-#define REFGROVE_GRAPH_CONCURRENT_GRAPH_PARSE_H_
+#ifndef REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_
+#define REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_
 
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <ostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "graph/arena.h"
 #include "graph/graph_record.h"
 #include "graph/raw_graph.h"
-#include "words/background_job.h"
+#include "preproc/background_job.h"
+#include "preproc/preprocess.h"
 #include "words/string_table.h"
 
 class ConcurrentGraphParse {
  public:
   // Starts parsing the graph dump of in_dir in up to `parts` parts of at
-  // least `min_part_bytes` bytes each.
+  // least `min_part_bytes` bytes each. Messages go to the options' streams
+  // and what the parts read to their progress.
   static constexpr int kParts = 2;
   static constexpr std::uintmax_t kMinPartBytes = std::uintmax_t{1} << 20;
-  explicit ConcurrentGraphParse(const std::string& in_dir, int parts = kParts,
+  explicit ConcurrentGraphParse(const std::string& in_dir, const PreprocOptions& options = {}, int parts = kParts,
                                 std::uintmax_t min_part_bytes = kMinPartBytes);
   ~ConcurrentGraphParse();
 
@@ -52,7 +56,7 @@ class ConcurrentGraphParse {
   // writes the messages and the file. Either way the outcome is exactly
   // that of preprocGraph on `words`, a ParserError thrown for a malformed
   // line included.
-  void finish(StringTable* words, const std::string& out_dir);
+  GraphPassResult finish(StringTable* words, const std::string& out_dir);
 
  private:
   struct Part;
@@ -66,12 +70,15 @@ class ConcurrentGraphParse {
   // Moves the records of `part` to the end of graph_.
   void append(Part& part, StringTable* words);
   // Writes the messages of a whole pass that read `records` records.
-  static void report(std::size_t records);
+  void report(std::size_t records) const;
 
   std::string in_dir_;
+  std::ostream& out_;
+  std::ostream& err_;
+  std::error_code write_error_;  // of the graph file written by writer_
   std::vector<std::unique_ptr<Part>> parts_;
   RawRefgroveGraph graph_;
   std::unique_ptr<BackgroundJob> writer_;  // runs join_and_write
 };
 
-#endif  // REFGROVE_GRAPH_CONCURRENT_GRAPH_PARSE_H_
+#endif  // REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_

@@ -1,15 +1,15 @@
 // MessageLog: messages of a pass that runs in a thread of its own, held
 // back and written later as if the pass had written them itself.
 //
-// The pass writes to out() and err() instead of standard output and error.
-// replay() then writes everything to std::cout and std::cerr in the order
-// in which it was written. The order across the two streams matters where
-// both go to one file or terminal: std::cerr flushes std::cout before each
-// write, so a program's messages come out there in program order.
-#ifndef REFGROVE_WORDS_MESSAGE_LOG_H_
-#define REFGROVE_WORDS_MESSAGE_LOG_H_
+// The pass writes to out() and err() instead of the run's two streams.
+// replay() then writes everything to those streams in the order in which it
+// was written. The order across the two streams matters where both go to
+// one file or terminal: std::cerr flushes std::cout before each write, so a
+// program's messages come out there in program order.
+#ifndef REFGROVE_PREPROC_MESSAGE_LOG_H_
+#define REFGROVE_PREPROC_MESSAGE_LOG_H_
 
-#include <iostream>
+#include <ostream>
 #include <streambuf>
 #include <string>
 #include <utility>
@@ -24,9 +24,9 @@ class MessageLog {
   std::ostream& out() { return out_; }
   std::ostream& err() { return err_; }
 
-  // Writes the messages to std::cout and std::cerr, in order.
-  void replay() const {
-    for (const auto& [stream, text] : segments_) (stream == kOut ? std::cout : std::cerr) << text;
+  // Writes the messages to `out` and `err`, in order.
+  void replay(std::ostream& out, std::ostream& err) const {
+    for (const auto& [stream, text] : segments_) (stream == kOut ? out : err) << text;
   }
 
  private:
@@ -62,4 +62,4 @@ class MessageLog {
   std::ostream out_, err_;
 };
 
-#endif  // REFGROVE_WORDS_MESSAGE_LOG_H_
+#endif  // REFGROVE_PREPROC_MESSAGE_LOG_H_

@@ -1,4 +1,4 @@
-#include "words/concurrent_word_file.h"
+#include "preproc/concurrent_word_file.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -40,7 +40,7 @@ ConcurrentWordFile::ConcurrentWordFile(WordPreproc* preproc, std::string path)
       path_(std::move(path)),
       data_out_(stream_with_room_for(held_bytes_for(path_))),
       read_([this] {
-        preproc_->preprocFile(&words_, data_out_, idx_out_, path_.c_str(), messages_.out(), messages_.err());
+        counts_ = preproc_->preprocFile(&words_, data_out_, idx_out_, path_.c_str(), messages_.out(), messages_.err());
       }) {}
 
 bool ConcurrentWordFile::number(StringTable* table) {
@@ -65,7 +65,7 @@ void ConcurrentWordFile::renumber(const std::vector<int>& ids) {
 
 void ConcurrentWordFile::write(std::ostream& data_out, std::ostream& idx_out) {
   if (const std::exception_ptr error = renumber_->wait()) std::rethrow_exception(error);
-  messages_.replay();
+  messages_.replay(*preproc_->options().out, *preproc_->options().err);
   // Each document as preprocFile writes it: its header, with the put
   // position of data_out, then its ids, which run up to the next header's.
   const std::string_view idx = idx_out_.view();
@@ -88,5 +88,6 @@ void ConcurrentWordFile::write(std::ostream& data_out, std::ostream& idx_out) {
 }
 
 void ConcurrentWordFile::read_again(StringTable* table, std::ostream& data_out, std::ostream& idx_out) {
-  preproc_->preprocFile(table, data_out, idx_out, path_.c_str());
+  counts_ = preproc_->preprocFile(table, data_out, idx_out, path_.c_str(), *preproc_->options().out,
+                                  *preproc_->options().err);
 }

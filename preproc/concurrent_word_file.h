@@ -8,8 +8,8 @@
 // job of its own. write() then writes the documents and messages where
 // preprocFile would have written them: the files, ids and messages are
 // exactly those of preprocFile run on the caller's table.
-#ifndef REFGROVE_WORDS_CONCURRENT_WORD_FILE_H_
-#define REFGROVE_WORDS_CONCURRENT_WORD_FILE_H_
+#ifndef REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_
+#define REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_
 
 #include <exception>
 #include <memory>
@@ -18,11 +18,11 @@
 #include <string>
 #include <vector>
 
-#include "words/background_job.h"
-#include "words/message_log.h"
+#include "preproc/background_job.h"
+#include "preproc/message_log.h"
+#include "preproc/word_preproc.h"
 #include "words/string_table.h"
 #include "words/word_files.h"
-#include "words/word_preproc.h"
 
 class ConcurrentWordFile {
  public:
@@ -46,6 +46,9 @@ class ConcurrentWordFile {
   // Reads the dump once more, with preprocFile on `table`.
   void read_again(StringTable* table, std::ostream& data_out, std::ostream& idx_out);
 
+  // After write() or read_again(): what the dump held beside its documents.
+  const WordPreproc::DumpCounts& counts() const { return counts_; }
+
  private:
   // Replaces each held id by ids[id].
   void renumber(const std::vector<int>& ids);
@@ -55,10 +58,11 @@ class ConcurrentWordFile {
   StringTable words_;
   std::ostringstream data_out_, idx_out_;
   MessageLog messages_;
+  WordPreproc::DumpCounts counts_;
   std::exception_ptr read_error_;
   std::string data_;                         // the held ids, once numbered
   std::unique_ptr<BackgroundJob> renumber_;  // rewrites data_
   BackgroundJob read_;  // last: it runs while the others live
 };
 
-#endif  // REFGROVE_WORDS_CONCURRENT_WORD_FILE_H_
+#endif  // REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_

@@ -1,4 +1,4 @@
-#include "graph/concurrent_graph_parse.h"
+#include "preproc/concurrent_graph_parse.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -18,7 +18,8 @@ namespace {
 // start.
 class FileRange : public std::streambuf {
  public:
-  FileRange(const std::string& path, std::streamoff begin, std::streamoff end) : left_(end - begin) {
+  FileRange(const std::string& path, std::streamoff begin, std::streamoff end, PreprocProgress* progress)
+      : left_(end - begin), progress_(progress) {
     if (file_.open(path, std::ios::in | std::ios::binary) == nullptr ||
         (begin > 0 && file_.pubseekpos(begin, std::ios::in) != std::streampos(begin))) {
       left_ = 0;
@@ -30,6 +31,7 @@ class FileRange : public std::streambuf {
     const std::streamsize n = left_ <= 0 ? 0 : file_.sgetn(buffer_, std::min<std::streamoff>(left_, kBufferBytes));
     if (n <= 0) return traits_type::eof();
     left_ -= n;
+    if (progress_ != nullptr) progress_->bytes_read.fetch_add(static_cast<std::uint64_t>(n), std::memory_order_relaxed);
     setg(buffer_, buffer_, buffer_ + n);
     return traits_type::to_int_type(buffer_[0]);
   }
@@ -38,6 +40,7 @@ class FileRange : public std::streambuf {
   static constexpr std::streamsize kBufferBytes = 1 << 16;
   std::filebuf file_;
   std::streamoff left_;
+  PreprocProgress* progress_;  // or null
   char buffer_[kBufferBytes];
 };
 
@@ -97,11 +100,11 @@ void renumber_authors(const std::vector<RefgroveGraphData*>& docs, const std::ve
 
 // The records of one stretch of the dump, parsed in a thread of its own.
 struct ConcurrentGraphParse::Part {
-  Part(const std::string& path, std::streamoff begin, std::streamoff end)
-      : parse([this, path, begin, end] { read(path, begin, end); }) {}
+  Part(const std::string& path, std::streamoff begin, std::streamoff end, PreprocProgress* progress)
+      : parse([this, path, begin, end, progress] { read(path, begin, end, progress); }) {}
 
-  void read(const std::string& path, std::streamoff begin, std::streamoff end) {
-    FileRange range(path, begin, end);
+  void read(const std::string& path, std::streamoff begin, std::streamoff end, PreprocProgress* progress) {
+    FileRange range(path, begin, end, progress);
     std::istream in(&range);
     const std::unique_ptr<RefgroveGraphTokenizer> t = create_refgrovegraph_tokenizer(in);
     GraphLineParser parser(&arena, &titles, &authors);
@@ -122,15 +125,16 @@ struct ConcurrentGraphParse::Part {
   BackgroundJob parse;  // last: it runs while the others live
 };
 
-ConcurrentGraphParse::ConcurrentGraphParse(const std::string& in_dir, int parts, std::uintmax_t min_part_bytes)
-    : in_dir_(in_dir) {
+ConcurrentGraphParse::ConcurrentGraphParse(const std::string& in_dir, const PreprocOptions& options, int parts,
+                                           std::uintmax_t min_part_bytes)
+    : in_dir_(in_dir), out_(*options.out), err_(*options.err) {
   const std::string path = in_dir + kGraphDumpFile;
   std::streamoff begin = 0;
   for (const std::streamoff start : part_starts(path, parts, min_part_bytes)) {
-    parts_.push_back(std::make_unique<Part>(path, begin, start));
+    parts_.push_back(std::make_unique<Part>(path, begin, start, options.progress));
     begin = start;
   }
-  parts_.push_back(std::make_unique<Part>(path, begin, std::numeric_limits<std::streamoff>::max()));
+  parts_.push_back(std::make_unique<Part>(path, begin, std::numeric_limits<std::streamoff>::max(), options.progress));
 }
 
 ConcurrentGraphParse::~ConcurrentGraphParse() = default;
@@ -141,14 +145,12 @@ void ConcurrentGraphParse::write_file(StringTable* words, const std::string& out
   writer_ = std::make_unique<BackgroundJob>([this, words, out_dir] { join_and_write(words, out_dir); });
 }
 
-void ConcurrentGraphParse::finish(StringTable* words, const std::string& out_dir) {
-  if (!writer_) {
-    preprocGraph(in_dir_, out_dir, words);
-    return;
-  }
+GraphPassResult ConcurrentGraphParse::finish(StringTable* words, const std::string& out_dir) {
+  if (!writer_) return preprocGraph(in_dir_, out_dir, words, out_, err_);
   if (const std::exception_ptr error = writer_->wait()) std::rethrow_exception(error);
   report(graph_.docs.size());
-  announceGraphFile(out_dir);
+  announceGraphFile(out_dir, err_);
+  return GraphPassResult{graph_.counts(), write_error_};
 }
 
 bool ConcurrentGraphParse::parts_hold_the_dump() const {
@@ -166,7 +168,7 @@ void ConcurrentGraphParse::join_and_write(StringTable* words, const std::string&
     append(*part, words);
     if (part->ends_at_marker) break;
   }
-  writeGraphFile(out_dir, graph_);
+  write_error_ = writeGraphFile(out_dir, graph_);
 }
 
 void ConcurrentGraphParse::append(Part& part, StringTable* words) {
@@ -180,8 +182,8 @@ void ConcurrentGraphParse::append(Part& part, StringTable* words) {
   graph_.arena_.absorb(part.arena);
 }
 
-void ConcurrentGraphParse::report(std::size_t records) {
-  std::cout << "preprocGraph() ...\n";
-  for (std::size_t count = 1; count <= records; ++count) reportGraphProgress(std::cerr, count);
-  std::cerr << std::endl;
+void ConcurrentGraphParse::report(std::size_t records) const {
+  out_ << "preprocGraph() ...\n";
+  for (std::size_t count = 1; count <= records; ++count) reportGraphProgress(err_, count);
+  err_ << std::endl;
 }

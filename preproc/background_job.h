@@ -1,7 +1,7 @@
 // BackgroundJob: work run in a thread of its own while the caller goes on;
 // the preprocessor reads some of its dumps this way.
-#ifndef REFGROVE_WORDS_BACKGROUND_JOB_H_
-#define REFGROVE_WORDS_BACKGROUND_JOB_H_
+#ifndef REFGROVE_PREPROC_BACKGROUND_JOB_H_
+#define REFGROVE_PREPROC_BACKGROUND_JOB_H_
 
 #include <exception>
 #include <functional>
@@ -49,4 +49,4 @@ class BackgroundJob {
   std::thread thread_;
 };
 
-#endif  // REFGROVE_WORDS_BACKGROUND_JOB_H_
+#endif  // REFGROVE_PREPROC_BACKGROUND_JOB_H_

@@ -8,15 +8,17 @@
 // are cut by WordLanguage: every punctuation character is a word of its own
 // and control characters are blanks. A word with any byte of 128 or more is
 // stored as "[foreign]".
-#ifndef REFGROVE_WORDS_WORD_PREPROC_H_
-#define REFGROVE_WORDS_WORD_PREPROC_H_
+#ifndef REFGROVE_PREPROC_WORD_PREPROC_H_
+#define REFGROVE_PREPROC_WORD_PREPROC_H_
 
+#include <cstdint>
 #include <fstream>
 #include <iostream>
 #include <istream>
 #include <string>
 #include <vector>
 
+#include "preproc/preprocess.h"
 #include "tokenizer/stream_tokenizer.h"
 #include "words/string_table.h"
 
@@ -48,25 +50,42 @@ class WordPreproc {
     WordLanguage language_;
   };
 
+  // What one word dump held beside its documents.
+  struct DumpCounts {
+    std::int64_t lines_without_did = 0;
+    std::int64_t clamped_dids = 0;  // DIDs beyond the int32 range, clamped to it
+
+    DumpCounts& operator+=(const DumpCounts& other) {
+      lines_without_did += other.lines_without_did;
+      clamped_dids += other.clamped_dids;
+      return *this;
+    }
+  };
+
   // Fills `files` with the three dump names, in processing order.
-  WordPreproc();
+  explicit WordPreproc(const PreprocOptions& options = {});
 
   // Preprocesses the dumps of in_dir into out_dir (both plain prefixes: the
   // file names are appended without a separator). Writes "word-data",
   // "word-idx" and the graph file, then "word-table"; the graph file only
-  // once every dump has parsed. Progress goes to standard output; a dump
+  // once every dump has parsed. Progress goes to the options' `out`; a dump
   // that does not parse throws ParserError.
-  void preproc(const std::string& in_dir, const std::string& out_dir);
+  PreprocSummary preproc(const std::string& in_dir, const std::string& out_dir);
 
   // Processes one word dump: appends its documents' word ids to `data_out`
   // ("word-data") and one header per document to `idx_out` ("word-idx").
   // Progress goes to `out`. A line without a leading DID is reported on
   // `err` and skipped; a file that cannot be opened is reported and
   // contributes nothing.
-  void preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out, const char* path,
-                   std::ostream& out = std::cout, std::ostream& err = std::cerr);
+  DumpCounts preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out, const char* path,
+                         std::ostream& out = std::cout, std::ostream& err = std::cerr);
+
+  const PreprocOptions& options() const { return options_; }
 
   std::vector<const char*> files;
+
+ private:
+  PreprocOptions options_;
 };
 
-#endif  // REFGROVE_WORDS_WORD_PREPROC_H_
+#endif  // REFGROVE_PREPROC_WORD_PREPROC_H_

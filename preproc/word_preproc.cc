@@ -1,18 +1,20 @@
-#include "words/word_preproc.h"
+#include "preproc/word_preproc.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <vector>
 
-#include "core/refgrove.h"
-#include "graph/concurrent_graph_parse.h"
+#include "graph/graph_file.h"
 #include "graph/raw_graph.h"
+#include "preproc/output_file.h"
+#include "preproc/concurrent_graph_parse.h"
+#include "preproc/concurrent_word_file.h"
 #include "words/compacted_string_table.h"
-#include "words/concurrent_word_file.h"
 #include "words/word_files.h"
 
 namespace {
@@ -68,6 +70,22 @@ std::vector<ConcurrentWordFile*> number_read_aside(const std::vector<std::unique
   return numbered;
 }
 
+// Adds what a reader has read of its dump to the run's progress, from the
+// position it has reached.
+class ProgressNote {
+ public:
+  explicit ProgressNote(PreprocProgress* progress) : progress_(progress) {}
+  void at(std::uint64_t position) {
+    if (progress_ == nullptr || position <= noted_) return;
+    progress_->bytes_read.fetch_add(position - noted_, std::memory_order_relaxed);
+    noted_ = position;
+  }
+
+ private:
+  PreprocProgress* progress_;
+  std::uint64_t noted_ = 0;
+};
+
 }  // namespace
 
 WordPreproc::WordLanguage::WordLanguage() {
@@ -91,24 +109,30 @@ WordPreproc::WordTokenizer::WordTokenizer(std::istream* in) : StreamTokenizer(in
 
 WordPreproc::WordTokenizer::~WordTokenizer() = default;
 
-WordPreproc::WordPreproc() : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)) {}
+WordPreproc::WordPreproc(const PreprocOptions& options)
+    : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)), options_(options) {}
 
-void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
+PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
+  std::ostream& out = *options_.out;
+  std::ostream& err = *options_.err;
+  // Opened first, so that a directory that cannot be written is found
+  // before anything is read.
+  OutputFile data_out(out_dir + kWordDataFile, options_.checked);
+  OutputFile idx_out(out_dir + kWordIdxFile, options_.checked);
   // The graph dump and every word dump but the first are read meanwhile,
   // each in threads of its own; see ConcurrentGraphParse and
   // ConcurrentWordFile. The table outlives them: the graph pass interns
   // title words in it until it finishes.
   StringTable table;
-  ConcurrentGraphParse graph_parse(in_dir);
+  ConcurrentGraphParse graph_parse(in_dir, options_);
   std::vector<std::unique_ptr<ConcurrentWordFile>> read_aside;
   for (std::size_t i = 1; i < files.size(); ++i) {
     read_aside.push_back(std::make_unique<ConcurrentWordFile>(this, in_dir + files[i]));
   }
-  std::ofstream data_out(out_dir + kWordDataFile, std::ios::out | std::ios::trunc | std::ios::binary);
-  std::ofstream idx_out(out_dir + kWordIdxFile, std::ios::out | std::ios::trunc | std::ios::binary);
-  std::cout << "Preproc word data ... \n";
-  std::cout << "1. Reading words ... \n";
-  if (!files.empty()) preprocFile(&table, data_out, idx_out, (in_dir + files[0]).c_str());
+  out << "Preproc word data ... \n";
+  out << "1. Reading words ... \n";
+  DumpCounts counts;
+  if (!files.empty()) counts = preprocFile(&table, data_out, idx_out, (in_dir + files[0]).c_str(), out, err);
   const std::vector<ConcurrentWordFile*> to_write = number_read_aside(read_aside, &table, data_out, idx_out);
   // The title words get their ids after all words of the abstracts. Once
   // every word dump has parsed, nothing can keep the graph file from being
@@ -117,26 +141,42 @@ void WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir)
     graph_parse.write_file(&table, out_dir);
   }
   for (ConcurrentWordFile* dump : to_write) dump->write(data_out, idx_out);
+  for (const std::unique_ptr<ConcurrentWordFile>& dump : read_aside) counts += dump->counts();
 
-  std::cout << "2. Finalizing word-idx\n";
+  out << "2. Finalizing word-idx\n";
   const std::streamoff end = data_out.tellp();
   write_document_word_info(idx_out, DocumentWordInfo{-1, static_cast<std::int32_t>(end)});
-  idx_out.close();
-  data_out.close();
+  const std::streamoff headers = idx_out.tellp() / static_cast<std::streamoff>(kDocumentWordInfoBytes);
+  idx_out.finish();
+  data_out.finish();
 
   // The table is written only once the title words are in.
-  std::cout << "3. Preproc author\n";
-  graph_parse.finish(&table, out_dir);
+  out << "3. Preproc author\n";
+  const GraphPassResult graph = graph_parse.finish(&table, out_dir);
+  if (options_.checked) throw_if_failed(out_dir + kGraphFile, graph.write_error);
 
-  std::cout << "4. Writing word-table\n";
-  std::ofstream table_out(out_dir + kWordTableFile, std::ios::out | std::ios::trunc | std::ios::binary);
+  out << "4. Writing word-table\n";
+  OutputFile table_out(out_dir + kWordTableFile, options_.checked);
   CompactedStringTable(table).write(table_out);
-  table_out.close();
-  std::cout << "Done Preproc Word.\n";
+  table_out.finish();
+  out << "Done Preproc Word.\n";
+
+  PreprocSummary summary;
+  summary.documents = std::max<std::int64_t>(headers - 1, 0);
+  summary.abstract_words = std::max<std::int64_t>(end, 0) / static_cast<std::int64_t>(kWordIdBytes);
+  summary.words = table.size();
+  summary.records = graph.counts.records;
+  summary.authors = graph.counts.authors;
+  summary.citations = graph.counts.citations;
+  summary.lines_without_did = counts.lines_without_did;
+  summary.values_out_of_range = counts.clamped_dids + graph.counts.clamped_values;
+  return summary;
 }
 
-void WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out, const char* path,
-                              std::ostream& out, std::ostream& err) {
+WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out,
+                                                 const char* path, std::ostream& out, std::ostream& err) {
+  DumpCounts counts;
+  ProgressNote progress(options_.progress);
   std::ifstream in(path, std::ios::in | std::ios::binary);
   out << "  - Reading " << path << std::endl;
   if (!in.good()) err << "failed to open file ! \n";
@@ -148,6 +188,7 @@ void WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::o
   // stream for every document (a failed stream reports -1).
   std::int64_t position = data_out.tellp();
   std::string ids;  // the document's word ids, 3 bytes each (a buffer that only grows)
+  std::uint64_t documents = 0;
   while (t.has_more_tokens()) {
     int did = 0;
     if (!t.try_next_integer(&did)) {
@@ -159,12 +200,15 @@ void WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::o
         err << token;
       }
       err << "\n ------------------------- \n";
+      ++counts.lines_without_did;
       continue;
     }
+    if (did == INT_MAX || did == INT_MIN) ++counts.clamped_dids;
 
     const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
     write_document_word_info(idx_out, DocumentWordInfo{did, offset});
     if (did % 1000 == 0) out << '\r' << did;
+    if (++documents % 1024 == 0) progress.at(static_cast<std::uint64_t>(std::max<std::streamoff>(in.tellg(), 0)));
 
     t.next_token();  // the field after the DID is not used
     std::size_t n = 0;  // bytes of `ids` in use
@@ -204,17 +248,8 @@ void WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::o
     position += static_cast<std::int64_t>(n);
   }
   out << std::endl;
-}
-
-void refgrove_preproc_1(const char* a, const char* b) {
-  // The one place where a dump that does not parse ends the process: the
-  // parsers below only throw.
-  try {
-    WordPreproc preproc;
-    preproc.preproc(a, b);
-  } catch (const ParserError& e) {
-    e.write(std::cerr);
-    std::cerr.flush();
-    std::exit(3);
-  }
+  std::error_code no_size;
+  const std::uintmax_t size = std::filesystem::file_size(path, no_size);
+  if (!no_size) progress.at(size);
+  return counts;
 }

@@ -1,7 +1,7 @@
 // Word preprocessing: the word dumps' language, whole runs with their files
 // and messages byte for byte, the error paths, and preprocessing followed by
 // loading and querying.
-#include "words/word_preproc.h"
+#include "preproc/word_preproc.h"
 
 #include <gtest/gtest.h>
 

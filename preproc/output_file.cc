@@ -1,0 +1,25 @@
+#include "preproc/output_file.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace {
+
+std::error_code last_error() { return std::error_code(errno != 0 ? errno : EIO, std::generic_category()); }
+
+}  // namespace
+
+OutputFile::OutputFile(std::string path, bool checked)
+    : std::ofstream(path, std::ios::out | std::ios::trunc | std::ios::binary), path_(std::move(path)), checked_(checked) {
+  if (checked_ && !is_open()) throw_if_failed(path_, last_error());
+  errno = 0;  // a failed write sets it; a failure without one is EIO
+}
+
+void OutputFile::finish() {
+  close();
+  if (checked_ && fail()) throw_if_failed(path_, last_error());
+}
+
+void throw_if_failed(const std::string& path, std::error_code error) {
+  if (error) throw PreprocError(path, error.message());
+}
