@@ -1,10 +1,9 @@
 #include "core/data_set.h"
 
 #include <algorithm>
-#include <iostream>
-#include <string>
+#include <sstream>
 
-RefgroveData* refgrove_data = nullptr;
+#include "core/data_view.h"
 
 namespace {
 // The DID index holds at most this many entries per document of the data,
@@ -14,18 +13,29 @@ constexpr std::size_t kIndexEntriesPerDocument = 16;
 constexpr std::size_t kMinIndexSize = std::size_t{1} << 21;
 }  // namespace
 
-RefgroveData::RefgroveData(const char* path) {
-  word_data = std::make_unique<WordData>(path);
-  const std::string graph_file_name = std::string(path) + kGraphFile;
-  std::cerr << "graph_file_name=" << graph_file_name << std::endl;
-  graph = std::make_unique<RefgroveGraph>(MappedFile(graph_file_name));
+RefgroveData::RefgroveData(const std::string& path, std::ostream& log) {
+  word_data = std::make_unique<WordData>(path, log);
+  const std::string graph_file_name = path + kGraphFile;
+  log << "graph_file_name=" << graph_file_name << std::endl;
+  graph = std::make_unique<RefgroveGraph>(MappedFile(graph_file_name), log);
   max_index_size_ = std::max(kMinIndexSize, kIndexEntriesPerDocument * (graph->docs.size() + word_data->doc_info.size()));
   size_index();
   index_graph();
   index_words();
   if (unindexed_ > 0) {
-    std::cerr << "refgrove: " << unindexed_ << " documents not indexed: their DID is negative or out of range\n";
+    log << "refgrove: " << unindexed_ << " documents not indexed: their DID is negative or out of range\n";
   }
+}
+
+RefgroveData::RefgroveData() : word_data(std::make_unique<WordData>()) {
+  std::istringstream no_bytes;
+  std::ostream no_log(nullptr);
+  graph = std::make_unique<RefgroveGraph>(no_bytes, no_log);
+}
+
+const RefgroveData& RefgroveData::empty() {
+  static const RefgroveData* const kEmpty = new RefgroveData();  // never destroyed: threads may query it at exit
+  return *kEmpty;
 }
 
 bool RefgroveData::fits(std::int32_t did) const {
@@ -70,11 +80,6 @@ void RefgroveData::index_words() {
   }
 }
 
-void refgrove_load_1(const char* path) {
-  if (refgrove_data != nullptr) {
-    std::cerr << "deleting loaded data...\n";
-    delete refgrove_data;
-    refgrove_data = nullptr;
-  }
-  refgrove_data = new RefgroveData(path);
+std::shared_ptr<RefgroveData> refgrove::load_data_set(const std::string& path, std::ostream& log) {
+  return std::make_shared<RefgroveData>(path, log);
 }

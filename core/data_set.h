@@ -7,14 +7,22 @@
 // record and of its word-data header (-1 where a half has none), so that a
 // query reaches either in one array access. Where a DID occurs more than
 // once in a half, the last occurrence wins.
+//
+// A loaded set is never changed, except that its reverse indexes are built
+// on first use (thread-safely, see reverse_index.h); any number of threads
+// may query it at once.
 #ifndef REFGROVE_CORE_DATA_SET_H_
 #define REFGROVE_CORE_DATA_SET_H_
 
 #include <cstdint>
+#include <iostream>
 #include <memory>
+#include <ostream>
+#include <string>
 #include <vector>
 
 #include "core/refgrove.h"
+#include "core/reverse_index.h"
 #include "graph/graph_file.h"
 #include "words/word_data.h"
 
@@ -26,8 +34,12 @@ struct WordGraphDataIds {
 class RefgroveData {
  public:
   // Loads the data directory `path`, a prefix to which the file names are
-  // appended (so it normally ends in "/").
-  explicit RefgroveData(const char* path);
+  // appended (so it normally ends in "/"), writing progress to `log`.
+  explicit RefgroveData(const std::string& path, std::ostream& log = std::cerr);
+
+  // A set without documents, words or authors, standing for "nothing
+  // loaded" where a data set is required.
+  static const RefgroveData& empty();
 
   RefgroveData(const RefgroveData&) = delete;
   RefgroveData& operator=(const RefgroveData&) = delete;
@@ -38,11 +50,24 @@ class RefgroveData {
     return &did_index[static_cast<std::size_t>(did)];
   }
 
+  // The reverse indexes, built on first use.
+  const GroupedIndex& cited_by() const {
+    return cited_by_.get([this] { return cited_by_index(*graph, did_index); });
+  }
+  const GroupedIndex& author_docs() const {
+    return author_docs_.get([this] { return author_docs_index(*graph, did_index); });
+  }
+  const KeyIndex& key_docs() const {
+    return key_docs_.get([this] { return KeyIndex(*graph, did_index); });
+  }
+
   std::vector<WordGraphDataIds> did_index;
   std::unique_ptr<WordData> word_data;
   std::unique_ptr<RefgroveGraph> graph;
 
  private:
+  RefgroveData();  // empty()
+
   // Whether `did` has a place in an index proportional to the data's size;
   // indexable() also counts the DIDs that have none.
   bool fits(std::int32_t did) const;
@@ -53,6 +78,10 @@ class RefgroveData {
 
   std::size_t max_index_size_ = 0;
   std::size_t unindexed_ = 0;  // documents whose DID could not be indexed
+
+  BuiltOnce<GroupedIndex> cited_by_;
+  BuiltOnce<GroupedIndex> author_docs_;
+  BuiltOnce<KeyIndex> key_docs_;
 };
 
 #endif  // REFGROVE_CORE_DATA_SET_H_

@@ -1,6 +1,6 @@
 // Shared steps of the query and printing operations: from a DID to its graph
 // record or its word run, and from an id to its text. Every step checks its
-// range, so a DID, index or id outside the loaded data is simply absent.
+// range, so a DID, index or id outside the data set is simply absent.
 #ifndef REFGROVE_CORE_LOOKUP_H_
 #define REFGROVE_CORE_LOOKUP_H_
 
@@ -16,17 +16,17 @@ struct WordRun {
 };
 
 // The graph record of `did` found through the DID index, or null.
-const RefgroveGraphData* graph_record(int did);
+const RefgroveGraphData* graph_record(const RefgroveData& d, int did);
 
 // The word-data header position of `did`, or -1.
-int word_index_of(int did);
+int word_index_of(const RefgroveData& d, int did);
 
 // The word run of header `w` (which must be a document header, not the last
 // entry of doc_info).
-WordRun word_run_at(int w);
+WordRun word_run_at(const RefgroveData& d, int w);
 
 // The text of a word id or an author id, or null outside its table.
-const char* word_text(std::uint32_t id);
-const char* author_text(int author_id);
+const char* word_text(const RefgroveData& d, std::uint32_t id);
+const char* author_text(const RefgroveData& d, int author_id);
 
 #endif  // REFGROVE_CORE_LOOKUP_H_

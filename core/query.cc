@@ -1,8 +1,13 @@
-// The query operations of the C interface (refgrove.h). Each is a constant
-// number of array accesses: no allocation, no copying of strings.
-#include "core/lookup.h"
-#include "core/refgrove.h"
+// The query operations (data_view.h). Each forward query is a constant
+// number of array accesses, each reverse one a bisection in an index built
+// once: no allocation, no copying of strings.
+#include <algorithm>
+#include <span>
 
+#include "core/data_view.h"
+#include "core/lookup.h"
+
+namespace refgrove {
 namespace {
 
 bool in_range(int i, std::int64_t n) { return i >= 0 && i < n; }
@@ -14,108 +19,186 @@ int give_text(const char* text, const char** out) {
   return 1;
 }
 
-}  // namespace
-
-void refgrove_last_did_1(int* out) {
-  *out = refgrove_data == nullptr ? 0 : static_cast<int>(refgrove_data->did_index.size());
+// The count operations of the reverse indexes.
+int give_count(std::size_t n, int* out) {
+  *out = static_cast<int>(n);
+  return n > 0;
 }
 
-int refgrove_has_graph_info_1(int did) { return graph_record(did) != nullptr; }
+// The getters of the reverse indexes.
+int give_item(std::span<const std::int32_t> items, int i, int* out) {
+  if (!in_range(i, static_cast<std::int64_t>(items.size()))) return 0;
+  *out = items[static_cast<std::size_t>(i)];
+  return 1;
+}
 
-int refgrove_has_word_info_1(int did) { return word_index_of(did) >= 0; }
+// The DIDs of the records at positions `at` of the graph.
+int give_did_at(const RefgroveData& d, std::span<const std::int32_t> at, int i, int* out) {
+  int position = 0;
+  if (!give_item(at, i, &position)) return 0;
+  *out = d.graph->docs[static_cast<std::size_t>(position)]->did;
+  return 1;
+}
 
-int refgrove_get_key_1(int did, const char** out) {
-  const RefgroveGraphData* r = graph_record(did);
+// A null key, like "-", names no document.
+std::span<const std::int32_t> key_docs(const RefgroveData& d, const char* key) {
+  if (key == nullptr) return {};
+  return d.key_docs().find(*d.graph, key);
+}
+
+// The byte range of `did`'s abstract in "word-data": from its header's
+// offset to the next header's, cut to the mapped file.
+struct ByteRun {
+  std::int64_t start = 0;
+  std::int64_t words = 0;
+};
+
+ByteRun abstract_bytes(const RefgroveData& d, int did) {
+  const int w = word_index_of(d, did);
+  if (w < 0) return {};
+  const std::vector<DocumentWordInfo>& headers = d.word_data->doc_info;
+  const std::int64_t start = headers[static_cast<std::size_t>(w)].offset;
+  const std::int64_t end = std::min<std::int64_t>(headers[static_cast<std::size_t>(w) + 1].offset,
+                                                  d.word_data->mapped_bytes());
+  if (start < 0 || end <= start) return {};
+  return ByteRun{start, (end - start) / kWordIdBytes};
+}
+
+}  // namespace
+
+void last_did(const RefgroveData& d, int* out) { *out = static_cast<int>(d.did_index.size()); }
+
+int has_graph_info(const RefgroveData& d, int did) { return graph_record(d, did) != nullptr; }
+
+int has_word_info(const RefgroveData& d, int did) { return word_index_of(d, did) >= 0; }
+
+int get_key(const RefgroveData& d, int did, const char** out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   return r == nullptr ? 0 : give_text(r->key.data(), out);
 }
 
-int refgrove_get_year_1(int did, int* out) {
-  const RefgroveGraphData* r = graph_record(did);
+int get_year(const RefgroveData& d, int did, int* out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   *out = r == nullptr ? 0 : r->year;
   return r != nullptr;
 }
 
-int refgrove_cite_count_1(int did, int* out) {
-  const RefgroveGraphData* r = graph_record(did);
+int cite_count(const RefgroveData& d, int did, int* out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   *out = r == nullptr ? 0 : r->citations.size();
   return r != nullptr;
 }
 
-int refgrove_get_cite_1(int did, int i, int* cited, int* gid) {
-  const RefgroveGraphData* r = graph_record(did);
+int get_cite(const RefgroveData& d, int did, int i, int* cited, int* gid) {
+  const RefgroveGraphData* r = graph_record(d, did);
   const bool found = r != nullptr && in_range(i, r->citations.size());
   *cited = found ? r->citations[i].did : 0;
   *gid = found ? r->citations[i].gid : 0;
   return found;
 }
 
-int refgrove_title_length_1(int did, int* out) {
-  const RefgroveGraphData* r = graph_record(did);
+int title_length(const RefgroveData& d, int did, int* out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   *out = r == nullptr ? 0 : r->title.size();
   return r != nullptr;
 }
 
-int refgrove_get_title_word_1(int did, int i, const char** out) {
-  const RefgroveGraphData* r = graph_record(did);
+int get_title_word(const RefgroveData& d, int did, int i, const char** out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   if (r == nullptr || !in_range(i, r->title.size())) return 0;
-  return give_text(word_text(r->title[i].id()), out);
+  return give_text(word_text(d, r->title[i].id()), out);
 }
 
-int refgrove_author_count_1(int did, int* out) {
-  const RefgroveGraphData* r = graph_record(did);
+int author_count(const RefgroveData& d, int did, int* out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   *out = r == nullptr ? 0 : r->nb_authors;
   return r != nullptr;
 }
 
-int refgrove_get_author_id_1(int did, int i, int* out) {
-  const RefgroveGraphData* r = graph_record(did);
+int get_author_id(const RefgroveData& d, int did, int i, int* out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   if (r == nullptr || !in_range(i, r->nb_authors)) return 0;
   *out = r->authors[i];
   return 1;
 }
 
-int refgrove_get_author_1(int did, int i, const char** out) {
-  const RefgroveGraphData* r = graph_record(did);
+int get_author(const RefgroveData& d, int did, int i, const char** out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   if (r == nullptr || !in_range(i, r->nb_authors)) return 0;
-  return give_text(author_text(r->authors[i]), out);
+  return give_text(author_text(d, r->authors[i]), out);
 }
 
-void refgrove_get_authors_1(int did, int* out) {
-  const RefgroveGraphData* r = graph_record(did);
+void get_authors(const RefgroveData& d, int did, int* out) {
+  const RefgroveGraphData* r = graph_record(d, did);
   if (r == nullptr) return;
   for (int k = 0; k < r->nb_authors; ++k) out[k] = r->authors[k];
 }
 
-int refgrove_word_count_1(int did, int* out) {
-  const int w = word_index_of(did);
+int word_count(const RefgroveData& d, int did, int* out) {
+  const int w = word_index_of(d, did);
   if (w < 0) return 0;
-  *out = static_cast<int>(word_run_at(w).count);
+  *out = static_cast<int>(word_run_at(d, w).count);
   return 1;
 }
 
-int refgrove_get_word_1(int did, int i, const char** out) {
-  const int w = word_index_of(did);
+int get_word(const RefgroveData& d, int did, int i, const char** out) {
+  const int w = word_index_of(d, did);
   if (w < 0) return 0;
-  const WordRun run = word_run_at(w);
+  const WordRun run = word_run_at(d, w);
   std::uint32_t id = 0;
-  if (!in_range(i, run.count) || !refgrove_data->word_data->word_id_at(run.start + i, &id)) return 0;
-  return give_text(word_text(id), out);
+  if (!in_range(i, run.count) || !d.word_data->word_id_at(run.start + i, &id)) return 0;
+  return give_text(word_text(d, id), out);
 }
 
-int refgrove_id2author_1(int author_id, const char** out) { return give_text(author_text(author_id), out); }
-
-int refgrove_get_nb_authors_1(void) {
-  return refgrove_data == nullptr ? 0 : refgrove_data->graph->author_table->count;
+int id2author(const RefgroveData& d, int author_id, const char** out) {
+  return give_text(author_text(d, author_id), out);
 }
 
-void refgrove_stats_1(int* docs, int* words, int* authors) {
-  if (refgrove_data == nullptr) {
+int get_nb_authors(const RefgroveData& d) { return d.graph->author_table->count; }
+
+void stats(const RefgroveData* d, int* docs, int* words, int* authors) {
+  if (d == nullptr) {
     *docs = *words = *authors = 0;
     return;
   }
-  *docs = static_cast<int>(refgrove_data->word_data->doc_info.size()) - 1;
-  *words = refgrove_data->word_data->word_table->count;
-  *authors = refgrove_data->graph->author_table->count;
+  *docs = static_cast<int>(d->word_data->doc_info.size()) - 1;
+  *words = d->word_data->word_table->count;
+  *authors = d->graph->author_table->count;
 }
 
-double refgrove_author_distance_1(int, int) { return 0.0; }
+double author_distance(const RefgroveData&, int, int) { return 0.0; }
+
+int cited_by_count(const RefgroveData& d, int did, int* out) { return give_count(d.cited_by().find(did).size(), out); }
+
+int get_cited_by(const RefgroveData& d, int did, int i, int* citing) {
+  return give_item(d.cited_by().find(did), i, citing);
+}
+
+int author_doc_count(const RefgroveData& d, int author_id, int* out) {
+  return give_count(d.author_docs().find(author_id).size(), out);
+}
+
+int get_author_doc(const RefgroveData& d, int author_id, int i, int* did) {
+  return give_item(d.author_docs().find(author_id), i, did);
+}
+
+int key_doc_count(const RefgroveData& d, const char* key, int* out) { return give_count(key_docs(d, key).size(), out); }
+
+int get_key_doc(const RefgroveData& d, const char* key, int i, int* did) {
+  return give_did_at(d, key_docs(d, key), i, did);
+}
+
+int abstract_length(const RefgroveData& d, int did, int* out) {
+  return give_count(static_cast<std::size_t>(abstract_bytes(d, did).words), out);
+}
+
+int get_abstract_word(const RefgroveData& d, int did, int i, const char** out) {
+  const ByteRun run = abstract_bytes(d, did);
+  std::uint32_t id = 0;
+  if (!in_range(i, run.words) || !d.word_data->word_id_at_byte(run.start + std::int64_t{kWordIdBytes} * i, &id)) {
+    return 0;
+  }
+  return give_text(word_text(d, id), out);
+}
+
+}  // namespace refgrove

@@ -7,7 +7,9 @@
  * Strings handed out are borrowed from the loaded data: they stay valid until
  * the next refgrove_load_1 and must not be freed.
  *
- * Single-threaded: no call may run while another one is in progress. */
+ * Queries may run on several threads at once; a load must not run while any
+ * other call is in progress (core/data_set_slot.h serves threads that need
+ * to replace the data set while others query). */
 #ifndef REFGROVE_CORE_REFGROVE_H_
 #define REFGROVE_CORE_REFGROVE_H_
 
@@ -57,6 +59,29 @@ REFGROVE_VISIBLE void refgrove_get_authors_1(int did, int* out);
 /* Words of a document's abstract. */
 REFGROVE_VISIBLE int refgrove_word_count_1(int did, int* out);
 REFGROVE_VISIBLE int refgrove_get_word_1(int did, int i, const char** out);
+
+/* The abstract as preprocessing wrote it: the header's offset read as the
+ * byte position it is, ending at the next header's offset (also a byte
+ * position). word_count and get_word above read both offsets as counts of
+ * 3-byte word ids, as data directories in use expect. */
+REFGROVE_VISIBLE int refgrove_abstract_length_1(int did, int* out);
+REFGROVE_VISIBLE int refgrove_get_abstract_word_1(int did, int i, const char** out);
+
+/* Reverse lookups, each backed by an index built on the first call and
+ * released with the data set. Counts return 1 with the count (> 0), or 0
+ * with *out = 0 when there is nothing; getters return 1 and set their output
+ * for 0 <= i < count, else return 0 and leave it untouched. Only the record
+ * that a DID's index entry names is seen, as by the queries above. */
+/* Records citing `did`, by ascending citing DID; one citing it twice is
+ * listed twice. */
+REFGROVE_VISIBLE int refgrove_cited_by_count_1(int did, int* out);
+REFGROVE_VISIBLE int refgrove_get_cited_by_1(int did, int i, int* citing);
+/* Documents listing the author, by ascending DID, each once. */
+REFGROVE_VISIBLE int refgrove_author_doc_count_1(int author_id, int* out);
+REFGROVE_VISIBLE int refgrove_get_author_doc_1(int author_id, int i, int* did);
+/* Documents with key `key`, by ascending DID; "-" and "" are no keys. */
+REFGROVE_VISIBLE int refgrove_key_doc_count_1(const char* key, int* out);
+REFGROVE_VISIBLE int refgrove_get_key_doc_1(const char* key, int i, int* did);
 
 /* Authors and the whole data set. */
 REFGROVE_VISIBLE int refgrove_id2author_1(int author_id, const char** out);

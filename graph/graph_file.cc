@@ -28,19 +28,19 @@ void write_graph_file(std::ostream& out, const CompactedStringTable& authors,
   out.write(buffer.data(), static_cast<std::streamsize>(buffer.size()));
 }
 
-RefgroveGraph::RefgroveGraph(std::istream& in) {
+RefgroveGraph::RefgroveGraph(std::istream& in, std::ostream& log) {
   const std::string bytes = read_rest_of_stream(in);
   ByteReader reader(bytes.data(), bytes.size());
-  read(reader);
+  read(reader, log);
 }
 
-RefgroveGraph::RefgroveGraph(const MappedFile& file) {
+RefgroveGraph::RefgroveGraph(const MappedFile& file, std::ostream& log) {
   ByteReader reader(reinterpret_cast<const char*>(file.data()), file.size());
-  read(reader);
+  read(reader, log);
 }
 
-void RefgroveGraph::read(ByteReader& reader) {
-  std::cerr << "Reading Graph Data...\n";
+void RefgroveGraph::read(ByteReader& reader, std::ostream& log) {
+  log << "Reading Graph Data...\n";
   author_table = std::make_unique<CompactedStringTable>(reader);
   std::int32_t n = 0;
   reader.read_int32(&n);
@@ -55,7 +55,7 @@ void RefgroveGraph::read(ByteReader& reader) {
   records_.shrink_to_fit();  // a count that overstated the records reserved too much
   docs.reserve(kept);
   for (RefgroveGraphData& record : records_) docs.push_back(&record);
-  std::cerr << "read " << n << " items.\n" << "Done.\n";
+  log << "read " << n << " items.\n" << "Done.\n";
 }
 
 std::ostream& RefgroveGraph::write(std::ostream& out) const {

@@ -11,6 +11,7 @@
 #ifndef REFGROVE_GRAPH_GRAPH_FILE_H_
 #define REFGROVE_GRAPH_GRAPH_FILE_H_
 
+#include <iostream>
 #include <istream>
 #include <memory>
 #include <ostream>
@@ -32,11 +33,11 @@ class RefgroveGraph {
  public:
   // Reads a graph file from the current position of `in` to its end. Reports
   // "Reading Graph Data...", then "read N items." with the count stored in
-  // the file, and "Done." on standard error. A missing or short file gives
-  // the records that are whole (none for a stream that failed to open).
-  explicit RefgroveGraph(std::istream& in);
+  // the file, and "Done." on `log`. A missing or short file gives the
+  // records that are whole (none for a stream that failed to open).
+  explicit RefgroveGraph(std::istream& in, std::ostream& log = std::cerr);
   // The same, from a graph file mapped into memory.
-  explicit RefgroveGraph(const MappedFile& file);
+  explicit RefgroveGraph(const MappedFile& file, std::ostream& log = std::cerr);
 
   RefgroveGraph(const RefgroveGraph&) = delete;
   RefgroveGraph& operator=(const RefgroveGraph&) = delete;
@@ -54,7 +55,7 @@ class RefgroveGraph {
   std::unique_ptr<CompactedStringTable> author_table;
 
  private:
-  void read(ByteReader& in);
+  void read(ByteReader& in, std::ostream& log);
 
   // The records read from a file, back to back so that a pass over all
   // DIDs reads memory in order; `docs` points into it. Their arrays live in

@@ -2,25 +2,29 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iostream>
 
-WordData::WordData(const std::string& dir) {
-  read_word_table(dir + kWordTableFile);
-  read_headers(dir + kWordIdxFile);
-  map_word_ids(dir + kWordDataFile);
+WordData::WordData(const std::string& dir, std::ostream& log) {
+  read_word_table(dir + kWordTableFile, log);
+  read_headers(dir + kWordIdxFile, log);
+  map_word_ids(dir + kWordDataFile, log);
 }
 
-void WordData::read_word_table(const std::string& name) {
+WordData::WordData() : doc_info{DocumentWordInfo{0, 0}} {
+  ByteReader nothing(nullptr, 0);
+  word_table = std::make_unique<CompactedStringTable>(nothing);
+}
+
+void WordData::read_word_table(const std::string& name, std::ostream& log) {
   std::ifstream in(name, std::ios::in);
-  std::cerr << "Reading Word Data from " << name << " ...\n";
+  log << "Reading Word Data from " << name << " ...\n";
   word_table = std::make_unique<CompactedStringTable>(in);
-  std::cerr << "Read " << word_table->count << " words in " << word_table->chars_size << " bytes.\n";
+  log << "Read " << word_table->count << " words in " << word_table->chars_size << " bytes.\n";
 }
 
 // The headers, then the last header once more: the record that a reader
 // looping until end of file appends twice. A trailing partial header is not
 // whole and is dropped; a missing or empty file yields one zero header.
-void WordData::read_headers(const std::string& name) {
+void WordData::read_headers(const std::string& name, std::ostream& log) {
   std::ifstream in(name, std::ios::in | std::ios::binary);
   const std::string bytes = read_rest_of_stream(in);
   const std::size_t whole = bytes.size() / kDocumentWordInfoBytes;
@@ -28,14 +32,14 @@ void WordData::read_headers(const std::string& name) {
   const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
   for (std::size_t i = 0; i < whole; ++i) doc_info.push_back(read_document_word_info(p + kDocumentWordInfoBytes * i));
   doc_info.push_back(doc_info.empty() ? DocumentWordInfo{0, 0} : doc_info.back());
-  std::cerr << "Read " << doc_info.size() - 1 << " document headers\n";
+  log << "Read " << doc_info.size() - 1 << " document headers\n";
 }
 
-void WordData::map_word_ids(const std::string& name) {
-  std::cerr << "Mapping abstract file " << name << "...\n";
+void WordData::map_word_ids(const std::string& name, std::ostream& log) {
+  log << "Mapping abstract file " << name << "...\n";
   word_file_ = std::make_unique<MappedFile>(name, static_cast<std::size_t>(std::max(doc_info.back().offset, 0)));
   word_ids = word_file_->data();
-  std::cerr << "Mapped abstracts file at " << static_cast<const void*>(word_ids) << std::endl;
-  std::cerr << "start=";
-  std::cerr << "Done.\n";
+  log << "Mapped abstracts file at " << static_cast<const void*>(word_ids) << std::endl;
+  log << "start=";
+  log << "Done.\n";
 }

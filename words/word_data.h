@@ -15,7 +15,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iostream>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -26,8 +28,11 @@
 class WordData {
  public:
   // Loads "word-table", "word-idx" and "word-data" of `dir`, a prefix to
-  // which the file names are appended. Progress goes to standard error.
-  explicit WordData(const std::string& dir);
+  // which the file names are appended. Progress goes to `log`.
+  explicit WordData(const std::string& dir, std::ostream& log = std::cerr);
+  // A word half without files, as from a directory without any: no words,
+  // one zero header, nothing mapped.
+  WordData();
 
   WordData(const WordData&) = delete;
   WordData& operator=(const WordData&) = delete;
@@ -40,19 +45,28 @@ class WordData {
     return true;
   }
 
+  // The word id whose 3 bytes start at byte `offset` of the mapped file, or
+  // false when they do not lie wholly inside it.
+  bool word_id_at_byte(std::int64_t offset, std::uint32_t* id) const {
+    if (offset < 0 || offset > mapped_bytes() - kWordIdBytes) return false;
+    *id = read_word_id(word_ids + offset).id();
+    return true;
+  }
+
   // Number of word ids that lie wholly inside the mapping.
-  std::int64_t mapped_word_count() const { return static_cast<std::int64_t>(word_file_->size() / kWordIdBytes); }
+  std::int64_t mapped_word_count() const { return mapped_bytes() / kWordIdBytes; }
+  std::int64_t mapped_bytes() const { return word_file_ ? static_cast<std::int64_t>(word_file_->size()) : 0; }
 
   std::unique_ptr<CompactedStringTable> word_table;
   std::vector<DocumentWordInfo> doc_info;
   const unsigned char* word_ids = nullptr;  // base of the mapping of "word-data"
 
  private:
-  void read_word_table(const std::string& name);
-  void read_headers(const std::string& name);
-  void map_word_ids(const std::string& name);
+  void read_word_table(const std::string& name, std::ostream& log);
+  void read_headers(const std::string& name, std::ostream& log);
+  void map_word_ids(const std::string& name, std::ostream& log);
 
-  std::unique_ptr<MappedFile> word_file_;  // "word-data", as far as the last header's offset names
+  std::unique_ptr<MappedFile> word_file_;  // "word-data", as far as the last header's offset names; null without files
 };
 
 #endif  // REFGROVE_WORDS_WORD_DATA_H_
