@@ -1,0 +1,64 @@
+// The data set of the library and the pieces shared by its predicates.
+//
+// The library keeps its own data set, apart from the module's global one,
+// in a DataSetSlot: Prolog threads query it in parallel without taking a
+// lock, and a load publishes a new set without disturbing the calls in
+// progress. A deterministic predicate reads the set through the slot's
+// per-thread reference for the length of its call (it copies every text
+// into an atom before returning); a nondeterministic one holds its own
+// reference across its redos.
+#ifndef REFGROVE_SWIPL_LIBRARY_DATA_H_
+#define REFGROVE_SWIPL_LIBRARY_DATA_H_
+
+#include <SWI-Prolog.h>
+
+#include <exception>
+#include <new>
+#include <span>
+
+#include "core/data_set_slot.h"
+#include "core/data_view.h"
+#include "swipl/foreign_args.h"
+
+namespace refgrove::swipl {
+
+DataSetSlot& library_slot();
+
+// The set to query: the published one, or the empty set before any load.
+inline const RefgroveData& current_data() {
+  const DataSetPtr& set = library_slot().current();
+  return set ? *set : RefgroveData::empty();
+}
+
+// Every foreign predicate has the variadic signature: its arguments are
+// the `arity` term references from `args` on.
+using ForeignFunction = foreign_t (*)(term_t args, int arity, control_t control);
+
+// `function` with C++ exceptions turned into Prolog ones: none may cross
+// into the Prolog engine (building a reverse index may run out of memory).
+template <ForeignFunction function>
+foreign_t guarded(term_t args, int arity, control_t control) noexcept {
+  try {
+    return function(args, arity, control);
+  } catch (const std::bad_alloc&) {
+    return PL_resource_error("memory");
+  } catch (const std::exception& e) {
+    return raise_error("refgrove_error", {e.what()});
+  }
+}
+
+struct ForeignPredicate {
+  const char* name;
+  int arity;
+  ForeignFunction function;
+  bool nondeterministic;
+};
+
+// The predicates of each source file, registered by install_refgrove4pl.
+std::span<const ForeignPredicate> host_predicates();
+std::span<const ForeignPredicate> relation_predicates();
+std::span<const ForeignPredicate> loading_predicates();
+
+}  // namespace refgrove::swipl
+
+#endif  // REFGROVE_SWIPL_LIBRARY_DATA_H_

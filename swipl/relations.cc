@@ -1,0 +1,300 @@
+// The relations beyond the host's predicates: documents, citations in
+// either direction, keys and authorship, each enumerable on backtracking,
+// and a document's title, abstract and authors as lists.
+//
+// An enumeration is a Walk: the data set it reads (held across redos, so
+// that a load in between cannot free it), a position, and a step function
+// that produces the next (a, b) pair. The driver looks one solution ahead,
+// so that the last one leaves no choice point.
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "swipl/library_data.h"
+#include "swipl/prolog_text.h"
+
+namespace refgrove::swipl {
+namespace {
+
+using CountLookup = int (*)(const RefgroveData&, int, int*);
+using TextLookup = int (*)(const RefgroveData&, int, int, const char**);
+
+struct Pair {
+  int a = 0;
+  int b = 0;
+};
+
+struct Walk;
+using Step = bool (*)(Walk& walk, Pair* next);
+// Unifies the predicate's arguments with a solution.
+using Bind = bool (*)(const RefgroveData& d, term_t args, const Pair& solution);
+
+struct Walk {
+  DataSetPtr set;  // null before any load
+  Step step;
+  int fixed = 0;   // the bound argument the walk follows, when there is one
+  int outer = 0;   // DID (or author id) reached
+  int inner = 0;   // position within its list
+  std::vector<int> items;  // a precomputed list of solutions, for key lookups
+  bool has_next = false;
+  Pair next;
+
+  const RefgroveData& data() const { return set ? *set : RefgroveData::empty(); }
+};
+
+int document_limit(const RefgroveData& d) {
+  int n = 0;
+  last_did(d, &n);
+  return n;
+}
+
+bool is_document(const RefgroveData& d, int did) { return has_graph_info(d, did) || has_word_info(d, did); }
+
+// The document's key, or null when it has none ("-" marks a missing key).
+const char* key_text(const RefgroveData& d, int did) {
+  const char* key = nullptr;
+  if (!get_key(d, did, &key)) return nullptr;
+  return std::string_view(key) == "-" || *key == '\0' ? nullptr : key;
+}
+
+// The author id at position i of `did`'s record unless it was listed before.
+bool first_listing(const RefgroveData& d, int did, int i, int* author_id) {
+  if (!get_author_id(d, did, i, author_id)) return false;
+  for (int k = 0; k < i; ++k) {
+    int earlier = 0;
+    if (get_author_id(d, did, k, &earlier) && earlier == *author_id) return false;
+  }
+  return true;
+}
+
+bool step_documents(Walk& w, Pair* next) {
+  const RefgroveData& d = w.data();
+  for (const int limit = document_limit(d); w.outer < limit; ++w.outer) {
+    if (is_document(d, w.outer)) {
+      next->a = w.outer++;
+      return true;
+    }
+  }
+  return false;
+}
+
+// Citations of document `fixed`.
+bool step_cites_of(Walk& w, Pair* next) {
+  int gid = 0;
+  if (!get_cite(w.data(), w.fixed, w.inner, &next->b, &gid)) return false;
+  next->a = w.fixed;
+  ++w.inner;
+  return true;
+}
+
+// Records citing document `fixed`, through the cited-by index.
+bool step_cited_by(Walk& w, Pair* next) {
+  if (!get_cited_by(w.data(), w.fixed, w.inner, &next->a)) return false;
+  next->b = w.fixed;
+  ++w.inner;
+  return true;
+}
+
+bool step_all_cites(Walk& w, Pair* next) {
+  const RefgroveData& d = w.data();
+  for (const int limit = document_limit(d); w.outer < limit; ++w.outer, w.inner = 0) {
+    int gid = 0;
+    if (get_cite(d, w.outer, w.inner, &next->b, &gid)) {
+      next->a = w.outer;
+      ++w.inner;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool step_items(Walk& w, Pair* next) {
+  if (w.inner >= static_cast<int>(w.items.size())) return false;
+  next->a = next->b = w.items[static_cast<std::size_t>(w.inner++)];
+  return true;
+}
+
+bool step_all_keys(Walk& w, Pair* next) {
+  const RefgroveData& d = w.data();
+  for (const int limit = document_limit(d); w.outer < limit; ++w.outer) {
+    if (key_text(d, w.outer) != nullptr) {
+      next->b = w.outer++;
+      return true;
+    }
+  }
+  return false;
+}
+
+// Documents of author `fixed`, through the author index.
+bool step_author_docs(Walk& w, Pair* next) {
+  if (!get_author_doc(w.data(), w.fixed, w.inner, &next->b)) return false;
+  next->a = w.fixed;
+  ++w.inner;
+  return true;
+}
+
+// Authors of document `fixed`, first author first, each once.
+bool step_doc_authors(Walk& w, Pair* next) {
+  int n = 0;
+  author_count(w.data(), w.fixed, &n);
+  for (; w.inner < n; ++w.inner) {
+    if (first_listing(w.data(), w.fixed, w.inner, &next->a)) {
+      next->b = w.fixed;
+      ++w.inner;
+      return true;
+    }
+  }
+  return false;
+}
+
+bool step_all_authorships(Walk& w, Pair* next) {
+  const RefgroveData& d = w.data();
+  for (const int limit = document_limit(d); w.outer < limit; ++w.outer, w.inner = 0) {
+    w.fixed = w.outer;
+    if (step_doc_authors(w, next)) return true;
+  }
+  return false;
+}
+
+bool bind_first(const RefgroveData&, term_t args, const Pair& s) { return PL_unify_integer(args, s.a); }
+
+bool bind_both(const RefgroveData&, term_t args, const Pair& s) {
+  return PL_unify_integer(args, s.a) && PL_unify_integer(args + 1, s.b);
+}
+
+bool bind_key(const RefgroveData& d, term_t args, const Pair& s) {
+  const char* key = key_text(d, s.b);
+  return key != nullptr && unify_text_atom(args, key) && PL_unify_integer(args + 1, s.b);
+}
+
+// Runs a walk: sets it up on the first call (`start` fills in the step and
+// position, or returns false to fail at once), resumes it on a redo, frees
+// it when pruned.
+template <bool (*start)(term_t args, Walk& walk), Bind bind>
+foreign_t enumerate(term_t args, int, control_t control) {
+  Walk* walk = nullptr;
+  switch (PL_foreign_control(control)) {
+    case PL_FIRST_CALL: {
+      auto fresh = std::make_unique<Walk>();
+      fresh->set = library_slot().current();
+      if (!start(args, *fresh)) return false;
+      fresh->has_next = fresh->step(*fresh, &fresh->next);
+      walk = fresh.release();
+      break;
+    }
+    case PL_REDO:
+      walk = static_cast<Walk*>(PL_foreign_context_address(control));
+      break;
+    case PL_PRUNED:
+      delete static_cast<Walk*>(PL_foreign_context_address(control));
+      return true;
+  }
+  std::unique_ptr<Walk> owned(walk);
+  while (walk->has_next) {
+    const Pair solution = walk->next;
+    walk->has_next = walk->step(*walk, &walk->next);
+    const fid_t frame = PL_open_foreign_frame();
+    if (bind(walk->data(), args, solution)) {
+      PL_close_foreign_frame(frame);
+      if (!walk->has_next) return true;
+      PL_retry_address(owned.release());
+    }
+    if (PL_exception(0)) return false;
+    PL_rewind_foreign_frame(frame);
+    PL_close_foreign_frame(frame);
+  }
+  return false;
+}
+
+bool start_documents(term_t args, Walk& w) {
+  bool bound = false;
+  int did = 0;
+  if (!get_optional_int(args, &bound, &did)) return false;
+  if (bound && !is_document(w.data(), did)) return false;
+  if (bound) w.items = {did};
+  w.step = bound ? step_items : step_documents;
+  return true;
+}
+
+bool start_cites(term_t args, Walk& w) {
+  bool citing_bound = false, cited_bound = false;
+  int citing = 0, cited = 0;
+  if (!get_optional_int(args, &citing_bound, &citing) || !get_optional_int(args + 1, &cited_bound, &cited)) {
+    return false;
+  }
+  w.fixed = citing_bound ? citing : cited;
+  w.step = citing_bound ? step_cites_of : cited_bound ? step_cited_by : step_all_cites;
+  return true;
+}
+
+bool start_key_did(term_t args, Walk& w) {
+  bool key_bound = false, did_bound = false;
+  int did = 0;
+  if (!check_optional_text(args, &key_bound) || !get_optional_int(args + 1, &did_bound, &did)) return false;
+  w.step = step_items;
+  if (did_bound) {
+    w.items = {did};
+  } else if (key_bound) {
+    const RefgroveData& d = w.data();
+    for (const std::string& key : stored_forms(args)) {
+      int doc = 0;
+      for (int i = 0; get_key_doc(d, key.c_str(), i, &doc); ++i) w.items.push_back(doc);
+    }
+    std::sort(w.items.begin(), w.items.end());
+  } else {
+    w.step = step_all_keys;
+  }
+  return true;
+}
+
+bool start_author_document(term_t args, Walk& w) {
+  bool author_bound = false, did_bound = false;
+  int author_id = 0, did = 0;
+  if (!get_optional_int(args, &author_bound, &author_id) || !get_optional_int(args + 1, &did_bound, &did)) {
+    return false;
+  }
+  w.fixed = author_bound ? author_id : did;
+  w.step = author_bound ? step_author_docs : did_bound ? step_doc_authors : step_all_authorships;
+  return true;
+}
+
+// refgrove_title/2, refgrove_abstract/2, refgrove_authors/2: a list of
+// texts gathered with `count` and `get`; fails when `count` finds no part.
+// A text that the data lacks (an id outside its table) is left out.
+template <CountLookup count, TextLookup get>
+foreign_t text_list(term_t args, int, control_t) {
+  int did = 0, n = 0;
+  if (!get_int_input(args, &did)) return false;
+  const RefgroveData& d = current_data();
+  if (!count(d, did, &n)) return false;
+  std::vector<std::string_view> texts;
+  for (int i = 0; i < n; ++i) {
+    const char* text = nullptr;
+    if (get(d, did, i, &text)) texts.emplace_back(text);
+  }
+  return unify_text_atoms(args + 1, texts);
+}
+
+// An abstract is there whenever the document has word data, even empty.
+int abstract_size(const RefgroveData& d, int did, int* out) {
+  abstract_length(d, did, out);
+  return has_word_info(d, did);
+}
+
+constexpr ForeignPredicate kPredicates[] = {
+    {"refgrove_document", 1, guarded<enumerate<start_documents, bind_first>>, true},
+    {"refgrove_cites", 2, guarded<enumerate<start_cites, bind_both>>, true},
+    {"refgrove_key_did", 2, guarded<enumerate<start_key_did, bind_key>>, true},
+    {"refgrove_author_document", 2, guarded<enumerate<start_author_document, bind_both>>, true},
+    {"refgrove_title", 2, guarded<text_list<title_length, get_title_word>>, false},
+    {"refgrove_abstract", 2, guarded<text_list<abstract_size, get_abstract_word>>, false},
+    {"refgrove_authors", 2, guarded<text_list<author_count, get_author>>, false},
+};
+
+}  // namespace
+
+std::span<const ForeignPredicate> relation_predicates() { return kPredicates; }
+
+}  // namespace refgrove::swipl
