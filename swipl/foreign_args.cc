@@ -9,13 +9,9 @@ namespace refgrove::swipl {
 namespace {
 
 bool read_int(term_t t, int* value) {
+  if (!PL_is_integer(t)) return PL_type_error("integer", t);
   std::int64_t wide = 0;
-  if (!PL_get_int64(t, &wide)) {
-    // Not an int64: a big integer still names nothing, anything else is
-    // of the wrong type.
-    if (!PL_is_integer(t)) return PL_type_error("integer", t);
-    wide = -1;
-  }
+  if (!PL_get_int64(t, &wide)) wide = -1;  // a big integer names nothing either
   *value = wide < INT_MIN || wide > INT_MAX ? -1 : static_cast<int>(wide);
   return true;
 }

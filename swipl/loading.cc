@@ -137,7 +137,10 @@ std::function<bool()> run_preprocessing(const std::string& in, const std::string
     return nullptr;
   } catch (const ParserError& e) {
     const int column = e.pos.column < 0 ? e.pos.column : e.pos.column - 1;  // printed columns are 0-based
-    return [e, column] { return raise_dump_syntax_error(e.file_name, e.pos.row, column, e.message); };
+    // The dump parsers read streams and may not know the file's name; the
+    // input directory then names where the dump is.
+    const std::string file = e.file_name.empty() ? in : e.file_name;
+    return [e, file, column] { return raise_dump_syntax_error(file, e.pos.row, column, e.message); };
   } catch (const PreprocError& e) {
     return [path = e.path, reason = reason_of(e)] { return raise_error("refgrove_io_error", {path, reason}); };
   } catch (const fs::filesystem_error& e) {

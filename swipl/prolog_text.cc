@@ -33,7 +33,7 @@ std::size_t utf8_sequence_length(std::string_view bytes, std::size_t i) {
 
 // The code point of the valid sequence of `length` bytes at bytes[i].
 int decode(std::string_view bytes, std::size_t i, std::size_t length) {
-  static constexpr unsigned char kLeadMask[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+  static constexpr unsigned char kLeadMask[] = {0, 0x7F, 0x1F, 0x0F, 0x07};  // by length
   int code = static_cast<unsigned char>(bytes[i]) & kLeadMask[length];
   for (std::size_t k = 1; k < length; ++k) code = (code << 6) | (static_cast<unsigned char>(bytes[i + k]) & 0x3F);
   return code;
@@ -44,7 +44,8 @@ bool write_word(IOSTREAM* stream, std::string_view word) {
   const bool utf8 = is_valid_utf8(word);
   for (std::size_t i = 0; i < word.size();) {
     const std::size_t length = utf8 ? utf8_sequence_length(word, i) : 1;
-    if (Sputcode(decode(word, i, length), stream) < 0) return false;
+    const int code = utf8 ? decode(word, i, length) : static_cast<unsigned char>(word[i]);
+    if (Sputcode(code, stream) < 0) return false;
     i += length;
   }
   return true;

@@ -29,7 +29,7 @@ struct Pair {
 struct Walk;
 using Step = bool (*)(Walk& walk, Pair* next);
 // Unifies the predicate's arguments with a solution.
-using Bind = bool (*)(const RefgroveData& d, term_t args, const Pair& solution);
+using Bind = bool (*)(const Walk& walk, term_t args, const Pair& solution);
 
 struct Walk {
   DataSetPtr set;  // null before any load
@@ -38,6 +38,7 @@ struct Walk {
   int outer = 0;   // DID (or author id) reached
   int inner = 0;   // position within its list
   std::vector<int> items;  // a precomputed list of solutions, for key lookups
+  bool key_given = false;  // the key was bound: the solutions already match it
   bool has_next = false;
   Pair next;
 
@@ -158,14 +159,17 @@ bool step_all_authorships(Walk& w, Pair* next) {
   return false;
 }
 
-bool bind_first(const RefgroveData&, term_t args, const Pair& s) { return PL_unify_integer(args, s.a); }
+bool bind_first(const Walk&, term_t args, const Pair& s) { return PL_unify_integer(args, s.a); }
 
-bool bind_both(const RefgroveData&, term_t args, const Pair& s) {
+bool bind_both(const Walk&, term_t args, const Pair& s) {
   return PL_unify_integer(args, s.a) && PL_unify_integer(args + 1, s.b);
 }
 
-bool bind_key(const RefgroveData& d, term_t args, const Pair& s) {
-  const char* key = key_text(d, s.b);
+// A key given as a string matches the document's key atom, so a given key
+// is not unified again.
+bool bind_key(const Walk& w, term_t args, const Pair& s) {
+  if (w.key_given) return PL_unify_integer(args + 1, s.b);
+  const char* key = key_text(w.data(), s.b);
   return key != nullptr && unify_text_atom(args, key) && PL_unify_integer(args + 1, s.b);
 }
 
@@ -196,7 +200,7 @@ foreign_t enumerate(term_t args, int, control_t control) {
     const Pair solution = walk->next;
     walk->has_next = walk->step(*walk, &walk->next);
     const fid_t frame = PL_open_foreign_frame();
-    if (bind(walk->data(), args, solution)) {
+    if (bind(*walk, args, solution)) {
       PL_close_foreign_frame(frame);
       if (!walk->has_next) return true;
       PL_retry_address(owned.release());
@@ -234,15 +238,16 @@ bool start_key_did(term_t args, Walk& w) {
   int did = 0;
   if (!check_optional_text(args, &key_bound) || !get_optional_int(args + 1, &did_bound, &did)) return false;
   w.step = step_items;
-  if (did_bound) {
-    w.items = {did};
-  } else if (key_bound) {
+  w.key_given = key_bound;
+  if (key_bound) {
     const RefgroveData& d = w.data();
     for (const std::string& key : stored_forms(args)) {
       int doc = 0;
       for (int i = 0; get_key_doc(d, key.c_str(), i, &doc); ++i) w.items.push_back(doc);
     }
     std::sort(w.items.begin(), w.items.end());
+  } else if (did_bound) {
+    w.items = {did};
   } else {
     w.step = step_all_keys;
   }

@@ -1,0 +1,327 @@
+% Tests of library(refgrove) on the sample dumps, preprocessed by the
+% library itself into a temporary directory. Run with the pack attached:
+%   swipl -g "attach_packs('<build>/swipl/pack'), consult('test_refgrove.pl'), run_tests" -t halt
+
+:- use_module(library(plunit)).
+:- use_module(library(refgrove)).
+:- use_module(library(filesex)).
+:- use_module(library(lists)).
+:- use_module(library(apply)).
+
+:- dynamic data_dir/1, heard/1.
+
+sample_dir(Dir) :-
+    (   getenv('REFGROVE_SAMPLE_DIR', Dir)
+    ->  true
+    ;   source_file(sample_dir(_), File),
+        file_directory_name(File, Here),
+        atom_concat(Here, '/../data/sample/', Dir)
+    ).
+
+% A temporary directory as a prefix ending in "/".
+temp_prefix(Prefix) :-
+    tmp_file(refgrove, Dir),
+    make_directory(Dir),
+    atom_concat(Dir, '/', Prefix).
+
+remove_prefix(Prefix) :-
+    atom_concat(Dir, '/', Prefix),
+    delete_directory_and_contents(Dir).
+
+% Loads the sample (preprocessed once) with the messages silenced.
+load_sample :-
+    (   data_dir(Dir)
+    ->  true
+    ;   temp_prefix(Dir),
+        sample_dir(In),
+        silently(refgrove_preproc(In, Dir)),
+        assertz(data_dir(Dir))
+    ),
+    silently(refgrove_load(Dir)).
+
+silently(Goal) :-
+    setup_call_cleanup(set_prolog_flag(verbose, silent), Goal, set_prolog_flag(verbose, normal)).
+
+% Writes an input directory of four dumps: Graph is the graph dump's text,
+% the word dumps hold Words.
+write_dumps(Prefix, Graph, Words) :-
+    atom_concat(Prefix, 'graph-data-aug-2002.txt', GraphFile),
+    setup_call_cleanup(open(GraphFile, write, G, [encoding(octet)]), format(G, '~s', [Graph]), close(G)),
+    forall(member(N, [1, 2, 3]),
+           ( format(atom(WordFile), '~wword-data~w-mar-2002.txt', [Prefix, N]),
+             setup_call_cleanup(open(WordFile, write, W, [encoding(octet)]),
+                                format(W, '~s', [Words]), close(W)) )).
+
+cleanup_all :-
+    forall(retract(data_dir(Dir)), remove_prefix(Dir)).
+
+:- begin_tests(refgrove_answers, [setup(load_sample)]).
+
+% The host predicates on the sample: each row must succeed as written.
+answer(refgrove_get_key(107, chen95)).
+answer(refgrove_get_key(105, '')).
+answer(refgrove_get_year(107, 1995)).
+answer(refgrove_get_year(108, -1)).
+answer(refgrove_cite_count(107, 2)).
+answer(refgrove_get_cite(107, 0, 101, 9101)).
+answer(refgrove_get_cite(107, 1, 105, 9105)).
+answer(refgrove_title_length(107, 4)).
+answer(refgrove_get_title_word(107, 3, 'Arrays')).
+answer(refgrove_author_count(107, 3)).
+answer(refgrove_get_author(107, 1, 'S. Gupta')).
+answer(refgrove_get_author(115, 0, 'P. Erdős')).
+answer(refgrove_id2author(9, 'P. Erdős')).
+answer(refgrove_get_authors(107, [3, 6, 4])).
+answer(refgrove_get_authors(150, [])).
+answer(refgrove_get_author_id(107, 0, 4)).
+answer(refgrove_get_word(101, 0, 'We')).
+answer(refgrove_has_word_info(150)).
+answer(refgrove_has_graph_info(146)).
+answer(refgrove_author_distance(1, 2, 0.0)).
+answer(refgrove_stats(33, 539, 21)).
+answer(refgrove_document_count(33)).
+answer(refgrove_get_nb_authors(21)).
+answer(refgrove_last_did(151)).
+answer(refgrove_title(107, ['Memory', 'Efficient', 'Suffix', 'Arrays'])).
+answer(refgrove_authors(107, ['M. Chen', 'S. Gupta', 'A. Lee'])).
+answer(refgrove_authors(115, ['P. Erdős', 'A. Rényi'])).
+answer(refgrove_key_did(chen95, 107)).
+answer(refgrove_key_did("chen95", 107)).
+answer(refgrove_author_document(9, 115)).
+answer(refgrove_cites(107, 105)).
+answer(refgrove_document(150)).
+answer(refgrove_document(146)).
+
+% Absent documents and items, and bound outputs that differ.
+no_answer(refgrove_get_year(999, _)).
+no_answer(refgrove_get_year(150, _)).
+no_answer(refgrove_get_year(100000000000000000000, _)).
+no_answer(refgrove_get_year(107, 1996)).
+no_answer(refgrove_get_key(999, _)).
+no_answer(refgrove_get_cite(107, 2, _, _)).
+no_answer(refgrove_get_cite(107, 0, 101, 0)).
+no_answer(refgrove_get_title_word(107, 4, _)).
+no_answer(refgrove_get_title_word(107, -1, _)).
+no_answer(refgrove_get_word(999, 0, _)).
+no_answer(refgrove_get_author(107, 3, _)).
+no_answer(refgrove_id2author(21, _)).
+no_answer(refgrove_word_count(146, _)).
+no_answer(refgrove_has_word_info(146)).
+no_answer(refgrove_has_graph_info(150)).
+no_answer(refgrove_author_distance(1, 2, 0)).
+no_answer(refgrove_get_authors(107, [4, 6, 3])).
+no_answer(refgrove_title(150, _)).
+no_answer(refgrove_authors(150, _)).
+no_answer(refgrove_abstract(146, _)).
+no_answer(refgrove_document(999)).
+no_answer(refgrove_document(-1)).
+no_answer(refgrove_key_did(_, 105)).
+no_answer(refgrove_key_did('-', _)).
+no_answer(refgrove_key_did('', _)).
+no_answer(refgrove_key_did(nokey, _)).
+no_answer(refgrove_cites(_, 999)).
+no_answer(refgrove_cites(107, 110)).
+no_answer(refgrove_key_did(chen95, 108)).
+no_answer(refgrove_author_document(21, _)).
+
+test(answers, Failed == []) :-
+    findall(G, (answer(G), \+ once(G)), Failed).
+
+test(no_answers, Succeeded == []) :-
+    findall(G, (no_answer(G), once(G)), Succeeded).
+
+% The abstract is the run that preprocessing wrote. The module's reading of
+% the offsets as counts starts at the right word only for the first
+% document, and counts three times as many words.
+test(abstracts) :-
+    refgrove_abstract(107, [First|_]),
+    assertion(First == 'Suffix'),
+    assertion(\+ refgrove_get_word(107, 0, 'Suffix')),
+    refgrove_abstract(101, Abstract),
+    length(Abstract, N),
+    refgrove_word_count(101, ModuleCount),
+    assertion(ModuleCount =:= 3 * N),
+    findall(W, (between(1, N, I), I0 is I - 1, refgrove_get_word(101, I0, W)), Words),
+    assertion(Abstract == Words).
+
+test(printdoc_to_current_output) :-
+    with_output_to(string(Out), refgrove_printdoc(107)),
+    assertion(sub_string(Out, _, _, _, "M. Chen and S. Gupta and A. Lee")),
+    assertion(\+ sub_string(Out, _, _, _, "Memory Efficient")),
+    with_output_to(string(Name), refgrove_print_author(9)),
+    assertion(Name == "P. Erdős"),
+    with_output_to(string(Hello), refgrove_hello),
+    assertion(Hello == "init_refgrove:\n[]\n").
+
+:- end_tests(refgrove_answers).
+
+:- begin_tests(refgrove_relations, [setup(load_sample)]).
+
+last_did(N) :- refgrove_last_did(N0), N is N0 - 1.
+
+test(documents, Docs == Expected) :-
+    findall(D, refgrove_document(D), Docs),
+    last_did(Last),
+    findall(D, (between(0, Last, D), (refgrove_has_graph_info(D) ; refgrove_has_word_info(D)), \+ \+ true), Found),
+    sort(Found, Expected).
+
+forward_citation(Citing, Cited) :-
+    last_did(Last),
+    between(0, Last, Citing),
+    refgrove_cite_count(Citing, N),
+    N1 is N - 1,
+    between(0, N1, I),
+    refgrove_get_cite(Citing, I, Cited, _).
+
+test(citations_every_direction) :-
+    findall(X-Y, forward_citation(X, Y), Expected),
+    findall(X-Y, refgrove_cites(X, Y), All),
+    assertion(All == Expected),
+    forall(member(X-_, Expected),
+           ( findall(Y, member(X-Y, Expected), Cited),
+             findall(Y, refgrove_cites(X, Y), Got),
+             assertion(Got-X == Cited-X) )),
+    forall(member(_-Y, Expected),
+           ( findall(X, member(X-Y, Expected), Citing0),
+             msort(Citing0, Citing),
+             findall(X, refgrove_cites(X, Y), Got),
+             assertion(Got-Y == Citing-Y) )).
+
+test(keys_both_ways) :-
+    last_did(Last),
+    findall(K-D, (between(0, Last, D), refgrove_get_key(D, K), K \== '-', K \== ''), Expected),
+    findall(K-D, refgrove_key_did(K, D), All),
+    assertion(All == Expected),
+    forall(member(K-_, Expected),
+           ( findall(D, member(K-D, Expected), Dids),
+             findall(D, refgrove_key_did(K, D), Got),
+             assertion(Got-K == Dids-K) )).
+
+test(authorship_both_ways) :-
+    last_did(Last),
+    findall(A-D, (between(0, Last, D), refgrove_authors(D, _), refgrove_get_authors(D, Rev),
+                  reverse(Rev, Ids), list_to_set(Ids, Set), member(A, Set)), Expected),
+    findall(A-D, refgrove_author_document(A, D), All),
+    assertion(All == Expected),
+    refgrove_get_nb_authors(NA),
+    forall(between(0, NA, A),
+           ( findall(D, member(A-D, Expected), Dids0),
+             sort(Dids0, Dids),
+             findall(D, refgrove_author_document(A, D), Got),
+             assertion(Got-A == Dids-A) )).
+
+test(last_solution_leaves_no_choice_point) :-
+    refgrove_cites(115, 110),
+    refgrove_author_document(10, 115),
+    refgrove_key_did(erdos97, 115).
+
+:- end_tests(refgrove_relations).
+
+:- begin_tests(refgrove_errors, [setup(load_sample)]).
+
+test(unbound_did, error(instantiation_error)) :- refgrove_get_year(_, _).
+test(unbound_index, error(instantiation_error)) :- refgrove_get_title_word(107, _, _).
+test(unbound_title_did, error(instantiation_error)) :- refgrove_title(_, _).
+test(unbound_path, error(instantiation_error)) :- refgrove_load(_).
+test(unbound_preproc_output, error(instantiation_error)) :- refgrove_preproc('in/', _).
+test(atom_did, error(type_error(integer, abc))) :- refgrove_get_year(abc, _).
+test(float_index, error(type_error(integer, 1.0))) :- refgrove_get_cite(107, 1.0, _, _).
+test(atom_printdoc, error(type_error(integer, abc))) :- refgrove_printdoc(abc).
+test(atom_citing, error(type_error(integer, x))) :- refgrove_cites(x, _).
+test(atom_cited, error(type_error(integer, x))) :- refgrove_cites(_, x).
+test(atom_author, error(type_error(integer, x))) :- refgrove_author_document(x, _).
+test(integer_key, error(type_error(atom, 1))) :- refgrove_key_did(1, _).
+test(integer_path, error(type_error(atom, 123))) :- refgrove_load(123).
+test(compound_path, error(type_error(atom, f(x)))) :- refgrove_preproc(f(x), 'out/').
+
+test(missing_directory_keeps_data,
+     [error(existence_error(directory, '/nonexistent/refgrove')), cleanup(check_sample_loaded)]) :-
+    refgrove_load('/nonexistent/refgrove/').
+
+test(missing_files_keep_data, [setup(temp_prefix(Empty)), cleanup((remove_prefix(Empty), check_sample_loaded))]) :-
+    atom_concat(Empty, graph_data, Missing),
+    catch(refgrove_load(Empty), E, true),
+    assertion(E = error(existence_error(file, Missing), _)).
+
+check_sample_loaded :- assertion(refgrove_stats(33, 539, 21)).
+
+test(missing_dumps, [error(refgrove_io_error(_, _)), setup(temp_prefix(Out)), cleanup(remove_prefix(Out))]) :-
+    refgrove_preproc('/nonexistent/refgrove/', Out).
+
+test(unwritable_output, error(refgrove_io_error('/nonexistent/refgrove', _))) :-
+    sample_dir(In),
+    silently(refgrove_preproc(In, '/nonexistent/refgrove/')).
+
+test(dump_that_does_not_parse,
+     [ setup((temp_prefix(In), temp_prefix(Out))), cleanup((remove_prefix(In), remove_prefix(Out))) ]) :-
+    write_dumps(In, "1 - - GIDs: DIDs: Title: t Authors: A", ""),
+    catch(silently(refgrove_preproc(In, Out)), E, true),
+    E = error(syntax_error(refgrove_dump(File, Row, Column, Message)), _),
+    assertion(sub_atom(File, 0, _, _, In)),
+    assertion(Row-Column-Message == 1-36-'unexpected end of file'),
+    atom_concat(Out, graph_data, Unwritten),
+    assertion(\+ exists_file(Unwritten)).
+
+:- end_tests(refgrove_errors).
+
+:- begin_tests(refgrove_loading, [setup(load_sample), cleanup(load_sample)]).
+
+:- multifile user:message_hook/3.
+user:message_hook(refgrove(Lines), informational, _) :-
+    heard(listening),
+    assertz(heard(Lines)).
+
+test(messages_captured, [setup(asserta(heard(listening))), cleanup(retractall(heard(_)))]) :-
+    data_dir(Dir),
+    silently(refgrove_load(Dir)),
+    heard(Lines), Lines \== listening, !,
+    atom_concat(Dir, graph_data, GraphFile),
+    atom_string(GraphFile, GraphString),
+    assertion(memberchk("deleting loaded data...", Lines)),
+    assertion((member(L, Lines), sub_string(L, _, _, _, GraphString))).
+
+% Texts that are not UTF-8 arrive one character per byte, and read back.
+test(latin1_texts, [setup((temp_prefix(In), temp_prefix(Out))), cleanup((remove_prefix(In), remove_prefix(Out)))]) :-
+    write_dumps(In, `1 k\xE9\ 2000 GIDs: DIDs: Title: Caf\xE9\ Authors: Jos\xE9\ Ruiz\n`,
+                `1 k\xE9\ words\n`),
+    silently(refgrove_preproc(In, Out)),
+    silently(refgrove_load(Out)),
+    refgrove_authors(1, [Author]),
+    assertion(Author == 'Jos\xE9\ Ruiz'),
+    assertion(refgrove_title(1, ['Caf\xE9\'])),
+    assertion(refgrove_get_key(1, 'k\xE9\')),
+    assertion(refgrove_key_did('k\xE9\', 1)),
+    with_output_to(string(Printed), refgrove_print_author(0)),
+    assertion(Printed == "Jos\xE9\ Ruiz").
+
+test(reload_replaces) :-
+    load_sample,
+    assertion(refgrove_stats(33, 539, 21)),
+    assertion(refgrove_key_did(chen95, 107)).
+
+% Several threads query while the main thread reloads and preprocesses
+% into the loaded directory: every answer stays that of the sample.
+test(threads_query_during_reloads) :-
+    data_dir(Dir),
+    sample_dir(In),
+    findall(T, (between(1, 4, _), thread_create(query_loop(200), T, [])), Threads),
+    forall(between(1, 15, K),
+           (   K mod 5 =:= 0
+           ->  silently(refgrove_preproc(In, Dir))
+           ;   silently(refgrove_load(Dir))
+           )),
+    maplist(thread_join, Threads, Statuses),
+    assertion(maplist(==(true), Statuses)).
+
+query_loop(0) :- !.
+query_loop(N) :-
+    refgrove_stats(33, 539, 21),
+    findall(X, refgrove_cites(X, 110), [115, 116, 119, 124, 127, 137]),
+    refgrove_authors(115, ['P. Erdős', 'A. Rényi']),
+    refgrove_abstract(107, ['Suffix'|_]),
+    N1 is N - 1,
+    query_loop(N1).
+
+:- end_tests(refgrove_loading).
+
+:- initialization((at_halt(cleanup_all))).
