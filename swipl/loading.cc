@@ -124,23 +124,50 @@ std::string reason_of(const PreprocError& e) {
 std::mutex preproc_mutex;
 
 // Runs preprocessing; on failure returns the exception to raise.
-std::function<bool()> run_preprocessing(const std::string& in, const std::string& out, std::ostream& log) {
+// The messages of a run in the staging directory, naming the output instead.
+std::string as_written_to(std::string text, const std::string& staging, const std::string& out) {
+  for (std::size_t at = text.find(staging); at != std::string::npos; at = text.find(staging, at + out.size())) {
+    text.replace(at, staging.size(), out);
+  }
+  return text;
+}
+
+// Runs preprocessing in `staging`, its messages written to `log`; on
+// failure returns the exception to raise. Messages and errors name the
+// output, not the staging directory.
+std::function<bool()> preprocess_into(const std::string& in, const StagingDirectory& staging, const std::string& out,
+                                      std::ostream& log) {
+  std::ostringstream messages;
+  const auto relay_messages = [&] { log << as_written_to(messages.str(), staging.prefix(), out); };
   try {
-    const std::lock_guard lock(preproc_mutex);
     PreprocOptions options;
-    options.out = &log;
-    options.err = &log;
+    options.out = &messages;
+    options.err = &messages;
     options.checked = true;
-    const StagingDirectory staging(directory_of(out));
     preprocess(in, staging.prefix(), options);
+    relay_messages();
     staging.publish(out);
     return nullptr;
   } catch (const ParserError& e) {
+    relay_messages();
     const int column = e.pos.column < 0 ? e.pos.column : e.pos.column - 1;  // printed columns are 0-based
     // The dump parsers read streams and may not know the file's name; the
     // input directory then names where the dump is.
     const std::string file = e.file_name.empty() ? in : e.file_name;
     return [e, file, column] { return raise_dump_syntax_error(file, e.pos.row, column, e.message); };
+  } catch (const PreprocError& e) {
+    relay_messages();
+    return [path = as_written_to(e.path, staging.prefix(), out), reason = reason_of(e)] {
+      return raise_error("refgrove_io_error", {path, reason});
+    };
+  }
+}
+
+std::function<bool()> run_preprocessing(const std::string& in, const std::string& out, std::ostream& log) {
+  try {
+    const std::lock_guard lock(preproc_mutex);
+    const StagingDirectory staging(directory_of(out));
+    return preprocess_into(in, staging, out, log);
   } catch (const PreprocError& e) {
     return [path = e.path, reason = reason_of(e)] { return raise_error("refgrove_io_error", {path, reason}); };
   } catch (const fs::filesystem_error& e) {
