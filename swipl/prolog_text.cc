@@ -92,6 +92,7 @@ std::vector<std::string> stored_forms(term_t t) {
   char* chars = nullptr;
   std::size_t length = 0;
   if (!PL_get_nchars(t, &length, &chars, CVT_ATOM | CVT_STRING | REP_UTF8)) return forms;
+  if (std::string_view(chars, length).find('\0') != std::string_view::npos) return forms;  // no stored text has one
   forms.emplace_back(chars, length);
   if (PL_get_nchars(t, &length, &chars, CVT_ATOM | CVT_STRING | REP_ISO_LATIN_1)) {
     std::string bytes(chars, length);
