@@ -44,6 +44,8 @@ foreign_t guarded(term_t args, int arity, control_t control) noexcept {
     return PL_resource_error("memory");
   } catch (const std::exception& e) {
     return raise_error("refgrove_error", {e.what()});
+  } catch (...) {
+    return raise_error("refgrove_error", {"unexpected exception"});
   }
 }
 
