@@ -45,7 +45,9 @@ TEST_F(ModuleTest, ExportsItsCInterfaceAndNothingElse) {
   for (const char* op : {"load", "preproc", "last_did", "has_graph_info", "has_word_info", "get_key", "get_year",
                          "cite_count", "get_cite", "title_length", "get_title_word", "author_count", "get_author_id",
                          "get_author", "get_authors", "word_count", "get_word", "id2author", "get_nb_authors",
-                         "stats", "author_distance", "printdoc", "print_author"}) {
+                         "stats", "author_distance", "printdoc", "print_author", "abstract_length",
+                         "get_abstract_word", "cited_by_count", "get_cited_by", "author_doc_count", "get_author_doc",
+                         "key_doc_count", "get_key_doc"}) {
     fn<void>("refgrove_" + std::string(op) + "_1");
   }
 }
@@ -80,6 +82,12 @@ TEST_F(ModuleTest, EachCallShapeAnswers) {
   fn<void(int*, int*, int*)>("refgrove_stats_1")(&n, &a, &b);
   EXPECT_EQ(n * 10000 + a * 100 + b, 40903);
   EXPECT_EQ(fn<double(int, int)>("refgrove_author_distance_1")(1, 2), 0.0);
+  EXPECT_EQ(fn<int(int, int, int*)>("refgrove_get_cited_by_1")(9, 0, &n), 1);
+  EXPECT_EQ(n, 2);
+  EXPECT_EQ(fn<int(const char*, int, int*)>("refgrove_get_key_doc_1")("doe01", 0, &n), 1);
+  EXPECT_EQ(n, 9);
+  EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_abstract_word_1")(9, 1, &text), 1);
+  EXPECT_STREQ(text, "walks");
   testing::internal::CaptureStdout();
   fn<void(int)>("refgrove_print_author_1")(0);
   fn<void(int)>("refgrove_printdoc_1")(3);

@@ -1,6 +1,7 @@
 // Test support: every query operation of the C interface on every DID of the
-// loaded data set, and on arguments outside it, plus printing. For tests and
-// fuzz targets that care only that nothing goes wrong on damaged data.
+// loaded data set (reverse lookups included), and on arguments outside it,
+// plus printing. For tests and fuzz targets that care only that nothing goes
+// wrong on damaged data.
 #ifndef REFGROVE_TESTING_QUERY_EVERYTHING_H_
 #define REFGROVE_TESTING_QUERY_EVERYTHING_H_
 
@@ -64,6 +65,23 @@ inline std::uint64_t query_document(int did, bool print) {
       if (refgrove_get_word_1(did, i, &text)) sum += text_sum(text);
     }
   }
+  n = 0;
+  if (refgrove_abstract_length_1(did, &n)) {
+    for (const int i : item_indexes(n)) {
+      if (refgrove_get_abstract_word_1(did, i, &text)) sum += text_sum(text);
+    }
+  }
+  refgrove_cited_by_count_1(did, &n);
+  for (const int i : item_indexes(n)) {
+    if (refgrove_get_cited_by_1(did, i, &a)) sum += static_cast<unsigned>(a);
+  }
+  if (refgrove_get_key_1(did, &text)) {
+    const char* key = text;
+    refgrove_key_doc_count_1(key, &n);
+    for (const int i : item_indexes(n)) {
+      if (refgrove_get_key_doc_1(key, i, &a)) sum += static_cast<unsigned>(a);
+    }
+  }
   if (print) refgrove_printdoc_1(did);
   return sum;
 }
@@ -99,6 +117,11 @@ inline std::uint64_t query_everything() {
     const char* text = nullptr;
     if (refgrove_id2author_1(id, &text)) sum += text_sum(text);
     refgrove_print_author_1(id);
+    int n = 0, did = 0;
+    refgrove_author_doc_count_1(id, &n);
+    for (const int i : item_indexes(n)) {
+      if (refgrove_get_author_doc_1(id, i, &did)) sum += static_cast<unsigned>(did);
+    }
   }
   for (int id = 64; id < nb_authors; ++id) refgrove_print_author_1(id);
   sum += static_cast<std::uint64_t>(refgrove_author_distance_1(0, 1));
