@@ -33,7 +33,7 @@ using Bind = bool (*)(const Walk& walk, term_t args, const Pair& solution);
 
 struct Walk {
   DataSetPtr set;  // null before any load
-  Step step;
+  Step step = nullptr;
   int fixed = 0;   // the bound argument the walk follows, when there is one
   int outer = 0;   // DID (or author id) reached
   int inner = 0;   // position within its list
@@ -199,15 +199,17 @@ foreign_t enumerate(term_t args, int, control_t control) {
   while (walk->has_next) {
     const Pair solution = walk->next;
     walk->has_next = walk->step(*walk, &walk->next);
+    // A solution that does not unify is undone before the next is tried.
     const fid_t frame = PL_open_foreign_frame();
-    if (bind(*walk, args, solution)) {
+    const bool bound = bind(*walk, args, solution);
+    const bool raised = !bound && PL_exception(0) != 0;
+    if (bound || raised) {
       PL_close_foreign_frame(frame);
+      if (raised) return false;
       if (!walk->has_next) return true;
       PL_retry_address(owned.release());
     }
-    if (PL_exception(0)) return false;
-    PL_rewind_foreign_frame(frame);
-    PL_close_foreign_frame(frame);
+    PL_discard_foreign_frame(frame);
   }
   return false;
 }
