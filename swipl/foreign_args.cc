@@ -24,7 +24,7 @@ bool raise_formal(term_t formal) {
 }
 
 bool put_atom(term_t t, const std::string& text) {
-  return PL_put_variable(t) && unify_text_atom(t, text);
+  return PL_put_variable(t) && unify_text(t, text);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ foreign_t text_result(term_t args, int arity, control_t) {
   int id = 0, i = 0;
   if (!get_int_input(args, &id) || (arity == 3 && !get_int_input(args + 1, &i))) return false;
   const char* text = nullptr;
-  return lookup(current_data(), id, i, &text) && unify_text_atom(args + arity - 1, text);
+  return lookup(current_data(), id, i, &text) && unify_text(args + arity - 1, text);
 }
 
 int key_of(const RefgroveData& d, int did, int, const char** out) { return get_key(d, did, out); }

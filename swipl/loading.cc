@@ -16,6 +16,7 @@
 #include "graph/graph_file.h"
 #include "preproc/preprocess.h"
 #include "swipl/library_data.h"
+#include "swipl/prolog_text.h"
 #include "tokenizer/parser_error.h"
 #include "words/word_files.h"
 
@@ -39,12 +40,13 @@ void emit_messages(const std::string& text) {
   std::istringstream in(text);
   bool built = true;
   for (std::string line; built && std::getline(in, line);) {
-    built = PL_unify_list(tail, head, tail) && PL_unify_chars(head, PL_STRING | REP_UTF8, line.size(), line.data());
+    built = PL_unify_list(tail, head, tail) && unify_text(head, line, PL_STRING);
   }
   if (built && PL_unify_nil(tail) && PL_put_atom_chars(args, "informational") &&
       PL_unify_term(args + 1, PL_FUNCTOR_CHARS, "refgrove", 1, PL_TERM, lines)) {
     PL_call_predicate(nullptr, PL_Q_NODEBUG | PL_Q_CATCH_EXCEPTION, print_message, args);
   }
+  if (!built) PL_clear_exception();  // out of stack: the messages are lost
   PL_discard_foreign_frame(frame);
 }
 

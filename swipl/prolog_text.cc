@@ -64,16 +64,16 @@ bool is_valid_utf8(std::string_view bytes) {
   return true;
 }
 
-bool unify_text_atom(term_t t, std::string_view text) {
+bool unify_text(term_t t, std::string_view text, int type) {
   const int rep = is_valid_utf8(text) ? REP_UTF8 : REP_ISO_LATIN_1;
-  return PL_unify_chars(t, PL_ATOM | rep, text.size(), text.data());
+  return PL_unify_chars(t, type | rep, text.size(), text.data());
 }
 
 bool unify_text_atoms(term_t t, std::span<const std::string_view> texts) {
   const term_t tail = PL_copy_term_ref(t);
   const term_t head = PL_new_term_ref();
   for (const std::string_view text : texts) {
-    if (!PL_unify_list(tail, head, tail) || !unify_text_atom(head, text)) return false;
+    if (!PL_unify_list(tail, head, tail) || !unify_text(head, text)) return false;
   }
   return PL_unify_nil(tail);
 }

@@ -22,8 +22,9 @@ namespace refgrove::swipl {
 // Strict UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
 bool is_valid_utf8(std::string_view bytes);
 
-// Unifies `t` with the atom for `text` (see above).
-bool unify_text_atom(term_t t, std::string_view text);
+// Unifies `t` with the atom for `text` (see above), or with the string
+// when `type` is PL_STRING.
+bool unify_text(term_t t, std::string_view text, int type = PL_ATOM);
 
 // Unifies `t` with the list of atoms for `texts`, in their order.
 bool unify_text_atoms(term_t t, std::span<const std::string_view> texts);
@@ -37,7 +38,7 @@ bool unify_int_list(term_t t, std::span<const int> values);
 std::vector<std::string> stored_forms(term_t t);
 
 // Writes `text` to `stream` character by character, each blank-separated
-// word decoded as unify_text_atom would decode it, so that what a printing
+// word decoded as unify_text would decode it, so that what a printing
 // predicate writes matches the atoms of the same texts. Returns false with
 // an exception pending when the stream fails.
 bool write_text(IOSTREAM* stream, std::string_view text);

@@ -170,7 +170,7 @@ bool bind_both(const Walk&, term_t args, const Pair& s) {
 bool bind_key(const Walk& w, term_t args, const Pair& s) {
   if (w.key_given) return PL_unify_integer(args + 1, s.b);
   const char* key = key_text(w.data(), s.b);
-  return key != nullptr && unify_text_atom(args, key) && PL_unify_integer(args + 1, s.b);
+  return key != nullptr && unify_text(args, key) && PL_unify_integer(args + 1, s.b);
 }
 
 // Runs a walk: sets it up on the first call (`start` fills in the step and
