@@ -5,8 +5,9 @@
         swipl bench/swipl_bench.pl LOADER DATA DIDS_FILE [REPEAT]
 
     LOADER is `consult` (DATA: the facts file), `qlf` (DATA: the facts
-    compiled to .qlf) or `refgrove` (DATA: a data directory). DIDS_FILE
-    holds bench_dids(List), the documents every side is asked about.
+    compiled to .qlf) or `refgrove` (DATA: a data directory; library(refgrove)
+    from the packs in directory $REFGROVE_PACKS when set). DIDS_FILE holds
+    bench_dids(List), the documents every side is asked about.
 
     Prints one line per figure, each starting with "bench ":
         bench load Seconds                 until the data can be queried
@@ -50,7 +51,13 @@ side(qlf, facts).
 side(refgrove, refgrove).
 
 prepare(facts).
-prepare(refgrove) :- use_module(library(refgrove)).
+prepare(refgrove) :-
+    (   getenv('REFGROVE_PACKS', Packs)
+    ->  attach_packs(Packs, [duplicate(replace)])
+    ;   true
+    ),
+    use_module(library(refgrove)),
+    set_prolog_flag(verbose, silent).
 
 load(consult, File) :- load_files(File, [silent(true)]).
 load(qlf, File) :- load_files(File, [silent(true)]).
