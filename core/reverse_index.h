@@ -27,14 +27,17 @@ struct WordGraphDataIds;
 class GroupedIndex {
  public:
   GroupedIndex() = default;
-  // Groups (key, value) pairs; each group's values ascend. With `distinct`,
-  // a pair that occurs more than once is kept once.
+  // Groups (key, value) pairs given in ascending order of value; each
+  // group's values keep that order. With `distinct`, a pair given more
+  // than once is kept once.
   GroupedIndex(std::vector<std::pair<std::int32_t, std::int32_t>> pairs, bool distinct);
 
   // The values of `key`, empty when it has none.
   std::span<const std::int32_t> find(std::int32_t key) const;
 
  private:
+  static void sort_by_key(std::vector<std::pair<std::int32_t, std::int32_t>>& pairs);
+
   std::vector<std::int32_t> keys_;
   std::vector<std::int32_t> offsets_;  // keys_.size() + 1 entries
   std::vector<std::int32_t> values_;
