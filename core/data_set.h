@@ -38,6 +38,9 @@ class RefgroveData {
     return &did_index[static_cast<std::size_t>(did)];
   }
 
+  // Documents left out of the index: their DID is negative or too large.
+  std::size_t unindexed() const { return unindexed_; }
+
   std::vector<WordGraphDataIds> did_index;
   std::unique_ptr<WordData> word_data;
   std::unique_ptr<RefgroveGraph> graph;
