@@ -55,8 +55,8 @@ ProgressDisplay::~ProgressDisplay() {
 void ProgressDisplay::redraw_until_stopped() {
   const auto start = std::chrono::steady_clock::now();
   std::unique_lock<std::mutex> lock(mutex_);
-  while (!stop_requested_.wait_for(lock, kRedrawInterval, [this] { return stop_; })) {
+  do {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     out_ << kClearLine << progress_line(bytes_read_, total_bytes_, elapsed.count()) << std::flush;
-  }
+  } while (!stop_requested_.wait_for(lock, kRedrawInterval, [this] { return stop_; }));
 }
