@@ -1,6 +1,6 @@
 // InterruptCleanup: SIGINT and SIGTERM during a run of `refgrove preprocess`
-// remove the run's staging directory and lock file before the process ends with the usual
-// status of a death by that signal (130, 143).
+// remove the run's staging directory and lock file before the process ends
+// with the usual status of a death by that signal (130, 143).
 //
 // The signals are blocked in the constructing thread, and so in every thread
 // it starts afterwards; a watcher thread takes them with sigtimedwait(), so
