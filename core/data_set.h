@@ -61,6 +61,9 @@ class RefgroveData {
     return key_docs_.get([this] { return KeyIndex(*graph, did_index); });
   }
 
+  // Documents left out of the index: their DID is negative or too large.
+  std::size_t unindexed() const { return unindexed_; }
+
   std::vector<WordGraphDataIds> did_index;
   std::unique_ptr<WordData> word_data;
   std::unique_ptr<RefgroveGraph> graph;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "core/validate.h"
+#include "tools/manifest.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
@@ -20,7 +21,9 @@ const char kHelp[] =
     "the end of word-data, a missing end sentinel in word-idx, word and author\n"
     "ids outside their tables, graph records out of DID order. Each line names\n"
     "the file and the byte offset of the fault. At most 10 findings of one\n"
-    "kind are listed, then their number.\n"
+    "kind are listed, then their number. When DIR holds refgrove-manifest.json\n"
+    "(written by refgrove preprocess), the files' sizes and checksums are\n"
+    "compared with it: a file that differs comes from another run.\n"
     "\n"
     "Exit status: 0 when nothing was found, 1 when something was, 2 on a usage\n"
     "error.\n";
@@ -37,7 +40,8 @@ int check_main(int argc, char** argv, std::ostream& out, std::ostream& err) {
     return 2;
   }
   const std::string dir = as_dir(argv[1]);
-  const std::vector<Finding> findings = validate_data_dir(dir);
+  std::vector<Finding> findings = validate_data_dir(dir);
+  for (Finding& f : manifest_findings(dir)) findings.push_back(std::move(f));
   for (const Finding& f : findings) out << dir << f.text() << "\n";
   if (findings.empty()) {
     out << dir << ": no problems found.\n";

@@ -9,6 +9,7 @@
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
 #include "tools/commands.h"
+#include "tools/manifest.h"
 
 namespace {
 
@@ -46,6 +47,21 @@ TEST(CheckCommandTest, CleanThenDamagedDirectory) {
                        d + "word-idx at offset 0: the last header has DID 7, not the end sentinel's -1: the sentinel "
                        "is missing or the file is cut short.\n" +
                        d + "graph_data: the file is missing or cannot be read.\n3 problems found in " + d + ".\n");
+}
+
+// Files that fit together but are not the ones the manifest lists.
+TEST(CheckCommandTest, FilesFromAnotherRunAreFound) {
+  TempDir dir, other;
+  DataDirBuilder().add({7, "", -1, {}, {"graphs"}, {"A. Lee"}, {"one", "two"}, true, true}).write(dir.path());
+  DataDirBuilder().add({7, "", -1, {}, {"graphs"}, {"B. Lee"}, {"one", "two"}, true, true}).write(other.path());
+  std::string error;
+  ASSERT_TRUE(write_manifest(dir.path(), dir.path() + kManifestFile, &error)) << error;
+  write_file(dir.path() + "graph_data", read_file(other.path() + "graph_data"));
+  const CheckRun r = check({dir.path()});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.out, dir.path() + "graph_data: the file is not the one refgrove-manifest.json lists (size 56, listed "
+                                "56; the checksum differs): the files come from different runs, or this one was "
+                                "changed since.\n1 problem found in " + dir.path() + ".\n");
 }
 
 TEST(CheckCommandTest, UsageErrorsExitTwo) {

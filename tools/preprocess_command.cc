@@ -1,29 +1,44 @@
-// `refgrove preprocess IN_DIR OUT_DIR`: the text dumps of IN_DIR into the
-// data directory OUT_DIR, exactly as refgrove_preproc_1 does it.
-#include <filesystem>
-#include <iostream>
-#include <string>
+// `refgrove preprocess [-v] IN_DIR OUT_DIR`: the text dumps of IN_DIR into the
+// data directory OUT_DIR, safely (see safe_preprocess.h).
+#include <unistd.h>
 
-#include "core/refgrove.h"
+#include <cstring>
+#include <iostream>
+
 #include "tools/commands.h"
+#include "tools/safe_preprocess.h"
 #include "tools/tool_support.h"
 
 namespace {
 
 const char kHelp[] =
-    "usage: refgrove preprocess IN_DIR OUT_DIR\n"
+    "usage: refgrove preprocess [-v] IN_DIR OUT_DIR\n"
     "\n"
     "Reads the text dumps of IN_DIR, graph-data-aug-2002.txt and\n"
-    "word-data{1,2,3}-mar-2002.txt, and writes the data directory OUT_DIR:\n"
-    "word-data, word-idx, graph_data and word-table. OUT_DIR is created when\n"
-    "missing; existing data files in it are replaced. Progress goes to\n"
-    "standard output and standard error. A missing dump is reported (word\n"
-    "dumps) or read as empty (graph dump); a word-dump line without a DID is\n"
-    "reported and skipped.\n"
+    "word-data{1,2,3}-mar-2002.txt, and makes the data directory OUT_DIR:\n"
+    "word-data, word-idx, graph_data, word-table and refgrove-manifest.json\n"
+    "(the files' sizes and checksums, compared by refgrove check).\n"
     "\n"
-    "Exit status: 0 when done, 1 when a directory is unusable, 2 on a usage\n"
-    "error, 3 when a dump does not parse (the parse error is written to\n"
-    "standard error, and the data directory is left incomplete).\n";
+    "The run writes into a new directory beside OUT_DIR (.OUT_DIR.refgrove-tmp.PID)\n"
+    "and moves the files into OUT_DIR only once they are complete and pass\n"
+    "refgrove check: a run that fails or is interrupted leaves OUT_DIR as it was.\n"
+    "Other files in OUT_DIR are not touched. A second run into the same OUT_DIR\n"
+    "waits for the first (lock file .OUT_DIR.refgrove-lock beside it). What an\n"
+    "interrupted run left behind is removed by the next run.\n"
+    "\n"
+    "Every dump must be a regular file. A word-dump line without a DID is\n"
+    "skipped. At the end a summary says what was made and what was skipped\n"
+    "or changed. On a terminal a progress line shows the share of the dumps\n"
+    "read, the rate and the time left; -v (--verbose) shows the module's own\n"
+    "messages instead, as they are written when standard error is not a\n"
+    "terminal.\n"
+    "\n"
+    "Exit status: 0 when done, 1 when an input, a write or the check failed,\n"
+    "2 on a usage error, 3 when a dump does not parse (the parse error is\n"
+    "written to standard error), 130 and 143 when interrupted by SIGINT and\n"
+    "SIGTERM.\n";
+
+bool is_verbose(const char* arg) { return std::strcmp(arg, "-v") == 0 || std::strcmp(arg, "--verbose") == 0; }
 
 }  // namespace
 
@@ -32,21 +47,15 @@ int preprocess_command(int argc, char** argv) {
     std::cout << kHelp;
     return 0;
   }
-  if (argc != 3) {
-    std::cerr << "usage: refgrove preprocess IN_DIR OUT_DIR (see refgrove preprocess --help)\n";
+  PreprocessRequest request;
+  request.verbose = argc > 1 && is_verbose(argv[1]);
+  const int first = request.verbose ? 2 : 1;
+  if (argc - first != 2) {
+    std::cerr << "usage: refgrove preprocess [-v] IN_DIR OUT_DIR (see refgrove preprocess --help)\n";
     return 2;
   }
-  const std::string in = as_dir(argv[1]), out = as_dir(argv[2]);
-  std::error_code ec;
-  if (!std::filesystem::is_directory(in, ec)) {
-    std::cerr << "refgrove preprocess: " << argv[1] << ": no such directory\n";
-    return 1;
-  }
-  std::filesystem::create_directories(out, ec);
-  if (!std::filesystem::is_directory(out, ec)) {
-    std::cerr << "refgrove preprocess: cannot create " << argv[2] << "\n";
-    return 1;
-  }
-  refgrove_preproc_1(in.c_str(), out.c_str());  // ends the process with status 3 on a parse error
-  return 0;
+  request.in_dir = argv[first];
+  request.out_dir = argv[first + 1];
+  request.terminal = isatty(STDERR_FILENO) == 1;
+  return safe_preprocess(request, std::cout, std::cerr);
 }

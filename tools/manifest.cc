@@ -1,0 +1,115 @@
+#include "tools/manifest.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "graph/graph_file.h"
+#include "tools/file_sync.h"
+#include "words/word_files.h"
+
+namespace {
+
+using nlohmann::json;
+
+constexpr char kChecksumKey[] = "fnv1a64";
+
+std::string hex64(std::uint64_t v) {
+  char text[17];
+  std::snprintf(text, sizeof text, "%016" PRIx64, v);
+  return text;
+}
+
+// The manifest's entry for one file: its size and checksum, or a reason
+// why it cannot be used.
+bool parse_entry(const json& entry, FileDigest* digest) {
+  if (!entry.is_object() || !entry.contains("size") || !entry["size"].is_number_unsigned()) return false;
+  if (!entry.contains(kChecksumKey) || !entry[kChecksumKey].is_string()) return false;
+  const std::string text = entry[kChecksumKey].get<std::string>();
+  if (text.size() != 16 || text.find_first_not_of("0123456789abcdef") != std::string::npos) return false;
+  digest->size = entry["size"].get<std::uint64_t>();
+  digest->checksum = std::stoull(text, nullptr, 16);
+  return true;
+}
+
+Finding manifest_finding(const std::string& message) { return Finding{kManifestFile, -1, message}; }
+
+}  // namespace
+
+const std::vector<std::string>& data_file_names() {
+  static const std::vector<std::string> names = {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile};
+  return names;
+}
+
+std::uint64_t fnv1a64(const void* bytes, std::size_t size, std::uint64_t hash) {
+  const unsigned char* p = static_cast<const unsigned char*>(bytes);
+  for (std::size_t i = 0; i < size; ++i) hash = (hash ^ p[i]) * 0x100000001b3u;
+  return hash;
+}
+
+bool digest_file(const std::string& path, FileDigest* digest, std::string* error) {
+  const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
+    *error = system_error_text(path, errno);
+    return false;
+  }
+  const std::unique_ptr<char[]> buffer(new char[1 << 20]);
+  FileDigest d{0, kFnvOffsetBasis};
+  for (;;) {
+    const ssize_t n = read(fd, buffer.get(), 1 << 20);
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) {
+      const int e = errno;
+      close(fd);
+      if (n < 0) *error = system_error_text(path, e);
+      if (n == 0) *digest = d;
+      return n == 0;
+    }
+    d.size += static_cast<std::uint64_t>(n);
+    d.checksum = fnv1a64(buffer.get(), static_cast<std::size_t>(n), d.checksum);
+  }
+}
+
+bool write_manifest(const std::string& dir, const std::string& path, std::string* error) {
+  json files = json::object();
+  for (const std::string& name : data_file_names()) {
+    FileDigest d;
+    if (!digest_file(dir + name, &d, error)) return false;
+    files[name] = {{"size", d.size}, {kChecksumKey, hex64(d.checksum)}};
+  }
+  const json manifest = {{"made_by", "refgrove preprocess"}, {"files", files}};
+  return write_synced(path, manifest.dump(2) + "\n", error);
+}
+
+std::vector<Finding> manifest_findings(const std::string& dir) {
+  std::ifstream in(dir + kManifestFile, std::ios::in | std::ios::binary);
+  if (!in.is_open()) return {};
+  const json manifest = json::parse(in, nullptr, false);
+  if (manifest.is_discarded() || !manifest.is_object() || !manifest.contains("files") ||
+      !manifest["files"].is_object()) {
+    return {manifest_finding("the manifest is not a JSON object with a \"files\" object: it cannot be compared.")};
+  }
+  std::vector<Finding> findings;
+  const json& files = manifest["files"];
+  for (const std::string& name : data_file_names()) {
+    FileDigest listed, actual;
+    std::string error;
+    if (!files.contains(name) || !parse_entry(files[name], &listed)) {
+      findings.push_back(manifest_finding("no valid size and checksum for " + name + ": it cannot be compared."));
+    } else if (digest_file(dir + name, &actual, &error) &&
+               (actual.size != listed.size || actual.checksum != listed.checksum)) {
+      findings.push_back(Finding{name, -1,
+                                 "the file is not the one " + std::string(kManifestFile) + " lists (size " +
+                                     std::to_string(actual.size) + ", listed " + std::to_string(listed.size) +
+                                     (actual.checksum == listed.checksum ? "" : "; the checksum differs") +
+                                     "): the files come from different runs, or this one was changed since."});
+    }
+  }
+  return findings;
+}

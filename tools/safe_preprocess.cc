@@ -1,0 +1,176 @@
+#include "tools/safe_preprocess.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/data_set.h"
+#include "core/validate.h"
+#include "graph/graph_dump.h"
+#include "preproc/preprocess.h"
+#include "preproc/word_preproc.h"
+#include "tokenizer/parser_error.h"
+#include "tools/file_sync.h"
+#include "tools/interrupt_cleanup.h"
+#include "tools/manifest.h"
+#include "tools/progress_display.h"
+#include "tools/staged_data_dir.h"
+#include "tools/tool_support.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr char kPrefix[] = "refgrove preprocess: ";
+
+int fail(std::ostream& err, const std::string& message) {
+  err << kPrefix << message << "\n";
+  return 1;
+}
+
+// The input must be a directory; its dumps are checked by preprocess().
+bool check_input_dir(const std::string& arg, std::string* error) {
+  struct stat st;
+  if (stat(arg.c_str(), &st) != 0) {
+    *error = system_error_text(arg, errno);
+    return false;
+  }
+  if (!S_ISDIR(st.st_mode)) *error = arg + ": is not a directory";
+  return S_ISDIR(st.st_mode);
+}
+
+// The size of the four dumps, for the progress display.
+std::uint64_t dump_bytes(const std::string& in_dir) {
+  std::vector<std::string> names = {kGraphDumpFile};
+  for (const char* name : WordPreproc().files) names.emplace_back(name);
+  std::uint64_t total = 0;
+  for (const std::string& name : names) {
+    std::error_code ec;
+    const std::uintmax_t size = fs::file_size(in_dir + name, ec);
+    if (!ec) total += size;
+  }
+  return total;
+}
+
+// The documents that loading `dir` leaves out of the DID index.
+std::size_t unindexed_documents(const std::string& dir) {
+  std::streambuf* old = std::cerr.rdbuf(nullptr);  // the loading messages
+  const std::size_t count = RefgroveData(dir.c_str()).unindexed();
+  std::cerr.rdbuf(old);
+  std::cerr.clear();
+  return count;
+}
+
+void print_summary(std::ostream& out, const std::string& target, const PreprocSummary& s, std::size_t unindexed) {
+  out << "Made " << target << ":\n"
+      << "  " << s.documents << " documents with abstracts, " << s.abstract_words << " abstract words\n"
+      << "  " << s.records << " graph records, " << s.citations << " citations, " << s.authors << " authors\n"
+      << "  " << s.words << " distinct words (abstracts and titles)\n"
+      << "Skipped or changed:\n"
+      << "  " << s.lines_without_did << " word dump lines without a DID (skipped)\n"
+      << "  " << s.values_out_of_range << " numbers beyond the int32 range (stored as the nearest int32)\n"
+      << "  " << unindexed << " documents whose DID cannot be indexed (negative or out of range: not found by DID)\n";
+}
+
+// The staging directory of this run: removed, with what it holds, when the
+// run ends without having moved it into place. Declared after the lock, so
+// that it is gone before the lock is let go.
+class StagingDir {
+ public:
+  StagingDir(std::string path, InterruptCleanup* interrupts) : path_(std::move(path)), interrupts_(interrupts) {}
+  ~StagingDir() {
+    interrupts_->set_run_files("", "");
+    std::error_code ec;
+    fs::remove_all(path_, ec);
+  }
+  StagingDir(const StagingDir&) = delete;
+  StagingDir& operator=(const StagingDir&) = delete;
+  const std::string& path() const { return path_; }
+  std::string prefix() const { return path_ + "/"; }
+
+ private:
+  std::string path_;
+  InterruptCleanup* interrupts_;
+};
+
+// Preprocesses into the staging directory; an exit status when that failed.
+std::optional<int> preprocess_into(const PreprocessRequest& request, const std::string& in_dir,
+                                   const StagingDir& staging, std::ostream& out, std::ostream& err,
+                                   PreprocSummary* summary) {
+  std::ostream quiet(nullptr);
+  const bool display = request.terminal && !request.verbose;
+  PreprocProgress progress;
+  PreprocOptions options;
+  options.out = display ? &quiet : &out;
+  options.err = display ? &quiet : &err;
+  options.checked = true;
+  options.progress = &progress;
+  try {
+    std::optional<ProgressDisplay> line;
+    if (display) line.emplace(progress.bytes_read, dump_bytes(in_dir), err);
+    *summary = preprocess(in_dir, staging.prefix(), options);
+  } catch (const ParserError& e) {
+    e.write(err);
+    err.flush();
+    return 3;
+  } catch (const std::exception& e) {  // PreprocError, or memory or the system failing
+    return fail(err, e.what());
+  }
+  return std::nullopt;
+}
+
+// Whether what the run made passes `refgrove check`; the findings on `err`.
+bool passes_check(const StagingDir& staging, std::ostream& err) {
+  const std::vector<Finding> findings = validate_data_dir(staging.prefix());
+  if (findings.empty()) return true;
+  err << kPrefix << "the data made does not pass refgrove check:\n";
+  for (const Finding& f : findings) err << "  " << f.text() << "\n";
+  return false;
+}
+
+}  // namespace
+
+int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err) {
+  InterruptCleanup interrupts;  // first: the threads started later inherit its signal mask
+  std::string error;
+  TargetPaths paths;
+  if (!check_input_dir(request.in_dir, &error) || !resolve_target(request.out_dir, &paths, &error)) {
+    return fail(err, error);
+  }
+  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(paths, err, &error);
+  if (lock == nullptr) return fail(err, error);
+  for (const std::string& removed : remove_leftovers(paths)) {
+    err << kPrefix << "removed " << removed << ", left behind by a run that was interrupted\n";
+  }
+  StagingDir staging(paths.staging_dir(getpid()), &interrupts);
+  if (mkdir(staging.path().c_str(), 0777) != 0) return fail(err, "cannot make " + system_error_text(staging.path(), errno));
+  interrupts.set_run_files(staging.path(), paths.lock_file());
+
+  const std::string in_dir = as_dir(request.in_dir);
+  const std::string left_as_it_was = paths.target + " is left as it was";
+  PreprocSummary summary;
+  if (const std::optional<int> status = preprocess_into(request, in_dir, staging, out, err, &summary)) {
+    // A parse error ends standard error exactly as the module leaves it.
+    if (*status != 3) err << kPrefix << left_as_it_was << "\n";
+    return *status;
+  }
+  const std::size_t unindexed = unindexed_documents(staging.prefix());
+  if (!passes_check(staging, err)) return fail(err, left_as_it_was);
+  if (!write_manifest(staging.prefix(), staging.prefix() + kManifestFile, &error)) {
+    return fail(err, error + "; " + left_as_it_was);
+  }
+  {
+    const std::unique_lock<std::mutex> no_interrupts = interrupts.hold();
+    if (!move_into_place(staging.path(), paths, &error)) {
+      return fail(err, error + "; " + paths.target + " may now hold files of two runs (refgrove check tells)");
+    }
+  }
+  print_summary(out, paths.target, summary, unindexed);
+  return 0;
+}

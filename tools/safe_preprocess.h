@@ -1,0 +1,31 @@
+// safe_preprocess(): what `refgrove preprocess` runs. The dumps are
+// preprocessed into a staging directory beside the target, checked, given a
+// manifest and only then moved into place (staged_data_dir.h), so that a
+// run that fails, does not parse, is interrupted or runs beside another one
+// leaves the target as it was. Inputs and writes are checked; at the end a
+// summary says what was made and what had to be skipped or changed.
+#ifndef REFGROVE_TOOLS_SAFE_PREPROCESS_H_
+#define REFGROVE_TOOLS_SAFE_PREPROCESS_H_
+
+#include <ostream>
+#include <string>
+
+struct PreprocessRequest {
+  std::string in_dir, out_dir;  // as given; a trailing "/" is optional
+  // The module's own messages ("Preproc word data ...", the running DID
+  // counters, the lines without a DID) instead of a progress display.
+  bool verbose = false;
+  // Standard error is a terminal: without `verbose`, a progress line stands
+  // in for the module's messages. Otherwise those go to `out` and `err` as
+  // refgrove_preproc_1 writes them.
+  bool terminal = false;
+};
+
+// Runs the request; `out` gets the summary, `err` the errors. Returns the
+// exit status: 0 done, 1 an input, output or check failed (the target is
+// left as it was), 3 a dump does not parse (the parse error on `err`, as the
+// module writes it). SIGINT and SIGTERM meanwhile end the process with 130
+// and 143 after removing what the run had written.
+int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err);
+
+#endif  // REFGROVE_TOOLS_SAFE_PREPROCESS_H_
