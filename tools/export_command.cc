@@ -193,7 +193,9 @@ int run_export(const ExportArgs& args, CommandContext& ctx) {
   if (data == nullptr) return 1;
   if (args.output.empty()) {
     export_documents(*data, args.format, ctx.out);
-    return ctx.out.flush() ? 0 : 1;
+    if (ctx.out.flush()) return 0;
+    ctx.err << "refgrove export: cannot write to standard output\n";
+    return 1;
   }
   errno = 0;
   std::ofstream file(args.output, std::ios::binary);

@@ -1,3 +1,5 @@
+// The refgrove application: every subcommand under one CLI11 parser, which
+// also answers --help, --version and usage errors (status 2, CLI11's message).
 #include <CLI/CLI.hpp>
 
 #include "tools/commands.h"
