@@ -125,7 +125,7 @@ std::istream* open_input(const std::string& file, std::istream& in, std::ifstrea
     errno = 0;
     opened->open(file, std::ios::binary);
     if (opened->is_open()) return opened;
-    error = errno;
+    error = errno != 0 ? errno : EIO;
   }
   err << "refgrove tokens: " << file << ": " << std::strerror(error) << "\n";
   return nullptr;
