@@ -24,7 +24,7 @@ TEST(DemoScriptTest, LeavesAnOccupiedDirectoryAlone) {
     while (std::fgets(buf, sizeof buf, pipe) != nullptr) output += buf;
     const int status = pclose(pipe);
     EXPECT_EQ(WEXITSTATUS(status), 1) << target << "\n" << output;
-    EXPECT_EQ(output, "scripts/demo: " + target + " exists and is not an empty directory; name a new one\n");
+    EXPECT_EQ(output, "scripts/demo: " + target + " is not empty; give a new or empty directory\n");
     EXPECT_EQ(read_file(file), "mine");
   }
 }
