@@ -1,19 +1,20 @@
 // `refgrove check DIR`: reports everything in a data directory that does not
 // fit together, one finding per line, with the file and the byte offset.
-#include <iostream>
+#include <CLI/CLI.hpp>
+
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/validate.h"
-#include "tools/manifest.h"
 #include "tools/commands.h"
+#include "tools/manifest.h"
 #include "tools/tool_support.h"
 
 namespace {
 
 const char kHelp[] =
-    "usage: refgrove check DIR\n"
-    "\n"
     "Reads the data directory DIR (word-table, word-idx, word-data and\n"
     "graph_data) byte by byte and reports, one line each, what does not fit\n"
     "together: sizes that do not match their counts, records cut short, string\n"
@@ -26,20 +27,10 @@ const char kHelp[] =
     "compared with it: a file that differs comes from another run.\n"
     "\n"
     "Exit status: 0 when nothing was found, 1 when something was, 2 on a usage\n"
-    "error.\n";
+    "error.";
 
-}  // namespace
-
-int check_main(int argc, char** argv, std::ostream& out, std::ostream& err) {
-  if (argc == 2 && is_help(argv[1])) {
-    out << kHelp;
-    return 0;
-  }
-  if (argc != 2 || argv[1][0] == '\0') {
-    err << "usage: refgrove check DIR (see refgrove check --help)\n";
-    return 2;
-  }
-  const std::string dir = as_dir(argv[1]);
+int check_dir(const std::string& dir_arg, std::ostream& out) {
+  const std::string dir = as_dir(dir_arg);
   std::vector<Finding> findings = validate_data_dir(dir);
   for (Finding& f : manifest_findings(dir)) findings.push_back(std::move(f));
   for (const Finding& f : findings) out << dir << f.text() << "\n";
@@ -51,4 +42,15 @@ int check_main(int argc, char** argv, std::ostream& out, std::ostream& err) {
   return 1;
 }
 
-int check_command(int argc, char** argv) { return check_main(argc, argv, std::cout, std::cerr); }
+}  // namespace
+
+void add_check_command(CLI::App& app, CommandContext& ctx) {
+  CLI::App* cmd =
+      app.add_subcommand("check", "report what is inconsistent in a data directory, with files and offsets");
+  cmd->footer(kHelp);
+  auto dir = std::make_shared<std::string>();
+  cmd->add_option("DIR", *dir, "the data directory")->required()->check(CLI::Validator(
+      [](const std::string& s) { return s.empty() ? std::string("an empty directory name") : std::string(); },
+      "", "non-empty"));
+  cmd->callback([&ctx, dir] { ctx.status = check_dir(*dir, ctx.out); });
+}

@@ -1,304 +1,291 @@
 // The subcommands that load a data directory and read it: `stats`,
-// `printdoc`, `author` and `query`. Each loads the directory through
-// refgrove_load_1 (its messages shown only with --verbose) and then calls the
-// library's plain operations, as the host engine's predicates do.
-#include <cctype>
+// `printdoc`, `author` and `query`. Each loads the directory into a data set
+// of its own (its messages shown only with --verbose) and then calls the
+// same query operations as the module's C interface.
+#include <CLI/CLI.hpp>
+
 #include <cstdint>
-#include <cstring>
-#include <iostream>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "core/data_set.h"
-#include "core/refgrove.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
 namespace {
 
-// The arguments of a data command after its options: the directory, then
-// the rest.
-struct DataArgs {
-  bool verbose = false;
-  std::string dir;
-  std::vector<const char*> rest;
-};
+using refgrove::DataSetPtr;
 
-// Returns -1 to go on, or an exit status (0 after --help).
-int parse_data_args(int argc, char** argv, const char* help, const char* usage, DataArgs* a) {
-  int i = 1;
-  for (; i < argc && argv[i][0] == '-' && argv[i][1] != '\0' && !std::isdigit(static_cast<unsigned char>(argv[i][1]));
-       ++i) {
-    if (is_help(argv[i])) {
-      std::cout << help;
-      return 0;
-    }
-    if (std::strcmp(argv[i], "-v") == 0 || std::strcmp(argv[i], "--verbose") == 0) {
-      a->verbose = true;
-    } else if (std::strcmp(argv[i], "--") == 0) {
-      ++i;
-      break;
-    } else {
-      std::cerr << "refgrove " << argv[0] << ": unknown option '" << argv[i] << "'\n" << usage;
-      return 2;
-    }
-  }
-  if (i >= argc) {
-    std::cerr << usage;
-    return 2;
-  }
-  a->dir = as_dir(argv[i]);
-  a->rest.assign(argv + i + 1, argv + argc);
-  return -1;
-}
-
-// Parses every argument as an int; false (after a message) on a bad one.
-bool parse_ints(const char* command, const std::vector<const char*>& args, std::vector<int>* out) {
-  for (const char* arg : args) {
-    int v = 0;
-    if (!parse_int(arg, &v)) {
-      std::cerr << "refgrove " << command << ": not an integer: '" << arg << "'\n";
-      return false;
-    }
-    out->push_back(v);
-  }
-  return true;
-}
-
-const char kStatsHelp[] =
-    "usage: refgrove stats [-v] DIR\n"
-    "\n"
-    "Loads the data directory DIR and prints its size: graph records,\n"
-    "documents with word data, distinct words, authors, citations, title\n"
-    "and abstract words, and the largest DID. -v shows the loading messages.\n";
-
-const char kPrintdocHelp[] =
-    "usage: refgrove printdoc [-v] DIR DID...\n"
-    "\n"
-    "Prints each document as the module's refgrove_printdoc does: its\n"
-    "word-data header, authors, title and abstract. The title words go to\n"
-    "standard error, the rest to standard output. Exit status 1 when a DID is\n"
-    "in neither half of the data.\n";
-
-const char kAuthorHelp[] =
-    "usage: refgrove author [-v] DIR ID...\n"
-    "\n"
-    "Prints the name of each author id, one per line. Exit status 1 when an\n"
-    "id is not in the author table.\n";
-
-const char kQueryHelp[] =
-    "usage: refgrove query [-v] DIR OPERATION [ARGUMENT...]\n"
-    "\n"
-    "Runs one query operation on the data directory DIR and prints its\n"
-    "result on one line. Exit status 1 when the document or item is absent.\n"
-    "\n"
-    "operations:\n"
-    "  last_did                one more than the largest DID\n"
-    "  has_graph_info DID      1 when DID has a graph record, else 0\n"
-    "  has_word_info DID       1 when DID has word data, else 0\n"
-    "  key DID                 the document's key (empty when unknown)\n"
-    "  year DID                its year (-1 when unknown)\n"
-    "  cite_count DID          number of citations\n"
-    "  cite DID I              citation I: the cited DID and its group id\n"
-    "  title_length DID        number of title words\n"
-    "  title_word DID I        title word I\n"
-    "  author_count DID        number of authors\n"
-    "  author_id DID I         id of author I\n"
-    "  author DID I            name of author I\n"
-    "  authors DID             all author ids\n"
-    "  word_count DID          number of abstract word positions\n"
-    "  word DID I              abstract word I\n"
-    "  id2author ID            name of an author id\n"
-    "  nb_authors              size of the author table\n"
-    "  stats                   the module's statistics: documents, words, authors\n"
-    "  author_distance A B     distance of two authors (always 0 for now)\n"
-    "Indexes I count from 0.\n";
-
-// One query operation: its name, its number of int arguments, and what it
-// prints. `run` returns false when the result is absent.
+// One query operation: its name, the names of its int arguments, what it
+// gives, and how it prints its result. `run` returns false when the result
+// is absent.
 struct QueryOp {
   const char* name;
-  int args;
-  bool (*run)(const int* a);
+  std::vector<const char*> args;
+  const char* summary;
+  bool (*run)(const RefgroveData& d, const int* a, std::ostream& out);
 };
 
-// Callers run the operation first and then pass its output: the order in
-// which function arguments are evaluated is unspecified.
-bool print_int(int found, int value) {
-  if (found) std::cout << value << "\n";
+bool print_int(std::ostream& out, int found, int value) {
+  if (found) out << value << "\n";
   return found != 0;
 }
 
-bool print_text(int found, const char* text) {
-  if (found) std::cout << (text != nullptr ? text : "") << "\n";
+bool print_text(std::ostream& out, int found, const char* text) {
+  if (found) out << (text != nullptr ? text : "") << "\n";
   return found != 0;
 }
 
+// Callers run the operation before passing its output: the order in which
+// function arguments are evaluated is unspecified.
 const QueryOp kQueryOps[] = {
-    {"last_did", 0, [](const int*) { int v = 0; refgrove_last_did_1(&v); return print_int(1, v); }},
-    {"has_graph_info", 1, [](const int* a) { return print_int(1, refgrove_has_graph_info_1(a[0])); }},
-    {"has_word_info", 1, [](const int* a) { return print_int(1, refgrove_has_word_info_1(a[0])); }},
-    {"key", 1, [](const int* a) { const char* t = nullptr; const int found = refgrove_get_key_1(a[0], &t); return print_text(found, t); }},
-    {"year", 1, [](const int* a) { int v = 0; const int found = refgrove_get_year_1(a[0], &v); return print_int(found, v); }},
-    {"cite_count", 1, [](const int* a) { int v = 0; const int found = refgrove_cite_count_1(a[0], &v); return print_int(found, v); }},
-    {"cite", 2,
-     [](const int* a) {
+    {"last_did", {}, "one more than the largest DID",
+     [](const RefgroveData& d, const int*, std::ostream& out) {
+       int v = 0;
+       refgrove::last_did(d, &v);
+       return print_int(out, 1, v);
+     }},
+    {"has_graph_info", {"DID"}, "1 when DID has a graph record, else 0",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       return print_int(out, 1, refgrove::has_graph_info(d, a[0]));
+     }},
+    {"has_word_info", {"DID"}, "1 when DID has word data, else 0",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       return print_int(out, 1, refgrove::has_word_info(d, a[0]));
+     }},
+    {"key", {"DID"}, "the document's key (empty when unknown)",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       const char* t = nullptr;
+       const int found = refgrove::get_key(d, a[0], &t);
+       return print_text(out, found, t);
+     }},
+    {"year", {"DID"}, "its year (-1 when unknown)",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       int v = 0;
+       const int found = refgrove::get_year(d, a[0], &v);
+       return print_int(out, found, v);
+     }},
+    {"cite_count", {"DID"}, "number of citations",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       int v = 0;
+       const int found = refgrove::cite_count(d, a[0], &v);
+       return print_int(out, found, v);
+     }},
+    {"cite", {"DID", "I"}, "citation I: the cited DID and its group id",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
        int cited = 0, gid = 0;
-       if (!refgrove_get_cite_1(a[0], a[1], &cited, &gid)) return false;
-       std::cout << cited << " " << gid << "\n";
+       if (!refgrove::get_cite(d, a[0], a[1], &cited, &gid)) return false;
+       out << cited << " " << gid << "\n";
        return true;
      }},
-    {"title_length", 1, [](const int* a) { int v = 0; const int found = refgrove_title_length_1(a[0], &v); return print_int(found, v); }},
-    {"title_word", 2,
-     [](const int* a) { const char* t = nullptr; const int found = refgrove_get_title_word_1(a[0], a[1], &t); return print_text(found, t); }},
-    {"author_count", 1, [](const int* a) { int v = 0; const int found = refgrove_author_count_1(a[0], &v); return print_int(found, v); }},
-    {"author_id", 2, [](const int* a) { int v = 0; const int found = refgrove_get_author_id_1(a[0], a[1], &v); return print_int(found, v); }},
-    {"author", 2,
-     [](const int* a) { const char* t = nullptr; const int found = refgrove_get_author_1(a[0], a[1], &t); return print_text(found, t); }},
-    {"authors", 1,
-     [](const int* a) {
+    {"title_length", {"DID"}, "number of title words",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       int v = 0;
+       const int found = refgrove::title_length(d, a[0], &v);
+       return print_int(out, found, v);
+     }},
+    {"title_word", {"DID", "I"}, "title word I",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       const char* t = nullptr;
+       const int found = refgrove::get_title_word(d, a[0], a[1], &t);
+       return print_text(out, found, t);
+     }},
+    {"author_count", {"DID"}, "number of authors",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       int v = 0;
+       const int found = refgrove::author_count(d, a[0], &v);
+       return print_int(out, found, v);
+     }},
+    {"author_id", {"DID", "I"}, "id of author I",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       int v = 0;
+       const int found = refgrove::get_author_id(d, a[0], a[1], &v);
+       return print_int(out, found, v);
+     }},
+    {"author", {"DID", "I"}, "name of author I",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       const char* t = nullptr;
+       const int found = refgrove::get_author(d, a[0], a[1], &t);
+       return print_text(out, found, t);
+     }},
+    {"authors", {"DID"}, "all author ids",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
        int n = 0;
-       if (!refgrove_author_count_1(a[0], &n)) return false;
+       if (!refgrove::author_count(d, a[0], &n)) return false;
        std::vector<int> ids(static_cast<std::size_t>(n > 0 ? n : 0));
-       refgrove_get_authors_1(a[0], ids.data());
-       for (std::size_t k = 0; k < ids.size(); ++k) std::cout << (k ? " " : "") << ids[k];
-       std::cout << "\n";
+       refgrove::get_authors(d, a[0], ids.data());
+       for (std::size_t k = 0; k < ids.size(); ++k) out << (k ? " " : "") << ids[k];
+       out << "\n";
        return true;
      }},
-    {"word_count", 1, [](const int* a) { int v = 0; const int found = refgrove_word_count_1(a[0], &v); return print_int(found, v); }},
-    {"word", 2, [](const int* a) { const char* t = nullptr; const int found = refgrove_get_word_1(a[0], a[1], &t); return print_text(found, t); }},
-    {"id2author", 1, [](const int* a) { const char* t = nullptr; const int found = refgrove_id2author_1(a[0], &t); return print_text(found, t); }},
-    {"nb_authors", 0, [](const int*) { return print_int(1, refgrove_get_nb_authors_1()); }},
-    {"stats", 0,
-     [](const int*) {
-       int docs = 0, words = 0, authors = 0;
-       refgrove_stats_1(&docs, &words, &authors);
-       std::cout << docs << " " << words << " " << authors << "\n";
+    {"word_count", {"DID"}, "number of abstract word positions",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       int v = 0;
+       const int found = refgrove::word_count(d, a[0], &v);
+       return print_int(out, found, v);
+     }},
+    {"word", {"DID", "I"}, "abstract word I",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       const char* t = nullptr;
+       const int found = refgrove::get_word(d, a[0], a[1], &t);
+       return print_text(out, found, t);
+     }},
+    {"id2author", {"ID"}, "name of an author id",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       const char* t = nullptr;
+       const int found = refgrove::id2author(d, a[0], &t);
+       return print_text(out, found, t);
+     }},
+    {"nb_authors", {}, "size of the author table",
+     [](const RefgroveData& d, const int*, std::ostream& out) {
+       return print_int(out, 1, refgrove::get_nb_authors(d));
+     }},
+    {"stats", {}, "the module's statistics: word-idx headers (the end sentinel included), distinct words, authors",
+     [](const RefgroveData& d, const int*, std::ostream& out) {
+       int headers = 0, words = 0, authors = 0;
+       refgrove::stats(&d, &headers, &words, &authors);
+       out << "word-idx headers " << headers << " (the end sentinel included), distinct words " << words
+           << ", authors " << authors << "\n";
        return true;
      }},
-    {"author_distance", 2,
-     [](const int* a) {
-       std::cout << refgrove_author_distance_1(a[0], a[1]) << "\n";
+    {"author_distance", {"A", "B"}, "distance of two authors (always 0 for now)",
+     [](const RefgroveData& d, const int* a, std::ostream& out) {
+       out << refgrove::author_distance(d, a[0], a[1]) << "\n";
        return true;
      }},
 };
 
-}  // namespace
-
-int stats_command(int argc, char** argv) {
-  DataArgs a;
-  const char* usage = "usage: refgrove stats [-v] DIR (see refgrove stats --help)\n";
-  if (const int status = parse_data_args(argc, argv, kStatsHelp, usage, &a); status >= 0) return status;
-  if (!a.rest.empty()) {
-    std::cerr << usage;
-    return 2;
-  }
-  if (!load_data_dir("refgrove stats", a.dir, a.verbose)) return 1;
-
-  const RefgroveData& data = *refgrove_data;
+void run_stats(const DataSetPtr& data, std::ostream& out) {
   std::int64_t citations = 0, title_words = 0;
-  for (const RefgroveGraphData* r : data.graph->docs) {
+  for (const RefgroveGraphData* r : data->graph->docs) {
     citations += r->citations.size();
     title_words += r->title.size();
   }
+  const std::vector<DocumentWordInfo>& headers = data->word_data->doc_info;
   std::int64_t word_docs = 0;
-  for (std::size_t j = 0; j + 1 < data.word_data->doc_info.size(); ++j) word_docs += data.word_data->doc_info[j].did != -1;
-  int last_did = 0;
-  refgrove_last_did_1(&last_did);
-  std::cout << "graph records        " << data.graph->docs.size() << "\n"
-            << "documents with words " << word_docs << "\n"
-            << "distinct words       " << data.word_data->word_table->count << "\n"
-            << "authors              " << refgrove_get_nb_authors_1() << "\n"
-            << "citations            " << citations << "\n"
-            << "title words          " << title_words << "\n"
-            << "abstract words       " << data.word_data->mapped_word_count() << "\n"
-            << "largest DID          " << last_did - 1 << "\n";
-  unload_data();
-  return 0;
+  for (std::size_t j = 0; j + 1 < headers.size(); ++j) word_docs += headers[j].did != -1;
+  int last_did = 0, module_docs = 0, words = 0, authors = 0;
+  refgrove::last_did(*data, &last_did);
+  refgrove::stats(data.get(), &module_docs, &words, &authors);
+  out << "graph records        " << data->graph->docs.size() << "\n"
+      << "documents with words " << word_docs << " (word-idx headers but the end sentinel)\n"
+      << "word-idx headers     " << module_docs << " (the end sentinel included: query stats counts these)\n"
+      << "distinct words       " << data->word_data->word_table->count << "\n"
+      << "authors              " << refgrove::get_nb_authors(*data) << "\n"
+      << "citations            " << citations << "\n"
+      << "title words          " << title_words << "\n"
+      << "abstract words       " << data->word_data->mapped_word_count() << "\n"
+      << "largest DID          " << last_did - 1 << "\n";
 }
 
-int printdoc_command(int argc, char** argv) {
-  DataArgs a;
-  const char* usage = "usage: refgrove printdoc [-v] DIR DID... (see refgrove printdoc --help)\n";
-  if (const int status = parse_data_args(argc, argv, kPrintdocHelp, usage, &a); status >= 0) return status;
-  std::vector<int> dids;
-  if (a.rest.empty()) {
-    std::cerr << usage;
-    return 2;
-  }
-  if (!parse_ints("printdoc", a.rest, &dids)) return 2;
-  if (!load_data_dir("refgrove printdoc", a.dir, a.verbose)) return 1;
+int run_printdoc(const DataSetPtr& data, const std::vector<int>& dids, CommandContext& ctx) {
   int status = 0;
   for (const int did : dids) {
-    refgrove_printdoc_1(did);
-    if (!refgrove_has_graph_info_1(did) && !refgrove_has_word_info_1(did)) {
-      std::cout.flush();
-      std::cerr << "refgrove printdoc: no document " << did << "\n";
-      status = 1;
-    }
-  }
-  std::cout.flush();
-  unload_data();
-  return status;
-}
-
-int author_command(int argc, char** argv) {
-  DataArgs a;
-  const char* usage = "usage: refgrove author [-v] DIR ID... (see refgrove author --help)\n";
-  if (const int status = parse_data_args(argc, argv, kAuthorHelp, usage, &a); status >= 0) return status;
-  std::vector<int> ids;
-  if (a.rest.empty()) {
-    std::cerr << usage;
-    return 2;
-  }
-  if (!parse_ints("author", a.rest, &ids)) return 2;
-  if (!load_data_dir("refgrove author", a.dir, a.verbose)) return 1;
-  int status = 0;
-  for (const int id : ids) {
-    const char* name = nullptr;
-    if (!refgrove_id2author_1(id, &name)) {
-      std::cout.flush();
-      std::cerr << "refgrove author: no author " << id << "\n";
+    if (!refgrove::has_graph_info(*data, did) && !refgrove::has_word_info(*data, did)) {
+      ctx.out.flush();
+      ctx.err << "refgrove printdoc: no document " << did << "\n";
       status = 1;
       continue;
     }
-    refgrove_print_author_1(id);
-    std::cout << "\n";
+    refgrove::printdoc(*data, did, ctx.out, ctx.err);
   }
-  unload_data();
   return status;
 }
 
-int query_command(int argc, char** argv) {
-  DataArgs a;
-  const char* usage = "usage: refgrove query [-v] DIR OPERATION [ARGUMENT...] (see refgrove query --help)\n";
-  if (const int status = parse_data_args(argc, argv, kQueryHelp, usage, &a); status >= 0) return status;
-  if (a.rest.empty()) {
-    std::cerr << usage;
-    return 2;
+int run_author(const DataSetPtr& data, const std::vector<int>& ids, CommandContext& ctx) {
+  int status = 0;
+  for (const int id : ids) {
+    const char* name = nullptr;
+    if (!refgrove::id2author(*data, id, &name)) {
+      ctx.out.flush();
+      ctx.err << "refgrove author: no author " << id << "\n";
+      status = 1;
+      continue;
+    }
+    refgrove::print_author(*data, id, ctx.out);
+    ctx.out << "\n";
   }
-  const QueryOp* op = nullptr;
-  for (const QueryOp& o : kQueryOps) {
-    if (std::strcmp(o.name, a.rest[0]) == 0) op = &o;
+  return status;
+}
+
+// Each operation is a subcommand of `query`, after DIR: `query DIR cite 119 0`.
+void add_query_command(CLI::App& app, CommandContext& ctx) {
+  CLI::App* query = app.add_subcommand("query", "run one query operation on a data directory and print its result");
+  query->footer(
+      "Runs one query operation on the data directory DIR and prints its result\n"
+      "on one line. Indexes I count from 0. Exit status 1 when the document or\n"
+      "item is absent.");
+  query->require_subcommand(1);
+  auto args = std::make_shared<DataDirArgs>();
+  add_data_dir_args(query, args.get());
+  auto ints = std::make_shared<std::vector<int>>(2);
+  for (const QueryOp& op : kQueryOps) {
+    std::string usage;  // "DID I: " before the summary
+    for (const char* arg : op.args) usage += std::string(usage.empty() ? "" : " ") + arg;
+    CLI::App* sub = query->add_subcommand(op.name, usage.empty() ? op.summary : usage + ": " + op.summary);
+    sub->fallthrough();  // -v after the operation still belongs to `query`
+    for (std::size_t k = 0; k < op.args.size(); ++k) sub->add_option(op.args[k], (*ints)[k])->required();
+    sub->callback([&ctx, &op, args, ints] {
+      const DataSetPtr data = load_data_dir("query", *args, ctx.err);
+      if (data == nullptr) {
+        ctx.status = 1;
+        return;
+      }
+      if (op.run(*data, ints->data(), ctx.out)) return;
+      ctx.out.flush();
+      ctx.err << "refgrove query: " << op.name << ": not found\n";
+      ctx.status = 1;
+    });
   }
-  if (op == nullptr) {
-    std::cerr << "refgrove query: unknown operation '" << a.rest[0] << "' (see refgrove query --help)\n";
-    return 2;
-  }
-  const std::vector<const char*> op_args(a.rest.begin() + 1, a.rest.end());
-  std::vector<int> ints;
-  if (static_cast<int>(op_args.size()) != op->args) {
-    std::cerr << "refgrove query: " << op->name << " takes " << op->args << " argument" << (op->args == 1 ? "" : "s")
-              << "\n";
-    return 2;
-  }
-  if (!parse_ints("query", op_args, &ints)) return 2;
-  if (!load_data_dir("refgrove query", a.dir, a.verbose)) return 1;
-  const bool found = op->run(ints.data());
-  if (!found) {
-    std::cout.flush();
-    std::cerr << "refgrove query: " << op->name << ": not found\n";
-  }
-  unload_data();
-  return found ? 0 : 1;
+}
+
+}  // namespace
+
+void add_data_commands(CLI::App& app, CommandContext& ctx) {
+  CLI::App* stats = app.add_subcommand("stats", "show the size of a data directory");
+  stats->footer(
+      "Loads the data directory DIR and prints its size: graph records,\n"
+      "documents with word data, the headers of word-idx (one per document\n"
+      "with word data, and the end sentinel: the documents of the module's\n"
+      "refgrove_stats and of query stats), distinct words, authors, citations,\n"
+      "title and abstract words, and the largest DID.");
+  auto stats_args = std::make_shared<DataDirArgs>();
+  add_data_dir_args(stats, stats_args.get());
+  stats->callback([&ctx, stats_args] {
+    const DataSetPtr data = load_data_dir("stats", *stats_args, ctx.err);
+    if (data == nullptr) {
+      ctx.status = 1;
+      return;
+    }
+    run_stats(data, ctx.out);
+  });
+
+  CLI::App* printdoc = app.add_subcommand("printdoc", "print documents of a data directory by DID");
+  printdoc->footer(
+      "Prints each document as the module's refgrove_printdoc does: its\n"
+      "word-data header, authors, title and abstract. The title words go to\n"
+      "standard error, the rest to standard output. A DID in neither half of\n"
+      "the data is named on standard error, and the exit status is then 1.");
+  auto printdoc_args = std::make_shared<DataDirArgs>();
+  auto dids = std::make_shared<std::vector<int>>();
+  add_data_dir_args(printdoc, printdoc_args.get());
+  printdoc->add_option("DID", *dids, "document ids")->required();
+  printdoc->callback([&ctx, printdoc_args, dids] {
+    const DataSetPtr data = load_data_dir("printdoc", *printdoc_args, ctx.err);
+    ctx.status = data == nullptr ? 1 : run_printdoc(data, *dids, ctx);
+  });
+
+  CLI::App* author = app.add_subcommand("author", "print authors of a data directory by id");
+  author->footer("Prints the name of each author id, one per line. Exit status 1 when an\nid is not in the author table.");
+  auto author_args = std::make_shared<DataDirArgs>();
+  auto ids = std::make_shared<std::vector<int>>();
+  add_data_dir_args(author, author_args.get());
+  author->add_option("ID", *ids, "author ids")->required();
+  author->callback([&ctx, author_args, ids] {
+    const DataSetPtr data = load_data_dir("author", *author_args, ctx.err);
+    ctx.status = data == nullptr ? 1 : run_author(data, *ids, ctx);
+  });
+
+  add_query_command(app, ctx);
 }

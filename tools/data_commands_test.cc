@@ -2,7 +2,7 @@
 // stats, printdoc, author and query on the result; and the dump generator.
 #include <gtest/gtest.h>
 
-#include <map>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -18,12 +18,13 @@ struct Result {
   std::string out, err;
 };
 
-Result RunCommand(int (*command)(int, char**), std::vector<std::string> args) {
-  std::vector<char*> argv;
-  for (std::string& a : args) argv.push_back(&a[0]);
-  argv.push_back(nullptr);
+// Runs the tool on the standard streams, which preprocessing writes to.
+Result RunCommand(std::vector<std::string> args) {
+  args.insert(args.begin(), "refgrove");
+  std::vector<const char*> argv;
+  for (const std::string& a : args) argv.push_back(a.c_str());
   StreamCapture capture;
-  const int status = command(static_cast<int>(args.size()), argv.data());
+  const int status = refgrove_main(static_cast<int>(argv.size()), argv.data(), std::cin, std::cout, std::cerr);
   return {status, capture.out(), capture.err()};
 }
 
@@ -43,12 +44,9 @@ TEST(DataCommandsTest, Commands) {
              "3 ray01 2001 GIDs: 40 41 DIDs: 1 2 Title: Trees Authors: B. Ray\n"
              "xxxx\n");
   const std::string in_dir = in.path().substr(0, in.path().size() - 1), data_dir = out.path() + "data";
-  const Result preprocessed = RunCommand(preprocess_command, {"preprocess", in_dir, data_dir});
+  const Result preprocessed = RunCommand({"preprocess", in_dir, data_dir});
   ASSERT_EQ(preprocessed.status, 0) << preprocessed.err;
 
-  const std::map<std::string, int (*)(int, char**)> commands = {
-      {"stats", stats_command},   {"query", query_command},           {"printdoc", printdoc_command},
-      {"author", author_command}, {"preprocess", preprocess_command}, {"generate", generate_command}};
   struct Case {
     std::vector<std::string> args;
     int status;
@@ -57,9 +55,14 @@ TEST(DataCommandsTest, Commands) {
   };
   const Case cases[] = {
       // The stats of the whole directory cover each of its four files.
+      // The stats of the whole directory cover each of its four files; the
+      // module's document count is that of the word-idx headers.
       {{"stats", "DATA"}, 0,
-       "graph records        3\ndocuments with words 3\ndistinct words       9\nauthors              2\n"
+       "graph records        3\ndocuments with words 3 (word-idx headers but the end sentinel)\n"
+       "word-idx headers     4 (the end sentinel included: query stats counts these)\n"
+       "distinct words       9\nauthors              2\n"
        "citations            3\ntitle words          5\nabstract words       8\nlargest DID          3\n"},
+      {{"query", "DATA", "stats"}, 0, "word-idx headers 4 (the end sentinel included), distinct words 9, authors 2\n"},
       {{"query", "DATA", "key", "1"}, 0, "lee98\n"},              {{"query", "DATA", "key", "2"}, 0, "\n"},
       {{"query", "DATA", "key", "9"}, 1, ""},                     {{"query", "DATA", "year", "2"}, 0, "-1\n"},
       {{"query", "DATA", "cite", "3", "1"}, 0, "2 41\n"},         {{"query", "DATA", "cite", "3", "2"}, 1, ""},
@@ -73,15 +76,26 @@ TEST(DataCommandsTest, Commands) {
        "Document 0 - DID=1 - # words=12\n# Authors = 1\nA. Lee\ntitle: abstract:\n"
        "We sort graphs . Graphs , again Trees \n",
        "Sorting graphs \n"},
-      {{"printdoc", "DATA", "7"}, 1, "Document without word-data\nno graph info found \n",
-       "refgrove printdoc: no document 7\n"},
+      // A DID in neither half is named, and nothing is printed for it.
+      {{"printdoc", "DATA", "7"}, 1, "", "refgrove printdoc: no document 7\n"},
+      {{"printdoc", "DATA", "-5"}, 1, "", "refgrove printdoc: no document -5\n"},
       {{"author", "DATA", "1", "0", "5"}, 1, "B. Ray\nA. Lee\n", "refgrove author: no author 5\n"},
+      // The reverse lookups; with several arguments each line names its own.
+      {{"cited-by", "DATA", "1"}, 0, "2\n3\n"},
+      {{"cited-by", "DATA", "2", "3", "1"}, 1, "2\t3\n1\t2\n1\t3\n", "refgrove cited-by: no document cites 3\n"},
+      {{"author-docs", "DATA", "1"}, 0, "2\n3\n"},
+      {{"author-docs", "DATA", "7"}, 1, "", "refgrove author-docs: no document by author 7\n"},
+      {{"key-docs", "DATA", "ray01", "lee98"}, 0, "ray01\t3\nlee98\t1\n"},
+      {{"key-docs", "DATA", "-"}, 1, "", "refgrove key-docs: no document with key -\n"},
+      {{"--version"}, 0, "refgrove " REFGROVE_VERSION "\n"},
       // Usage errors, and directories that cannot be read (IN is not a data directory).
+      {{}, 2}, {{"bogus"}, 2}, {{"cited-by", "DATA", "x"}, 2}, {{"key-docs", "DATA"}, 2},
       {{"query"}, 2}, {{"query", "DATA"}, 2}, {{"query", "DATA", "nonsense"}, 2}, {{"query", "DATA", "cite", "1"}, 2},
       {{"query", "DATA", "year", "x1"}, 2}, {{"query", "--bogus", "DATA", "last_did"}, 2},
       {{"query", "IN", "last_did"}, 1}, {{"printdoc", "DATA"}, 2}, {{"author", "DATA", "1.5"}, 2}, {{"stats"}, 2},
       {{"stats", "DATA", "extra"}, 2}, {{"preprocess", "IN"}, 2}, {{"preprocess", "/nonexistent/refgrove", "OUT"}, 1},
-      {{"generate", "OUT"}, 2}, {{"generate", "--docs", "-3", "OUT"}, 2}, {{"query", "--help"}, 0},
+      {{"generate", "OUT"}, 2}, {{"generate", "--docs", "-3", "OUT"}, 2}, {{"generate", "--docs", "x", "OUT"}, 2},
+      {{"query", "--help"}, 0},
       {{"generate", "--help"}, 0},
   };
   for (const Case& c : cases) {
@@ -91,7 +105,7 @@ TEST(DataCommandsTest, Commands) {
       args.push_back(a == "DATA" ? data_dir : a == "IN" ? in_dir : a == "OUT" ? out.path() + "g" : a);
       line += a + " ";
     }
-    const Result r = RunCommand(commands.at(c.args[0]), args);
+    const Result r = RunCommand(args);
     EXPECT_EQ(r.status, c.status) << line << "\n" << r.err;
     if (c.out != nullptr) {
       EXPECT_EQ(r.out, c.out) << line;
@@ -102,9 +116,13 @@ TEST(DataCommandsTest, Commands) {
       EXPECT_EQ(r.status != 0, !r.err.empty()) << line << "\n" << r.err;
     }
   }
-  // Loading messages only with -v.
-  EXPECT_NE(RunCommand(stats_command, {"stats", "-v", data_dir}).err.find("Reading Graph Data...\n"),
-            std::string::npos);
+  // Loading messages only with -v, which may also follow a query's operation.
+  for (const std::vector<std::string>& args : {std::vector<std::string>{"stats", "-v", data_dir},
+                                               std::vector<std::string>{"query", data_dir, "key", "1", "-v"}}) {
+    const Result r = RunCommand(args);
+    EXPECT_EQ(r.status, 0) << args[0];
+    EXPECT_NE(r.err.find("Reading Graph Data...\n"), std::string::npos) << args[0];
+  }
 }
 
 TEST(DumpGeneratorTest, DeterministicDumpsThatPreprocessCleanly) {
@@ -126,7 +144,7 @@ TEST(DumpGeneratorTest, DeterministicDumpsThatPreprocessCleanly) {
 
   // Clean input: no skipped lines, every document in the graph, DIDs
   // ascending, and the shape the benchmarks rely on.
-  const Result r = RunCommand(preprocess_command, {"preprocess", a, data.path()});
+  const Result r = RunCommand({"preprocess", a, data.path()});
   ASSERT_EQ(r.status, 0);
   EXPECT_EQ(r.err.find("no did"), std::string::npos);
   EXPECT_EQ(r.err.find("failed"), std::string::npos);

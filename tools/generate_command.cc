@@ -1,10 +1,10 @@
 // `refgrove generate`: synthetic text dumps for benchmarks and scale tests.
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
 #include <cinttypes>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <iostream>
+#include <memory>
 #include <string>
 
 #include "tools/commands.h"
@@ -14,68 +14,45 @@
 namespace {
 
 const char kHelp[] =
-    "usage: refgrove generate --docs N [--seed S] OUT_DIR\n"
-    "\n"
     "Writes synthetic text dumps of N documents into OUT_DIR (created when\n"
     "missing), under the names that refgrove preprocess reads. Documents have\n"
     "ascending DIDs, about 10 citations of earlier documents, 9 title words,\n"
     "2.5 authors and 120 abstract words drawn from a Zipf-distributed\n"
-    "vocabulary; some keys and years are missing. The same N and S (default\n"
-    "2002) always give the same files. 200,000 documents take about 190 MB.\n";
+    "vocabulary; some keys and years are missing. The same N and S always\n"
+    "give the same files. 200,000 documents take about 190 MB.";
 
-bool parse_count(const char* text, std::uint64_t* out) {
-  if (*text < '0' || *text > '9') return false;
-  char* end = nullptr;
-  *out = std::strtoull(text, &end, 10);
-  return *end == '\0';
+struct GenerateArgs {
+  DumpGeneratorOptions options;
+  std::string dir;
+};
+
+int generate(const GenerateArgs& args, std::ostream& out, std::ostream& err) {
+  std::error_code ec;
+  std::filesystem::create_directories(args.dir, ec);
+  DumpGeneratorResult result;
+  std::string error;
+  if (!generate_dumps(as_dir(args.dir), args.options, &result, &error)) {
+    err << "refgrove generate: " << error << "\n";
+    return 1;
+  }
+  char line[160];
+  std::snprintf(line, sizeof line, "wrote %" PRId64 " documents (largest DID %" PRId32 ", %" PRId64 " abstract words, %.1f MB) to ",
+                args.options.docs, result.last_did, result.words, static_cast<double>(result.bytes) / 1e6);
+  out << line << args.dir << "\n";
+  return 0;
 }
 
 }  // namespace
 
-int generate_command(int argc, char** argv) {
-  DumpGeneratorOptions options;
-  bool have_docs = false;
-  const char* dir = nullptr;
-  const char* usage = "usage: refgrove generate --docs N [--seed S] OUT_DIR (see refgrove generate --help)\n";
-  for (int i = 1; i < argc; ++i) {
-    std::uint64_t v = 0;
-    if (is_help(argv[i])) {
-      std::cout << kHelp;
-      return 0;
-    } else if (std::strcmp(argv[i], "--docs") == 0 || std::strcmp(argv[i], "--seed") == 0) {
-      const bool docs = argv[i][2] == 'd';
-      if (i + 1 >= argc || !parse_count(argv[i + 1], &v) || (docs && v > 100000000)) {
-        std::cerr << "refgrove generate: " << argv[i] << " needs a number" << (docs ? " up to 100000000" : "")
-                  << "\n";
-        return 2;
-      }
-      ++i;
-      if (docs) {
-        options.docs = static_cast<std::int64_t>(v);
-        have_docs = true;
-      } else {
-        options.seed = v;
-      }
-    } else if (argv[i][0] == '-' || dir != nullptr) {
-      std::cerr << usage;
-      return 2;
-    } else {
-      dir = argv[i];
-    }
-  }
-  if (!have_docs || dir == nullptr) {
-    std::cerr << usage;
-    return 2;
-  }
-  std::error_code ec;
-  std::filesystem::create_directories(dir, ec);
-  DumpGeneratorResult result;
-  std::string error;
-  if (!generate_dumps(as_dir(dir), options, &result, &error)) {
-    std::cerr << "refgrove generate: " << error << "\n";
-    return 1;
-  }
-  std::printf("wrote %" PRId64 " documents (largest DID %" PRId32 ", %" PRId64 " abstract words, %.1f MB) to %s\n",
-              options.docs, result.last_did, result.words, static_cast<double>(result.bytes) / 1e6, dir);
-  return 0;
+void add_generate_command(CLI::App& app, CommandContext& ctx) {
+  CLI::App* cmd = app.add_subcommand("generate", "write synthetic text dumps of any size");
+  cmd->footer(kHelp);
+  auto args = std::make_shared<GenerateArgs>();
+  cmd->add_option("--docs", args->options.docs, "number of documents")
+      ->required()
+      ->type_name("N")
+      ->check(CLI::Range(std::int64_t{0}, std::int64_t{100000000}));
+  cmd->add_option("--seed", args->options.seed, "seed of the generator")->type_name("S")->capture_default_str();
+  cmd->add_option("OUT_DIR", args->dir, "the directory to write")->required();
+  cmd->callback([&ctx, args] { ctx.status = generate(*args, ctx.out, ctx.err); });
 }

@@ -1,19 +1,17 @@
 // `refgrove preprocess [-v] IN_DIR OUT_DIR`: the text dumps of IN_DIR into the
 // data directory OUT_DIR, safely (see safe_preprocess.h).
+#include <CLI/CLI.hpp>
 #include <unistd.h>
 
-#include <cstring>
-#include <iostream>
+#include <memory>
+#include <string>
 
 #include "tools/commands.h"
 #include "tools/safe_preprocess.h"
-#include "tools/tool_support.h"
 
 namespace {
 
 const char kHelp[] =
-    "usage: refgrove preprocess [-v] IN_DIR OUT_DIR\n"
-    "\n"
     "Reads the text dumps of IN_DIR, graph-data-aug-2002.txt and\n"
     "word-data{1,2,3}-mar-2002.txt, and makes the data directory OUT_DIR:\n"
     "word-data, word-idx, graph_data, word-table and refgrove-manifest.json\n"
@@ -36,26 +34,19 @@ const char kHelp[] =
     "Exit status: 0 when done, 1 when an input, a write or the check failed,\n"
     "2 on a usage error, 3 when a dump does not parse (the parse error is\n"
     "written to standard error), 130 and 143 when interrupted by SIGINT and\n"
-    "SIGTERM.\n";
-
-bool is_verbose(const char* arg) { return std::strcmp(arg, "-v") == 0 || std::strcmp(arg, "--verbose") == 0; }
+    "SIGTERM.";
 
 }  // namespace
 
-int preprocess_command(int argc, char** argv) {
-  if (argc == 2 && is_help(argv[1])) {
-    std::cout << kHelp;
-    return 0;
-  }
-  PreprocessRequest request;
-  request.verbose = argc > 1 && is_verbose(argv[1]);
-  const int first = request.verbose ? 2 : 1;
-  if (argc - first != 2) {
-    std::cerr << "usage: refgrove preprocess [-v] IN_DIR OUT_DIR (see refgrove preprocess --help)\n";
-    return 2;
-  }
-  request.in_dir = argv[first];
-  request.out_dir = argv[first + 1];
-  request.terminal = isatty(STDERR_FILENO) == 1;
-  return safe_preprocess(request, std::cout, std::cerr);
+void add_preprocess_command(CLI::App& app, CommandContext& ctx) {
+  CLI::App* cmd = app.add_subcommand("preprocess", "turn the text dumps of a directory into a data directory");
+  cmd->footer(kHelp);
+  auto request = std::make_shared<PreprocessRequest>();
+  cmd->add_flag("-v,--verbose", request->verbose, "the module's own messages instead of a progress line");
+  cmd->add_option("IN_DIR", request->in_dir, "the directory of the text dumps")->required();
+  cmd->add_option("OUT_DIR", request->out_dir, "the data directory to make")->required();
+  cmd->callback([&ctx, request] {
+    request->terminal = isatty(STDERR_FILENO) == 1;
+    ctx.status = safe_preprocess(*request, ctx.out, ctx.err);
+  });
 }

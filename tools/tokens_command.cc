@@ -1,10 +1,14 @@
 // `refgrove tokens`: prints every token of a file with its position, for
 // people debugging input files and tokenizer languages.
+#include <CLI/CLI.hpp>
+
 #include <cctype>
+#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <iostream>
+#include <filesystem>
+#include <fstream>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -16,8 +20,6 @@
 namespace {
 
 const char kHelp[] =
-    "usage: refgrove tokens [options] [FILE]\n"
-    "\n"
     "Prints the tokens of FILE (or of standard input when FILE is \"-\" or\n"
     "missing), one per line:\n"
     "\n"
@@ -29,26 +31,16 @@ const char kHelp[] =
     "C escapes for newline (\\n), tab (\\t), carriage return (\\r), backslash,\n"
     "double quote and other control or non-ASCII bytes (\\xHH).\n"
     "\n"
-    "Language (without --single and --space: the default sets, single\n"
-    "characters ,.:;[]{}()+-*/=#<>|^@ and space characters blank, tab,\n"
-    "newline, carriage return):\n"
-    "  --single CHARS      single-character tokens (replaces the default set)\n"
-    "  --space CHARS       space characters (replaces the default set)\n"
-    "  --comment CHARS     characters that start a comment to the end of line\n"
-    "  --number-char C     character that continues an integer into a number\n"
-    "  --no-strings        quotes are ordinary characters (default: strings on)\n"
-    "  --line-comments     \"//\" starts a comment to the end of the line\n"
-    "  --block-comments    \"/*\" starts a comment up to \"*/\"\n"
-    "  --element TEXT      merge the tokens of TEXT into one token when they are\n"
-    "                      written without white space between them, e.g.\n"
-    "                      --element 'Title:' (repeatable)\n"
-    "  --language NAME     the language of a text dump instead of the options\n"
-    "                      above: graph (the graph dump) or words (the word\n"
-    "                      dumps), with its sub-language selected\n"
-    "CHARS and C take the escapes \\n \\t \\r \\s (blank) \\\\ and \\xHH.\n"
+    "Without --single and --space the default sets are used: single characters\n"
+    ",.:;[]{}()+-*/=#<>|^@ and space characters blank, tab, newline, carriage\n"
+    "return. CHARS and C take the escapes \\n \\t \\r \\s (blank) \\\\ and \\xHH.\n"
+    "--language replaces all the language options by the language of a text\n"
+    "dump: graph (the graph dump) or words (the word dumps), with its\n"
+    "sub-language selected.\n"
     "\n"
-    "Exit status: 0 when the whole file was read, 1 on a tokenizing error (its\n"
-    "text is written to standard error), 2 on a usage error.\n";
+    "Exit status: 0 when the whole file was read, 1 when the file cannot be\n"
+    "opened or on a tokenizing error (its text is written to standard error),\n"
+    "2 on a usage error.";
 
 // Decodes the escapes of a character-set argument; false on a bad escape or
 // a NUL byte.
@@ -106,107 +98,46 @@ void write_escaped(std::ostream& out, const std::string& token) {
 }
 
 struct Options {
-  const char* file = nullptr;
-  bool single_given = false, space_given = false;
-  std::string single, space, comment;
-  char number_char = 0;
+  std::string file = "-";
+  std::string single, space, comment, number_char;
   bool strings = true, line_comments = false, block_comments = false;
   std::vector<std::string> elements;
   std::string language;  // "graph", "words", or empty
+  bool default_sets = true;  // neither --single nor --space given
 };
 
-// Fills `o` from the arguments; returns -1 to go on, or an exit status.
-int parse_options(int argc, char** argv, Options* o, std::ostream& out, std::ostream& err) {
-  for (int i = 1; i < argc; ++i) {
-    const std::string a = argv[i];
-    auto value = [&](const char** v) {
-      if (i + 1 >= argc) {
-        err << "refgrove tokens: " << a << " needs a value\n";
-        return false;
-      }
-      *v = argv[++i];
-      return true;
-    };
-    auto chars = [&](std::string* set) {
-      const char* v;
-      if (!value(&v)) return false;
-      if (!decode(v, set)) {
-        err << "refgrove tokens: bad escape in " << a << " '" << v << "'\n";
-        return false;
-      }
-      return true;
-    };
-    if (a == "-h" || a == "--help") {
-      out << kHelp;
-      return 0;
-    } else if (a == "--single") {
-      if (!chars(&o->single)) return 2;
-      o->single_given = true;
-    } else if (a == "--space") {
-      if (!chars(&o->space)) return 2;
-      o->space_given = true;
-    } else if (a == "--comment") {
-      if (!chars(&o->comment)) return 2;
-    } else if (a == "--number-char") {
-      std::string c;
-      if (!chars(&c)) return 2;
-      if (c.size() != 1) {
-        err << "refgrove tokens: --number-char takes one character\n";
-        return 2;
-      }
-      o->number_char = c[0];
-    } else if (a == "--no-strings") {
-      o->strings = false;
-    } else if (a == "--strings") {
-      o->strings = true;
-    } else if (a == "--line-comments") {
-      o->line_comments = true;
-    } else if (a == "--block-comments") {
-      o->block_comments = true;
-    } else if (a == "--language") {
-      const char* v;
-      if (!value(&v)) return 2;
-      if (std::strcmp(v, "graph") != 0 && std::strcmp(v, "words") != 0) {
-        err << "refgrove tokens: unknown language '" << v << "' (graph or words)\n";
-        return 2;
-      }
-      o->language = v;
-    } else if (a == "--element") {
-      const char* v;
-      if (!value(&v)) return 2;
-      o->elements.push_back(v);
-    } else if (a.size() > 1 && a[0] == '-') {
-      err << "refgrove tokens: unknown option '" << a << "' (see refgrove tokens --help)\n";
-      return 2;
-    } else if (o->file != nullptr) {
-      err << "refgrove tokens: more than one file given\n";
-      return 2;
-    } else {
-      o->file = argv[i];
-    }
+// Replaces a character-set argument by the characters its escapes stand for.
+const CLI::Validator kEscapes(
+    [](std::string& arg) {
+      std::string decoded;
+      if (!decode(arg.c_str(), &decoded)) return "bad escape in '" + arg + "'";
+      arg = decoded;
+      return std::string();
+    },
+    "");
+
+// Opens the file to read, or names it with the system's error; "-" is `in`.
+std::istream* open_input(const std::string& file, std::istream& in, std::ifstream* opened, std::ostream& err) {
+  if (file == "-") return &in;
+  int error = EISDIR;
+  std::error_code ec;
+  if (!std::filesystem::is_directory(file, ec)) {
+    errno = 0;
+    opened->open(file, std::ios::binary);
+    if (opened->is_open()) return opened;
+    error = errno != 0 ? errno : EIO;
   }
-  if (!o->language.empty() &&
-      (o->single_given || o->space_given || !o->comment.empty() || o->number_char != 0 || !o->strings ||
-       o->line_comments || o->block_comments || !o->elements.empty())) {
-    err << "refgrove tokens: --language does not combine with other language options\n";
-    return 2;
-  }
-  return -1;
+  err << "refgrove tokens: " << file << ": " << std::strerror(error) << "\n";
+  return nullptr;
 }
 
-}  // namespace
-
-int tokens_main(int argc, char** argv, std::istream& in, std::ostream& out, std::ostream& err) {
-  Options o;
-  const int status = parse_options(argc, argv, &o, out, err);
-  if (status >= 0) return status;
-
+int list_tokens(const Options& o, std::istream& in, std::ostream& out, std::ostream& err) {
   TokenizerLanguage lang;
-  if (!o.single_given && !o.space_given) lang.initDefault();
+  if (o.default_sets) lang.initDefault();
   lang.single_char_tokens.add_all(o.single.c_str());
   lang.space_chars.add_all(o.space.c_str());
   lang.comment_chars.add_all(o.comment.c_str());
-  lang.number_char = o.number_char;
+  lang.number_char = o.number_char.empty() ? 0 : o.number_char[0];
   lang.strings = o.strings ? 1 : 0;
   lang.line_comments = o.line_comments ? 1 : 0;
   lang.block_comments = o.block_comments ? 1 : 0;
@@ -215,6 +146,9 @@ int tokens_main(int argc, char** argv, std::istream& in, std::ostream& out, std:
   RefgroveGraphLanguage graph_lang;
   WordPreproc::WordLanguage word_lang;
   TokenizerLanguage* chosen = o.language == "graph" ? &graph_lang : o.language == "words" ? &word_lang : &lang;
+  std::ifstream file;
+  std::istream* input = open_input(o.file, in, &file, err);
+  if (input == nullptr) return 1;
   StreamTokenizer t(chosen);
   if (!o.language.empty()) t.select_language(0);
   try {
@@ -223,11 +157,7 @@ int tokens_main(int argc, char** argv, std::istream& in, std::ostream& out, std:
       for (const std::string& e : o.elements) lang.addLanguageElem(0, e.c_str());
       t.select_language(0);
     }
-    if (o.file == nullptr || std::strcmp(o.file, "-") == 0) {
-      t.open_tokens(&in, nullptr);
-    } else {
-      t.open_tokens(o.file);
-    }
+    t.open_tokens(input, input == &in ? nullptr : o.file.c_str());
     while (!t.try_next_token().empty()) {
       t.token_pos.write(out) << ' ' << (t.space_before ? "ws" : "-") << ' ';
       write_escaped(out, t.token);
@@ -241,6 +171,44 @@ int tokens_main(int argc, char** argv, std::istream& in, std::ostream& out, std:
   return 0;
 }
 
-int tokens_command(int argc, char** argv) {
-  return tokens_main(argc, argv, std::cin, std::cout, std::cerr);
+}  // namespace
+
+void add_tokens_command(CLI::App& app, CommandContext& ctx) {
+  CLI::App* cmd =
+      app.add_subcommand("tokens", "list the tokens of a file, with positions, under a chosen tokenizer language");
+  cmd->footer(kHelp);
+  auto o = std::make_shared<Options>();
+  CLI::Option* language_options[] = {
+      cmd->add_option("--single", o->single, "single-character tokens (replaces the default set)")
+          ->transform(kEscapes)
+          ->type_name("CHARS"),
+      cmd->add_option("--space", o->space, "space characters (replaces the default set)")
+          ->transform(kEscapes)
+          ->type_name("CHARS"),
+      cmd->add_option("--comment", o->comment, "characters that start a comment to the end of line")
+          ->transform(kEscapes)
+          ->type_name("CHARS"),
+      cmd->add_option("--number-char", o->number_char, "character that continues an integer into a number")
+          ->transform(kEscapes)
+          ->check(CLI::Validator(
+              [](const std::string& c) { return c.size() == 1 ? std::string() : std::string("takes one character"); },
+              ""))
+          ->type_name("C"),
+      cmd->add_flag("--strings,!--no-strings", o->strings, "quotes start strings (default) or are ordinary characters"),
+      cmd->add_flag("--line-comments", o->line_comments, "\"//\" starts a comment to the end of the line"),
+      cmd->add_flag("--block-comments", o->block_comments, "\"/*\" starts a comment up to \"*/\""),
+      cmd->add_option("--element", o->elements,
+                      "merge the tokens of TEXT into one token when they are written without white space "
+                      "between them, e.g. --element 'Title:' (repeatable)")
+          ->type_name("TEXT"),
+  };
+  CLI::Option* language = cmd->add_option("--language", o->language, "the language of a text dump: graph or words")
+                              ->check(CLI::IsMember({"graph", "words"}))
+                              ->type_name("NAME");
+  for (CLI::Option* option : language_options) language->excludes(option);
+  cmd->add_option("FILE", o->file, "the file to read (\"-\" or none: standard input)");
+  cmd->callback([&ctx, o, cmd] {
+    o->default_sets = cmd->count("--single") == 0 && cmd->count("--space") == 0;
+    ctx.status = list_tokens(*o, ctx.in, ctx.out, ctx.err);
+  });
 }

@@ -1,52 +1,33 @@
 #include "tools/tool_support.h"
 
-#include <cerrno>
-#include <climits>
-#include <cstdlib>
-#include <cstring>
+#include <CLI/CLI.hpp>
+
 #include <filesystem>
-#include <iostream>
+#include <sstream>
 
 #include "core/data_set.h"
-#include "core/refgrove.h"
 
 std::string as_dir(const std::string& path) {
   if (path.empty() || path.back() == '/') return path;
   return path + "/";
 }
 
-bool parse_int(const char* text, int* out) {
-  char* end = nullptr;
-  errno = 0;
-  const long v = std::strtol(text, &end, 10);
-  if (*text == '\0' || *end != '\0' || errno != 0 || v < INT_MIN || v > INT_MAX) return false;
-  *out = static_cast<int>(v);
-  return true;
+void add_data_dir_args(CLI::App* cmd, DataDirArgs* args) {
+  cmd->add_flag("-v,--verbose", args->verbose, "show the loading messages");
+  cmd->add_option("DIR", args->dir, "the data directory")->required();
 }
 
-bool is_help(const char* arg) { return std::strcmp(arg, "-h") == 0 || std::strcmp(arg, "--help") == 0; }
-
-bool load_data_dir(const char* command, const std::string& dir, bool verbose) {
+refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args, std::ostream& err) {
+  const std::string dir = as_dir(args.dir);
   for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(dir + name, ec)) {
-      std::cerr << command << ": " << dir << " is not a data directory: " << name
-                << " is missing (make one with refgrove preprocess)\n";
-      return false;
+      err << "refgrove " << command << ": " << dir << " is not a data directory: " << name
+          << " is missing (make one with refgrove preprocess)\n";
+      return nullptr;
     }
   }
-  if (verbose) {
-    refgrove_load_1(dir.c_str());
-  } else {
-    std::streambuf* old = std::cerr.rdbuf(nullptr);
-    refgrove_load_1(dir.c_str());
-    std::cerr.rdbuf(old);
-    std::cerr.clear();
-  }
-  return refgrove_data != nullptr;
-}
-
-void unload_data() {
-  delete refgrove_data;
-  refgrove_data = nullptr;
+  if (args.verbose) return refgrove::load_data_set(dir, err);
+  std::ostringstream hidden;
+  return refgrove::load_data_set(dir, hidden);
 }

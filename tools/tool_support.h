@@ -1,26 +1,32 @@
-// Helpers shared by the refgrove subcommands that work on directories.
+// Helpers shared by the refgrove subcommands that work on data directories.
 #ifndef REFGROVE_TOOLS_TOOL_SUPPORT_H_
 #define REFGROVE_TOOLS_TOOL_SUPPORT_H_
 
+#include <ostream>
 #include <string>
+
+#include "core/data_view.h"
+
+namespace CLI {
+class App;
+}
 
 // `path` with a trailing "/" (the library appends file names to directory
 // paths without a separator).
 std::string as_dir(const std::string& path);
 
-// Parses a whole decimal int; false on anything else.
-bool parse_int(const char* text, int* out);
+// What every command reading a data directory takes: -v and DIR.
+struct DataDirArgs {
+  bool verbose = false;
+  std::string dir;
+};
 
-// True for "-h" and "--help".
-bool is_help(const char* arg);
+// Declares -v/--verbose and the positional DIR on `cmd`.
+void add_data_dir_args(CLI::App* cmd, DataDirArgs* args);
 
-// Loads the data directory `dir` (with its trailing "/") as the current
-// data set. Checks first that the four data files are there; on failure
-// writes "<command>: ..." to standard error and returns false. The loading
-// messages are shown only when `verbose`.
-bool load_data_dir(const char* command, const std::string& dir, bool verbose);
-
-// Drops the loaded data set.
-void unload_data();
+// Loads the data directory args.dir. Checks first that the four data files
+// are there; on failure writes "refgrove <command>: ..." to `err` and returns
+// null. The loading messages go to `err` only with -v.
+refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args, std::ostream& err);
 
 #endif  // REFGROVE_TOOLS_TOOL_SUPPORT_H_

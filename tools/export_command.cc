@@ -1,0 +1,244 @@
+// `refgrove export DIR [--format jsonl|csv] [-o FILE]`: every document of a
+// data directory, in ascending DID order, as JSON lines or as CSV.
+//
+// The dumps hold bytes, not text: keys, names and words may be Latin-1,
+// UTF-8 or anything else. Both formats are written as UTF-8: a byte
+// sequence that is valid UTF-8 is kept, and every other byte is read as the
+// Latin-1 character of that value (the dumps' own encoding), so nothing is
+// lost and the output is always valid.
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/commands.h"
+#include "tools/tool_support.h"
+
+namespace {
+
+// Length of the valid UTF-8 sequence at the start of `s` (shortest form, no
+// surrogates, at most U+10FFFF), or 0.
+std::size_t utf8_sequence_length(std::string_view s) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(s[i]); };
+  const unsigned char b = byte(0);
+  if (b < 0x80) return 1;
+  std::size_t n = 0;
+  unsigned char lo = 0x80, hi = 0xBF;  // the range of the second byte
+  if (b >= 0xC2 && b <= 0xDF) {
+    n = 2;
+  } else if (b >= 0xE0 && b <= 0xEF) {
+    n = 3;
+    if (b == 0xE0) lo = 0xA0;
+    if (b == 0xED) hi = 0x9F;
+  } else if (b >= 0xF0 && b <= 0xF4) {
+    n = 4;
+    if (b == 0xF0) lo = 0x90;
+    if (b == 0xF4) hi = 0x8F;
+  } else {
+    return 0;
+  }
+  if (s.size() < n || byte(1) < lo || byte(1) > hi) return 0;
+  for (std::size_t i = 2; i < n; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+  }
+  return n;
+}
+
+std::string as_utf8(std::string_view bytes) {
+  std::string text;
+  text.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const std::size_t n = utf8_sequence_length(bytes);
+    if (n > 0) {
+      text.append(bytes.substr(0, n));
+      bytes.remove_prefix(n);
+      continue;
+    }
+    const unsigned char latin1 = static_cast<unsigned char>(bytes[0]);
+    text += static_cast<char>(0xC0 | (latin1 >> 6));
+    text += static_cast<char>(0x80 | (latin1 & 0x3F));
+    bytes.remove_prefix(1);
+  }
+  return text;
+}
+
+// One document as exported, its texts already UTF-8.
+struct ExportedDocument {
+  int did = 0;
+  std::string key;          // empty when unknown or without a graph record
+  std::optional<int> year;  // none when unknown
+  std::string title;        // the title words joined by blanks
+  std::vector<std::string> authors;
+  std::vector<int> citations;  // cited DIDs, in the record's order
+  std::string abstract;        // the abstract's words joined by blanks
+};
+
+// Joins `count` words given by `get` with blanks.
+template <typename Get>
+std::string join_words(int count, Get get) {
+  std::string text;
+  for (int i = 0; i < count; ++i) {
+    const char* word = nullptr;
+    if (!get(i, &word)) break;
+    if (i > 0) text += ' ';
+    text += word;
+  }
+  return as_utf8(text);
+}
+
+ExportedDocument gather(const RefgroveData& d, int did) {
+  ExportedDocument doc;
+  doc.did = did;
+  const char* key = nullptr;
+  if (refgrove::get_key(d, did, &key)) doc.key = as_utf8(key);
+  int n = 0;
+  if (refgrove::get_year(d, did, &n) && n != -1) doc.year = n;
+  refgrove::title_length(d, did, &n);
+  doc.title = join_words(n, [&](int i, const char** w) { return refgrove::get_title_word(d, did, i, w); });
+  refgrove::author_count(d, did, &n);
+  for (int i = 0; i < n; ++i) {
+    const char* name = nullptr;
+    if (refgrove::get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
+  }
+  refgrove::cite_count(d, did, &n);
+  for (int i = 0; i < n; ++i) {
+    int cited = 0, gid = 0;
+    if (refgrove::get_cite(d, did, i, &cited, &gid)) doc.citations.push_back(cited);
+  }
+  n = 0;
+  refgrove::abstract_length(d, did, &n);
+  doc.abstract = join_words(n, [&](int i, const char** w) { return refgrove::get_abstract_word(d, did, i, w); });
+  return doc;
+}
+
+void write_json_line(const ExportedDocument& doc, std::ostream& out) {
+  nlohmann::ordered_json j = {{"did", doc.did},       {"key", doc.key},
+                              {"year", nullptr},      {"title", doc.title},
+                              {"authors", doc.authors}, {"citations", doc.citations},
+                              {"abstract", doc.abstract}};
+  if (doc.year) j["year"] = *doc.year;
+  out << j.dump() << "\n";
+}
+
+// A CSV field: quoted, with its quotes doubled, when it holds a comma, a
+// quote or a line break.
+void write_csv_field(const std::string& field, std::ostream& out) {
+  if (field.find_first_of(",\"\r\n") == std::string::npos) {
+    out << field;
+    return;
+  }
+  out << '"';
+  for (const char c : field) out << (c == '"' ? "\"\"" : std::string_view(&c, 1));
+  out << '"';
+}
+
+template <typename T>
+std::string join(const std::vector<T>& items, const char* separator) {
+  std::string text;
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    if (i > 0) text += separator;
+    if constexpr (std::is_same_v<T, std::string>) {
+      text += items[i];
+    } else {
+      text += std::to_string(items[i]);
+    }
+  }
+  return text;
+}
+
+const char kCsvHeader[] = "did,key,year,title,authors,citations,abstract\r\n";
+
+void write_csv_record(const ExportedDocument& doc, std::ostream& out) {
+  const std::string fields[] = {std::to_string(doc.did),
+                                doc.key,
+                                doc.year ? std::to_string(*doc.year) : "",
+                                doc.title,
+                                join(doc.authors, "; "),
+                                join(doc.citations, " "),
+                                doc.abstract};
+  for (std::size_t i = 0; i < std::size(fields); ++i) {
+    if (i > 0) out << ',';
+    write_csv_field(fields[i], out);
+  }
+  out << "\r\n";
+}
+
+struct ExportArgs {
+  DataDirArgs dir;
+  std::string format = "jsonl";
+  std::string output;  // empty: standard output
+};
+
+void export_documents(const RefgroveData& d, const std::string& format, std::ostream& out) {
+  const bool csv = format == "csv";
+  if (csv) out << kCsvHeader;
+  int end = 0;
+  refgrove::last_did(d, &end);
+  for (int did = 0; did < end && out; ++did) {
+    if (!refgrove::has_graph_info(d, did) && !refgrove::has_word_info(d, did)) continue;
+    const ExportedDocument doc = gather(d, did);
+    csv ? write_csv_record(doc, out) : write_json_line(doc, out);
+  }
+}
+
+int run_export(const ExportArgs& args, CommandContext& ctx) {
+  const refgrove::DataSetPtr data = load_data_dir("export", args.dir, ctx.err);
+  if (data == nullptr) return 1;
+  if (args.output.empty()) {
+    export_documents(*data, args.format, ctx.out);
+    if (ctx.out.flush()) return 0;
+    ctx.err << "refgrove export: cannot write to standard output\n";
+    return 1;
+  }
+  errno = 0;
+  std::ofstream file(args.output, std::ios::binary);
+  if (file.is_open()) {
+    export_documents(*data, args.format, file);
+    file.close();
+  }
+  if (!file) {
+    ctx.err << "refgrove export: " << args.output << ": " << std::strerror(errno != 0 ? errno : EIO) << "\n";
+    return 1;
+  }
+  return 0;
+}
+
+const char kHelp[] =
+    "Writes every document of the data directory DIR (both halves, in\n"
+    "ascending DID order) to standard output or FILE.\n"
+    "\n"
+    "jsonl: one JSON object per line with the fields did, key (\"\" when\n"
+    "unknown), year (null when unknown), title (its words joined by blanks),\n"
+    "authors (their names), citations (the cited DIDs) and abstract (its\n"
+    "words as preprocessing wrote them, joined by blanks).\n"
+    "csv: the same fields under a header line, records ending in CRLF, fields\n"
+    "holding a comma, a quote or a line break quoted with their quotes\n"
+    "doubled; authors joined by \"; \", citations by blanks, an unknown year\n"
+    "empty.\n"
+    "\n"
+    "Texts are written as UTF-8: byte sequences of the dumps that are valid\n"
+    "UTF-8 are kept, every other byte is read as a Latin-1 character.\n"
+    "\n"
+    "Exit status: 0 when written, 1 when DIR is not a data directory or FILE\n"
+    "cannot be written, 2 on a usage error.";
+
+}  // namespace
+
+void add_export_command(CLI::App& app, CommandContext& ctx) {
+  CLI::App* cmd = app.add_subcommand("export", "write a data directory as JSON lines or CSV");
+  cmd->footer(kHelp);
+  auto args = std::make_shared<ExportArgs>();
+  add_data_dir_args(cmd, &args->dir);
+  cmd->add_option("--format", args->format, "jsonl or csv")
+      ->check(CLI::IsMember({"jsonl", "csv"}))
+      ->capture_default_str();
+  cmd->add_option("-o,--output", args->output, "the file to write (default: standard output)")->type_name("FILE");
+  cmd->callback([&ctx, args] { ctx.status = run_export(*args, ctx); });
+}

@@ -1,0 +1,35 @@
+// The refgrove application: every subcommand under one CLI11 parser, which
+// also answers --help, --version and usage errors (status 2, CLI11's message).
+#include <CLI/CLI.hpp>
+
+#include "tools/commands.h"
+
+#ifndef REFGROVE_VERSION
+#error "REFGROVE_VERSION must be defined by the build (the project's version)"
+#endif
+
+int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err) {
+  CommandContext ctx{in, out, err};
+  CLI::App app("refgrove: command-line tools around the refgrove data files.", "refgrove");
+  app.set_version_flag("--version", "refgrove " REFGROVE_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "Run refgrove COMMAND --help for a command's options.\n"
+      "Exit status: 0 ok, 1 failure or nothing found, 2 usage error, 3 a dump that does not parse.");
+  add_tokens_command(app, ctx);
+  add_preprocess_command(app, ctx);
+  add_data_commands(app, ctx);
+  add_lookup_commands(app, ctx);
+  add_export_command(app, ctx);
+  add_check_command(app, ctx);
+  add_generate_command(app, ctx);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::Success& e) {  // --help, --version
+    return app.exit(e, out, err);
+  } catch (const CLI::ParseError& e) {
+    app.exit(e, out, err);
+    return 2;
+  }
+  return ctx.status;
+}
