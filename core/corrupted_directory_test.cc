@@ -65,7 +65,9 @@ void add_variants(const std::string& base_name, const DataFiles& clean, std::siz
       for (int j = 0; j < n && !b.empty(); ++j) {
         const std::size_t at = (*rng)() % b.size();
         b[at] = static_cast<char>((*rng)() % 256);
-        out->back().name += " " + std::to_string(at) + "=" + std::to_string(static_cast<unsigned char>(b[at]));
+        // Appended piece by piece: GCC 12 warns (-Wrestrict) on `" " + std::to_string(at)` at -O3.
+        out->back().name.append(" ").append(std::to_string(at)).append("=").append(
+            std::to_string(static_cast<unsigned char>(b[at])));
       }
     }
   }

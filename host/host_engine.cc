@@ -40,6 +40,26 @@ struct Machine {
 };
 
 Machine* owner(LumoxMachine* m) { return reinterpret_cast<Machine*>(m); }
+const Machine* owner(const LumoxMachine* m) { return reinterpret_cast<const Machine*>(m); }
+
+// The share of the heap kept for the predicates' results: the largest a
+// predicate builds is an author list of up to 32,767 ids (two words each).
+constexpr std::size_t kResultShare = 4;  // a quarter
+
+// Takes `words` heap words for a goal's term, or throws when they would
+// reach into the part kept for results.
+term* take_heap(LumoxMachine* m, std::size_t words) {
+  const Machine* owned = owner(m);
+  const std::size_t used = static_cast<std::size_t>(m->heap_top - owned->heap);
+  const std::size_t limit = goal_heap_words(m);
+  if (used > limit || words > limit - used) {
+    throw HostLimitError("the goal's terms do not fit in the heap: they need more than the " +
+                         std::to_string(limit) + " words a goal may take");
+  }
+  term* cells = m->heap_top;
+  m->heap_top += words;
+  return cells;
+}
 
 // The atom table: names are kept in a map for lookup and in the pages for
 // the module, which reads them by index.
@@ -174,8 +194,13 @@ void reset(LumoxMachine* m) {
   m->root_count = 0;
 }
 
+std::size_t goal_heap_words(const LumoxMachine* m) {
+  const std::size_t words = owner(m)->heap_words;
+  return words - words / kResultShare;
+}
+
 term new_var(LumoxMachine* m) {
-  term* cell = m->heap_top++;
+  term* cell = take_heap(m, 1);
   *cell = ref_term(cell);
   return *cell;
 }
@@ -185,20 +210,18 @@ term make_atom(const std::string& name) { return atom_term(atoms().lookup(name.c
 term nil() { return make_atom("[]"); }
 
 term make_float(LumoxMachine* m, double value) {
-  term* box = m->heap_top;
+  term* box = take_heap(m, 3);
   box[0] = kFloatHeader;
   std::memcpy(box + 1, &value, sizeof value);
-  m->heap_top += 3;
   return ref_term(box);
 }
 
 term make_list(LumoxMachine* m, const std::vector<term>& items, term tail) {
   term list = tail;
-  for (auto it = items.rbegin(); it != items.rend(); ++it) {
-    term* cell = m->heap_top;
+  term* cell = take_heap(m, 2 * items.size());
+  for (auto it = items.rbegin(); it != items.rend(); ++it, cell += 2) {
     cell[0] = *it;
     cell[1] = list;
-    m->heap_top += 2;
     list = list_term(cell);
   }
   return list;

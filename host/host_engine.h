@@ -11,12 +11,19 @@
 #define REFGROVE_HOST_HOST_ENGINE_H_
 
 #include <cstddef>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "module/host_machine.h"
 
 namespace lumox_sim {
+
+// A goal that needs more than the simulated machine has room for: too many
+// heap words for its terms, or terms nested too deeply to be read.
+struct HostLimitError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
 
 struct MachineSizes {
   std::size_t heap_words = 1u << 20;
@@ -31,7 +38,10 @@ struct MachineSizes {
 LumoxMachine* create_machine(const MachineSizes& sizes = MachineSizes());
 void destroy_machine(LumoxMachine* m);
 
-// Building terms.
+// Building terms. The terms of a goal may take the heap up to
+// goal_heap_words(); the rest is kept for what the predicates build, which
+// the module writes without asking. Past that, these throw HostLimitError.
+std::size_t goal_heap_words(const LumoxMachine* m);
 term new_var(LumoxMachine* m);                 // a fresh unbound cell on the heap
 term make_atom(const std::string& name);
 term make_float(LumoxMachine* m, double value);  // a box on the heap

@@ -34,10 +34,17 @@ const char kUsage[] =
     "  -m, --module PATH   the module to load (default: refgrove.so next to\n"
     "                      this program, or in ../module/ of the build tree)\n"
     "  -h, --help          print this help and exit\n"
+    "      --version       print the version and exit\n"
     "\n"
-    "Example:\n"
+    "Example, from the top of the source tree (preprocessing writes into a\n"
+    "directory that exists):\n"
+    "  mkdir -p /tmp/rg\n"
     "  refgrove-host \"refgrove_preproc('data/sample/', '/tmp/rg/')\" \\\n"
-    "                \"refgrove_load('/tmp/rg/')\" \"refgrove_get_year(2, Y)\"\n"
+    "                \"refgrove_load('/tmp/rg/')\" \"refgrove_get_year(107, Y)\"\n"
+    "\n"
+    "Limits: the terms of one goal may take 786,432 heap words (a list cell\n"
+    "takes two), lists may be nested 10,000 deep; a goal beyond them is an\n"
+    "error.\n"
     "\n"
     "Exit status: 0, or 1 when a goal raised an error, or 2 when the module\n"
     "could not be loaded or the options are wrong.\n";
@@ -69,6 +76,10 @@ int main(int argc, char** argv) {
     const std::string arg = argv[k];
     if (arg == "-h" || arg == "--help") {
       std::cout << kUsage;
+      return 0;
+    }
+    if (arg == "--version") {
+      std::cout << "refgrove-host " REFGROVE_VERSION "\n";
       return 0;
     }
     if (arg == "-m" || arg == "--module") {

@@ -13,6 +13,10 @@ namespace {
 
 constexpr long kSmallIntMin = -(1L << 27), kSmallIntMax = (1L << 27) - 1;
 
+// Lists are read (and later unified and written) recursively, one level per
+// nesting; deeper than this and a goal could overrun the program's stack.
+constexpr int kMaxListDepth = 10000;
+
 bool is_alnum(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_'; }
 
 class Parser {
@@ -170,6 +174,10 @@ class Parser {
 
   term list() {
     expect('[');
+    if (++depth_ > kMaxListDepth) {
+      throw lumox_sim::HostLimitError("lists nested deeper than " + std::to_string(kMaxListDepth) +
+                                      " levels at column " + std::to_string(pos_));
+    }
     std::vector<term> items;
     term tail = lumox_sim::nil();
     if (!accept(']')) {
@@ -178,6 +186,7 @@ class Parser {
       if (accept('|')) tail = term_arg();
       expect(']');
     }
+    --depth_;
     return lumox_sim::make_list(m_, items, tail);
   }
 
@@ -185,6 +194,7 @@ class Parser {
   const std::string& text_;
   Query* query_;
   std::size_t pos_ = 0;
+  int depth_ = 0;  // lists open around the current position
 };
 
 bool needs_quotes(const std::string& name) {

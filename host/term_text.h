@@ -34,7 +34,9 @@ struct Query {
   std::vector<std::pair<std::string, term>> variables;
 };
 
-// Parses one goal; a final '.' is optional. Throws SyntaxError.
+// Parses one goal; a final '.' is optional. Throws SyntaxError, or
+// lumox_sim::HostLimitError when its terms do not fit in the heap or its
+// lists are nested too deeply.
 Query parse_query(LumoxMachine* m, const std::string& text);
 
 // Writes a term as writeq would: atoms quoted where needed, floats always

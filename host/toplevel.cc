@@ -67,6 +67,9 @@ Toplevel::Outcome Toplevel::run(const std::string& goal, std::ostream& out, std:
   } catch (const SyntaxError& e) {
     err << "ERROR: syntax error: " << e.what() << "\n";
     return Outcome::kError;
+  } catch (const lumox_sim::HostLimitError& e) {
+    err << "ERROR: host limit reached: " << e.what() << "\n";
+    return Outcome::kError;
   }
   // The goal's variables are older than anything the calls create.
   lumox_sim::set_trail_boundary_to_heap_top(m);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <sstream>
 #include <string>
@@ -65,6 +66,45 @@ TEST_F(TermTextTest, SyntaxErrors) {
   }
 }
 
+// A list of n small integers ("[0, 0, ...]") and n lists nested in each other.
+std::string long_list(std::size_t n) {
+  std::string s = "[";
+  for (std::size_t k = 0; k < n; ++k) s += k ? ", 0" : "0";
+  return s + "]";
+}
+std::string nested_list(std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); }
+
+TEST_F(TermTextTest, GoalsBeyondTheMachinesLimitsAreRefused) {
+  const std::size_t max_items = lumox_sim::goal_heap_words(m_) / 2;  // two heap words per list cell
+  const struct {
+    std::string name, goal;
+    const char* error;  // a part of the HostLimitError's message, or "" when the goal fits
+  } cases[] = {
+      {"fills the goal's heap", "p(" + long_list(max_items) + ")", ""},
+      {"one cell too many", "p(" + long_list(max_items + 1) + ")", "do not fit in the heap"},
+      {"600,000 elements", "p(" + long_list(600000) + ")", "do not fit in the heap"},
+      {"too many lists together", "p(" + long_list(max_items / 2) + ", " + long_list(max_items / 2 + 1) + ")",
+       "do not fit in the heap"},
+      {"nested to the limit", "p(" + nested_list(10000) + ")", ""},
+      {"one level deeper", "p(" + nested_list(10001) + ")", "nested deeper than 10000 levels at column 10003"},
+      {"nested 100,000 deep", "p(" + nested_list(100000) + ")", "nested deeper than 10000 levels"},
+  };
+  for (const auto& c : cases) {
+    lumox_sim::reset(m_);
+    std::string error;
+    try {
+      toplevel::parse_query(m_, c.goal);
+    } catch (const lumox_sim::HostLimitError& e) {
+      error = e.what();
+    }
+    if (*c.error == '\0') {
+      EXPECT_EQ(error, "") << c.name;
+    } else {
+      EXPECT_NE(error.find(c.error), std::string::npos) << c.name << ": " << error;
+    }
+  }
+}
+
 TEST(GoalReader, CutsAtFullStopsOutsideQuotes) {
   std::istringstream in(
       "a. b(1.5).\n% a comment. with full stops.\n 'x. y'(1).  c(X),\n d(X)\n. e('it''s. ok') . tail");
@@ -125,13 +165,106 @@ TEST(RefgroveHost, AnswersGoalsFromArgumentsAndStandardInput) {
             "?- refgrove_get_word(2, 0, W),\n  refgrove_get_word(2, 1, V).\nW = we,\nV = study.\n");
 }
 
+TEST(RefgroveHost, ReportsGoalsBeyondItsLimitsAndCarriesOn) {
+  const ChildResult r = run_host({}, "refgrove_get_authors(1, " + long_list(600000) + ").\nrefgrove_get_authors(1, " +
+                                         nested_list(100000) + ").\nrefgrove_last_did(N).\n");
+  EXPECT_EQ(r.status, 1);
+  EXPECT_TRUE(r.out.ends_with(".\n?- refgrove_last_did(N).\nN = 0.\n"))
+      << r.out.substr(r.out.size() - std::min<std::size_t>(200, r.out.size()));
+  for (const char* error : {"ERROR: host limit reached: the goal's terms do not fit in the heap",
+                            "ERROR: host limit reached: lists nested deeper than 10000 levels"}) {
+    EXPECT_NE(r.err.find(error), std::string::npos) << r.err;
+  }
+}
+
 TEST(RefgroveHost, HelpAndBadModule) {
   const ChildResult help = run_host({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("Usage: refgrove-host"), std::string::npos);
+  const ChildResult version = run_host({"--version"});
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out, "refgrove-host " REFGROVE_VERSION "\n");
   const ChildResult bad = run_host({"--module", "/nonexistent/refgrove.so", "true"});
   EXPECT_EQ(bad.status, 2);
   EXPECT_NE(bad.err.find("cannot load the module"), std::string::npos) << bad.err;
+}
+
+// ---- The examples in the README and in --help -----------------------------
+
+// Replaces every `from` in `text` by `to`.
+std::string replace_all(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+// The shell commands of `text`: the lines for which `command_start` gives where
+// the command starts (npos for lines that are not commands), joined with
+// their continuation lines (ending in a backslash).
+template <class Start>
+std::vector<std::string> shell_commands(const std::string& text, Start command_start) {
+  std::vector<std::string> commands;
+  std::istringstream in(text);
+  bool continued = false;
+  for (std::string line; std::getline(in, line);) {
+    if (continued) {
+      commands.back() += "\n" + line;
+    } else if (const std::size_t start = command_start(line); start != std::string::npos) {
+      commands.push_back(line.substr(start));
+    } else {
+      continue;
+    }
+    continued = line.ends_with("\\");
+  }
+  return commands;
+}
+
+// Runs the commands one after the other from the top of the source tree, as
+// a user on a fresh machine would: /tmp/rg stands for a directory that does
+// not exist yet, `program` for refgrove-host of this build.
+void expect_examples_work(const std::string& where, const std::vector<std::string>& commands,
+                          const std::string& program) {
+  ASSERT_FALSE(commands.empty()) << where << ": no commands found";
+  TempDir tmp;
+  std::string script = "set -e\ncd '" REFGROVE_SOURCE_DIR "'\n";
+  for (const std::string& c : commands) {
+    script += replace_all(replace_all(c, "/tmp/rg", tmp.path() + "rg"), program, REFGROVE_HOST_PATH) + "\n";
+  }
+  const ChildResult r = run_in_child([&] {
+    execl("/bin/bash", "bash", "-c", script.c_str(), nullptr);
+    _exit(127);
+  });
+  EXPECT_EQ(r.status, 0) << where << ":\n" << script << r.err;
+  EXPECT_EQ(r.out.find("\nfalse.\n"), std::string::npos) << where << ":\n" << script << r.out;
+  EXPECT_EQ(r.err.find("ERROR"), std::string::npos) << where << ":\n" << script << r.err;
+}
+
+TEST(RefgroveHost, ExamplesOfTheReadmeWorkVerbatim) {
+  // The host's part of the README, up to the next top-level section; the
+  // scripts there build the project themselves and are left out.
+  const std::string readme = read_file(REFGROVE_SOURCE_DIR "README.md");
+  const std::size_t from = readme.find("\n## The host binding");
+  ASSERT_NE(from, std::string::npos);
+  const std::string section = readme.substr(from, readme.find("\n## ", from + 1) - from);
+  expect_examples_work("README", shell_commands(section, [](const std::string& line) {
+                         const std::size_t at = line.find_first_not_of(' ');
+                         const bool command = at != std::string::npos && line.compare(at, 2, "$ ") == 0 &&
+                                              line.compare(at + 2, 8, "scripts/") != 0;
+                         return command ? at + 2 : std::string::npos;
+                       }),
+                       "build/i386/host/refgrove-host");
+}
+
+TEST(RefgroveHost, ExampleOfTheHelpWorksVerbatim) {
+  const std::string help = run_host({"--help"}).out;
+  const std::size_t from = help.find("\nExample");
+  ASSERT_NE(from, std::string::npos) << help;
+  const std::string example = help.substr(from + 1, help.find("\n\n", from) - from);
+  expect_examples_work("--help", shell_commands(example, [](const std::string& line) {
+                         return line.starts_with("  ") ? 2 : std::string::npos;  // not the heading
+                       }),
+                       "refgrove-host");
 }
 
 // The road a user takes: preprocess the repository's sample dumps, load the

@@ -87,7 +87,8 @@ TEST(TokenizerLanguageTest, NodeCounting) {
   EXPECT_EQ(root->try_add("a").get(), a.get());
   TokenizerLangHashPtr copy = a;
   EXPECT_EQ(a->refcount, 3);
-  copy = copy;  // self-assignment keeps the count
+  const TokenizerLangHashPtr& same = copy;
+  copy = same;  // self-assignment (through a reference) keeps the count
   EXPECT_EQ(a->refcount, 3);
   copy.release();
   root.release();  // frees the root; `a` survives through our pointer
