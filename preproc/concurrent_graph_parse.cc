@@ -146,7 +146,13 @@ void ConcurrentGraphParse::write_file(StringTable* words, const std::string& out
 }
 
 GraphPassResult ConcurrentGraphParse::finish(StringTable* words, const std::string& out_dir) {
-  if (!writer_) return preprocGraph(in_dir_, out_dir, words, out_, err_);
+  if (!writer_) {
+    try {
+      return preprocGraph(in_dir_, out_dir, words, out_, err_);
+    } catch (const ParserError& e) {
+      throw DumpParseError(e, in_dir_ + kGraphDumpFile);
+    }
+  }
   if (const std::exception_ptr error = writer_->wait()) std::rethrow_exception(error);
   report(graph_.docs.size());
   announceGraphFile(out_dir, err_);

@@ -54,7 +54,7 @@ class ConcurrentGraphParse {
   // Writes the messages of the pass, once write_file() has written the
   // file. When it has not, reads the dump again with preprocGraph, which
   // writes the messages and the file. Either way the outcome is exactly
-  // that of preprocGraph on `words`, a ParserError thrown for a malformed
+  // that of preprocGraph on `words`, a DumpParseError thrown for a malformed
   // line included.
   GraphPassResult finish(StringTable* words, const std::string& out_dir);
 

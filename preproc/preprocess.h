@@ -14,6 +14,9 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
+
+#include "tokenizer/parser_error.h"
 
 // How far a run has read, for a progress display: updated by the threads
 // that read the dumps, read by any thread.
@@ -52,8 +55,17 @@ class PreprocError : public std::runtime_error {
   std::string path;
 };
 
+// A dump that does not parse: the parser's error, written exactly as the
+// module writes it, and the path of the dump, which the parsers reading
+// streams do not know.
+class DumpParseError : public ParserError {
+ public:
+  DumpParseError(const ParserError& error, std::string dump) : ParserError(error), dump(std::move(dump)) {}
+  std::string dump;
+};
+
 // Preprocesses the dumps of in_dir into out_dir (both plain prefixes, to
-// which file names are appended). Throws ParserError when a dump does not
+// which file names are appended). Throws DumpParseError when a dump does not
 // parse (the files written by then stay as they are), PreprocError when
 // checked and an input or output fails.
 PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir, const PreprocOptions& options = {});

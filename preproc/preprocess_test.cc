@@ -126,7 +126,20 @@ TEST(PreprocessTest, AMalformedDumpThrowsInsteadOfEndingTheProcess) {
   PreprocOptions options;
   options.out = options.err = &quiet;
   options.checked = true;
-  EXPECT_THROW(preprocess(in.path(), out.path(), options), ParserError);
+  try {
+    preprocess(in.path(), out.path(), options);
+    ADD_FAILURE() << "no error";
+  } catch (const DumpParseError& e) {
+    EXPECT_EQ(e.dump, in.path() + kGraphDumpFile);
+    EXPECT_EQ(e.message, "unexpected end of file");
+  }
+  write_dumps(in.path(), "", "", "1 - a\n$ b");
+  try {
+    preprocess(in.path(), out.path(), options);
+    ADD_FAILURE() << "no error";
+  } catch (const DumpParseError& e) {
+    EXPECT_EQ(e.dump, in.path() + kWordDumps[1]);
+  }
 }
 
 }  // namespace

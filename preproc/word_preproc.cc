@@ -174,7 +174,8 @@ PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string
 }
 
 WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out,
-                                                 const char* path, std::ostream& out, std::ostream& err) {
+                                                 const char* path, std::ostream& out,
+                                                 std::ostream& err) try {
   DumpCounts counts;
   ProgressNote progress(options_.progress);
   std::ifstream in(path, std::ios::in | std::ios::binary);
@@ -252,4 +253,6 @@ WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostrea
   const std::uintmax_t size = std::filesystem::file_size(path, no_size);
   if (!no_size) progress.at(size);
   return counts;
+} catch (const ParserError& e) {
+  throw DumpParseError(e, path);
 }

@@ -69,14 +69,14 @@ class WordPreproc {
   // file names are appended without a separator). Writes "word-data",
   // "word-idx" and the graph file, then "word-table"; the graph file only
   // once every dump has parsed. Progress goes to the options' `out`; a dump
-  // that does not parse throws ParserError.
+  // that does not parse throws DumpParseError.
   PreprocSummary preproc(const std::string& in_dir, const std::string& out_dir);
 
   // Processes one word dump: appends its documents' word ids to `data_out`
   // ("word-data") and one header per document to `idx_out` ("word-idx").
   // Progress goes to `out`. A line without a leading DID is reported on
   // `err` and skipped; a file that cannot be opened is reported and
-  // contributes nothing.
+  // contributes nothing; a dump that does not parse throws DumpParseError.
   DumpCounts preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out, const char* path,
                          std::ostream& out = std::cout, std::ostream& err = std::cerr);
 

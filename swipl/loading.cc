@@ -17,7 +17,6 @@
 #include "preproc/preprocess.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
-#include "tokenizer/parser_error.h"
 #include "words/word_files.h"
 
 namespace refgrove::swipl {
@@ -150,13 +149,10 @@ std::function<bool()> preprocess_into(const std::string& in, const StagingDirect
     relay_messages();
     staging.publish(out);
     return nullptr;
-  } catch (const ParserError& e) {
+  } catch (const DumpParseError& e) {
     relay_messages();
     const int column = e.pos.column < 0 ? e.pos.column : e.pos.column - 1;  // printed columns are 0-based
-    // The dump parsers read streams and may not know the file's name; the
-    // input directory then names where the dump is.
-    const std::string file = e.file_name.empty() ? in : e.file_name;
-    return [e, file, column] { return raise_dump_syntax_error(file, e.pos.row, column, e.message); };
+    return [e, column] { return raise_dump_syntax_error(e.dump, e.pos.row, column, e.message); };
   } catch (const PreprocError& e) {
     relay_messages();
     return [path = as_written_to(e.path, staging.prefix(), out), reason = reason_of(e)] {
