@@ -8,37 +8,17 @@
 
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
-#include "testing/data_dir_builder.h"
+#include "testing/graph_run.h"
 #include "tokenizer/parser_error.h"
 
 namespace {
 
-struct GraphRun {
-  std::string out, err, graph_file;
-};
-
-// Runs the graph pass after the interning of `meanwhile` in `words`; a
-// parse error ends up in `err` as the preprocessor writes it.
+// Runs the graph pass after the interning of `meanwhile` in `words`.
 GraphRun Preprocess(const std::string& dump, StringTable* words, const std::vector<std::string>& meanwhile = {}) {
-  TempDir in, out;
-  write_file(in.path() + kGraphDumpFile, dump);
-  GraphRun r;
-  {
-    StreamCapture capture;
-    try {
-      for (const std::string& w : meanwhile) words->String2ID(w);
-      preprocGraph(in.path(), out.path(), words);
-    } catch (const ParserError& e) {
-      e.write(std::cerr);
-    }
-    r.out = capture.out();
-    r.err = capture.err();
-  }
-  r.graph_file = read_file(out.path() + kGraphFile);
-  // Messages name the output directory; make them comparable.
-  const std::string::size_type at = r.err.find(out.path());
-  if (at != std::string::npos) r.err.replace(at, out.path().size(), "OUT/");
-  return r;
+  return run_graph_pass(dump, [&](const std::string& in, const std::string& out) {
+    for (const std::string& w : meanwhile) words->String2ID(w);
+    preprocGraph(in, out, words);
+  });
 }
 
 TEST(RawGraphTest, WritesTheGraphFileByteForByte) {

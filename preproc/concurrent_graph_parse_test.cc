@@ -6,17 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "graph/graph_dump.h"
-#include "graph/graph_file.h"
 #include "graph/raw_graph.h"
-#include "testing/test_files.h"
-#include "tokenizer/parser_error.h"
+#include "testing/graph_run.h"
 
 namespace {
-
-struct GraphRun {
-  std::string out, err, graph_file;
-};
 
 // How the graph pass runs: one record after the other, or in parts of a
 // given size and number while the caller interns other words.
@@ -27,36 +20,20 @@ struct Pass {
 };
 
 // Runs the graph pass after the interning of `meanwhile` in `words`, or
-// concurrently with it; a parse error ends up in `err` as the preprocessor
-// writes it.
+// concurrently with it.
 GraphRun Preprocess(const std::string& dump, StringTable* words, Pass pass,
                     const std::vector<std::string>& meanwhile) {
-  TempDir in, out;
-  write_file(in.path() + kGraphDumpFile, dump);
-  GraphRun r;
-  {
-    StreamCapture capture;
-    try {
-      if (pass.concurrent) {
-        ConcurrentGraphParse parse(in.path(), PreprocOptions{}, pass.parts, pass.min_part_bytes);
-        for (const std::string& w : meanwhile) words->String2ID(w);
-        parse.write_file(words, out.path());
-        parse.finish(words, out.path());
-      } else {
-        for (const std::string& w : meanwhile) words->String2ID(w);
-        preprocGraph(in.path(), out.path(), words);
-      }
-    } catch (const ParserError& e) {
-      e.write(std::cerr);
+  return run_graph_pass(dump, [&](const std::string& in, const std::string& out) {
+    if (!pass.concurrent) {
+      for (const std::string& w : meanwhile) words->String2ID(w);
+      preprocGraph(in, out, words);
+      return;
     }
-    r.out = capture.out();
-    r.err = capture.err();
-  }
-  r.graph_file = read_file(out.path() + kGraphFile);
-  // Messages name the output directory; make them comparable.
-  const std::string::size_type at = r.err.find(out.path());
-  if (at != std::string::npos) r.err.replace(at, out.path().size(), "OUT/");
-  return r;
+    ConcurrentGraphParse parse(in, PreprocOptions{}, pass.parts, pass.min_part_bytes);
+    for (const std::string& w : meanwhile) words->String2ID(w);
+    parse.write_file(words, out);
+    parse.finish(words, out);
+  });
 }
 
 TEST(ConcurrentGraphParseTest, GivesWhatTheSequentialPassGives) {
