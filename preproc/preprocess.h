@@ -50,9 +50,10 @@ struct PreprocSummary {
 class PreprocError : public std::runtime_error {
  public:
   // what(): "<path>: <reason>".
-  PreprocError(std::string path, const std::string& reason)
-      : std::runtime_error(path + ": " + reason), path(std::move(path)) {}
+  PreprocError(std::string path, std::string reason)
+      : std::runtime_error(path + ": " + reason), path(std::move(path)), reason(std::move(reason)) {}
   std::string path;
+  std::string reason;
 };
 
 // A dump that does not parse: the parser's error, written exactly as the

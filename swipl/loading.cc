@@ -3,18 +3,22 @@
 // informational), so that the verbose flag silences them and message_hook/3
 // captures them. Neither ends the process: every failure becomes a Prolog
 // exception.
-#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <functional>
 #include <mutex>
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "graph/graph_file.h"
 #include "preproc/preprocess.h"
+#include "preproc/staged_output.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
 #include "words/word_files.h"
@@ -78,53 +82,21 @@ foreign_t load_pred(term_t args, int, control_t) {
   return true;
 }
 
-// Preprocessing writes into a fresh directory beside the output and then
-// renames each file into place: a data directory that this or another
-// thread has loaded keeps its files (and their mappings) intact, and a run
-// that fails leaves the output as it was.
-class StagingDirectory {
- public:
-  explicit StagingDirectory(const fs::path& beside) {
-    std::string pattern = (beside / ".refgrove-preproc-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-      throw PreprocError(beside.string(), std::error_code(errno, std::generic_category()).message());
-    }
-    path_ = pattern;
-  }
-  StagingDirectory(const StagingDirectory&) = delete;
-  StagingDirectory& operator=(const StagingDirectory&) = delete;
-  ~StagingDirectory() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
+// Preprocessing writes into a staging directory beside the output
+// directory and then renames each data file into place: a data directory
+// that this or another thread has loaded keeps its files (and their
+// mappings) intact, and a run that fails leaves the output as it was. The
+// lock file beside the output keeps out other processes, the refgrove tool
+// included.
 
-  std::string prefix() const { return path_.string() + "/"; }
-
-  // Moves every file written into data directory prefix `out`.
-  void publish(const std::string& out) const {
-    for (const fs::directory_entry& entry : fs::directory_iterator(path_)) {
-      const std::string target = out + entry.path().filename().string();
-      std::error_code error;
-      fs::rename(entry.path(), target, error);
-      if (error) throw PreprocError(target, error.message());
-    }
-  }
-
- private:
-  fs::path path_;
-};
-
-// The reason of a PreprocError, without the path that what() starts with.
-std::string reason_of(const PreprocError& e) {
-  const std::string text = e.what();
-  const std::string lead = e.path + ": ";
-  return text.starts_with(lead) ? text.substr(lead.size()) : text;
-}
-
-// Preprocessing runs one at a time; the queries go on meanwhile.
+// Preprocessing runs one at a time in this process (each run has threads
+// and buffers of its own); the queries go on meanwhile.
 std::mutex preproc_mutex;
 
-// Runs preprocessing; on failure returns the exception to raise.
+std::function<bool()> io_error(const std::string& path, const std::string& reason) {
+  return [path, reason] { return raise_error("refgrove_io_error", {path, reason}); };
+}
+
 // The messages of a run in the staging directory, naming the output instead.
 std::string as_written_to(std::string text, const std::string& staging, const std::string& out) {
   for (std::size_t at = text.find(staging); at != std::string::npos; at = text.find(staging, at + out.size())) {
@@ -133,45 +105,85 @@ std::string as_written_to(std::string text, const std::string& staging, const st
   return text;
 }
 
-// Runs preprocessing in `staging`, its messages written to `log`; on
-// failure returns the exception to raise. Messages and errors name the
-// output, not the staging directory.
-std::function<bool()> preprocess_into(const std::string& in, const StagingDirectory& staging, const std::string& out,
-                                      std::ostream& log) {
+// A data directory prefix split at its last "/": the directory, as given
+// ("" or ending in "/"), and the start of the file names ("" for a plain
+// directory).
+struct OutputPrefix {
+  explicit OutputPrefix(const std::string& prefix)
+      : dir(prefix.substr(0, prefix.rfind('/') + 1)), names(prefix.substr(dir.size())) {}
+  std::string dir, names;
+
+  // The data files as named in the staging directory and in the output.
+  std::vector<std::string> data_files() const {
+    std::vector<std::string> files;
+    for (const char* name : kDataFiles) files.push_back(names + name);
+    return files;
+  }
+};
+
+// The output directory must be there: the library writes into a directory,
+// it does not make one.
+void check_output_directory(const fs::path& dir) {
+  struct stat status;
+  if (stat(dir.c_str(), &status) != 0) throw PreprocError(dir.string(), std::strerror(errno));
+  if (!S_ISDIR(status.st_mode)) throw PreprocError(dir.string(), "is not a directory");
+}
+
+// Runs preprocessing in `staging` and moves its files into place, its
+// messages written to `log`; on failure returns the exception to raise.
+// Messages and errors name the output, not the staging directory.
+std::function<bool()> preprocess_into(const std::string& in, const StagingDir& staging, const TargetPaths& target,
+                                      const OutputPrefix& out, std::ostream& log) {
   std::ostringstream messages;
-  const auto relay_messages = [&] { log << as_written_to(messages.str(), staging.prefix(), out); };
+  const auto named_for_output = [&](const std::string& text) { return as_written_to(text, staging.prefix(), out.dir); };
+  const auto relay_messages = [&] { log << named_for_output(messages.str()); };
   try {
     PreprocOptions options;
     options.out = &messages;
     options.err = &messages;
     options.checked = true;
-    preprocess(in, staging.prefix(), options);
+    preprocess(in, staging.prefix() + out.names, options);
     relay_messages();
-    staging.publish(out);
-    return nullptr;
   } catch (const DumpParseError& e) {
     relay_messages();
     const int column = e.pos.column < 0 ? e.pos.column : e.pos.column - 1;  // printed columns are 0-based
     return [e, column] { return raise_dump_syntax_error(e.dump, e.pos.row, column, e.message); };
   } catch (const PreprocError& e) {
     relay_messages();
-    return [path = as_written_to(e.path, staging.prefix(), out), reason = reason_of(e)] {
-      return raise_error("refgrove_io_error", {path, reason});
-    };
+    return io_error(named_for_output(e.path), e.reason);
   }
+  std::string error;
+  if (move_into_place(staging.path(), target, out.data_files(), &error)) return nullptr;
+  return io_error(target.target, named_for_output(error));
+}
+
+// Takes the output's lock, clears what killed runs left beside it and runs
+// preprocessing in a fresh staging directory.
+std::function<bool()> run_locked(const std::string& in, const OutputPrefix& out, std::ostream& log) {
+  const fs::path dir = directory_of(out.dir + out.names);
+  check_output_directory(dir);
+  TargetPaths target;
+  std::string error;
+  if (!resolve_target(dir.string(), &target, &error)) return io_error(dir.string(), error);
+  const auto waiting = [&] { log << "another run is writing " << target.target << "; waiting for it to finish\n"; };
+  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(target, waiting, &error);
+  if (lock == nullptr) return io_error(target.target, error);
+  for (const std::string& removed : remove_leftovers(target)) {
+    log << "removed " << removed << ", left behind by a run that was interrupted\n";
+  }
+  const StagingDir staging(target.staging_dir(getpid()));
+  if (!staging.make(&error)) return io_error(target.target, error);
+  return preprocess_into(in, staging, target, out, log);
 }
 
 std::function<bool()> run_preprocessing(const std::string& in, const std::string& out, std::ostream& log) {
   try {
     const std::lock_guard lock(preproc_mutex);
-    const StagingDirectory staging(directory_of(out));
-    return preprocess_into(in, staging, out, log);
+    return run_locked(in, OutputPrefix(out), log);
   } catch (const PreprocError& e) {
-    return [path = e.path, reason = reason_of(e)] { return raise_error("refgrove_io_error", {path, reason}); };
+    return io_error(e.path, e.reason);
   } catch (const fs::filesystem_error& e) {
-    return [path = e.path1().string(), reason = e.code().message()] {
-      return raise_error("refgrove_io_error", {path, reason});
-    };
+    return io_error(e.path1().string(), e.code().message());
   }
 }
 

@@ -11,7 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include "graph/graph_file.h"
-#include "tools/file_sync.h"
+#include "preproc/file_sync.h"
 #include "words/word_files.h"
 
 namespace {

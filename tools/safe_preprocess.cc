@@ -13,14 +13,14 @@
 #include "core/data_set.h"
 #include "core/validate.h"
 #include "graph/graph_dump.h"
+#include "preproc/file_sync.h"
 #include "preproc/preprocess.h"
+#include "preproc/staged_output.h"
 #include "preproc/word_preproc.h"
 #include "tokenizer/parser_error.h"
-#include "tools/file_sync.h"
 #include "tools/interrupt_cleanup.h"
 #include "tools/manifest.h"
 #include "tools/progress_display.h"
-#include "tools/staged_data_dir.h"
 #include "tools/tool_support.h"
 
 namespace fs = std::filesystem;
@@ -78,26 +78,30 @@ void print_summary(std::ostream& out, const std::string& target, const PreprocSu
       << "  " << unindexed << " documents whose DID cannot be indexed (negative or out of range: not found by DID)\n";
 }
 
-// The staging directory of this run: removed, with what it holds, when the
-// run ends without having moved it into place. Declared after the lock, so
-// that it is gone before the lock is let go.
-class StagingDir {
+// The run's files, for InterruptCleanup to remove on a signal, for the
+// object's lifetime. Declared after the staging directory, so that it is
+// forgotten before that is removed.
+class RunFiles {
  public:
-  StagingDir(std::string path, InterruptCleanup* interrupts) : path_(std::move(path)), interrupts_(interrupts) {}
-  ~StagingDir() {
-    interrupts_->set_run_files("", "");
-    std::error_code ec;
-    fs::remove_all(path_, ec);
+  RunFiles(InterruptCleanup* interrupts, const StagingDir& staging, const TargetPaths& paths)
+      : interrupts_(interrupts) {
+    interrupts_->set_run_files(staging.path(), paths.lock_file());
   }
-  StagingDir(const StagingDir&) = delete;
-  StagingDir& operator=(const StagingDir&) = delete;
-  const std::string& path() const { return path_; }
-  std::string prefix() const { return path_ + "/"; }
+  ~RunFiles() { interrupts_->set_run_files("", ""); }
+  RunFiles(const RunFiles&) = delete;
+  RunFiles& operator=(const RunFiles&) = delete;
 
  private:
-  std::string path_;
   InterruptCleanup* interrupts_;
 };
+
+// The files moved into place, the manifest last, so that the target's old
+// manifest gives away a move cut short.
+std::vector<std::string> files_to_move() {
+  std::vector<std::string> names = data_file_names();
+  names.push_back(kManifestFile);
+  return names;
+}
 
 // Preprocesses into the staging directory; an exit status when that failed.
 std::optional<int> preprocess_into(const PreprocessRequest& request, const std::string& in_dir,
@@ -143,14 +147,21 @@ int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::os
   if (!check_input_dir(request.in_dir, &error) || !resolve_target(request.out_dir, &paths, &error)) {
     return fail(err, error);
   }
-  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(paths, err, &error);
+  const auto waiting = [&] {
+    err << kPrefix << "another run is writing " << paths.target << " (lock " << paths.lock_file()
+        << "); waiting for it to finish\n"
+        << std::flush;
+  };
+  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(paths, waiting, &error);
   if (lock == nullptr) return fail(err, error);
   for (const std::string& removed : remove_leftovers(paths)) {
     err << kPrefix << "removed " << removed << ", left behind by a run that was interrupted\n";
   }
-  StagingDir staging(paths.staging_dir(getpid()), &interrupts);
-  if (mkdir(staging.path().c_str(), 0777) != 0) return fail(err, "cannot make " + system_error_text(staging.path(), errno));
-  interrupts.set_run_files(staging.path(), paths.lock_file());
+  // Declared after the lock: the staging directory is gone before the lock
+  // is let go.
+  const StagingDir staging(paths.staging_dir(getpid()));
+  if (!staging.make(&error)) return fail(err, error);
+  const RunFiles run_files(&interrupts, staging, paths);
 
   const std::string in_dir = as_dir(request.in_dir);
   const std::string left_as_it_was = paths.target + " is left as it was";
@@ -167,7 +178,7 @@ int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::os
   }
   {
     const std::unique_lock<std::mutex> no_interrupts = interrupts.hold();
-    if (!move_into_place(staging.path(), paths, &error)) {
+    if (!move_into_place(staging.path(), paths, files_to_move(), &error)) {
       return fail(err, error + "; " + paths.target + " may now hold files of two runs (refgrove check tells)");
     }
   }

@@ -1,6 +1,6 @@
 // safe_preprocess(): what `refgrove preprocess` runs. The dumps are
 // preprocessed into a staging directory beside the target, checked, given a
-// manifest and only then moved into place (staged_data_dir.h), so that a
+// manifest and only then moved into place (preproc/staged_output.h), so that a
 // run that fails, does not parse, is interrupted or runs beside another one
 // leaves the target as it was. Inputs and writes are checked; at the end a
 // summary says what was made and what had to be skipped or changed.

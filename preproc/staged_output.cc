@@ -1,4 +1,4 @@
-#include "tools/staged_data_dir.h"
+#include "preproc/staged_output.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -10,8 +10,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "tools/file_sync.h"
-#include "tools/manifest.h"
+#include "preproc/file_sync.h"
 
 namespace fs = std::filesystem;
 
@@ -35,19 +34,15 @@ int flock_retrying(int fd, int operation) {
   return r;
 }
 
-std::string rename_error(const std::string& from, const std::string& to, int error) {
-  return "cannot move " + from + " to " + to + ": " + std::strerror(error);
-}
-
 bool rename_into(const std::string& from, const std::string& to, std::string* error) {
   if (std::rename(from.c_str(), to.c_str()) == 0) return true;
-  *error = rename_error(from, to, errno);
+  *error = "cannot move " + from + " to " + to + ": " + std::strerror(errno);
   return false;
 }
 
-// fsync of every file of `staging` and of the directory itself.
-bool sync_staging(const std::string& staging, std::string* error) {
-  for (const std::string& name : data_file_names()) {
+// fsync of the files `names` of `staging` and of the directory itself.
+bool sync_staging(const std::string& staging, const std::vector<std::string>& names, std::string* error) {
+  for (const std::string& name : names) {
     if (!sync_path(staging + "/" + name, error)) return false;
   }
   return sync_path(staging, error);
@@ -95,7 +90,8 @@ bool resolve_target(const std::string& arg, TargetPaths* paths, std::string* err
   return !ec;
 }
 
-std::unique_ptr<TargetLock> TargetLock::acquire(const TargetPaths& paths, std::ostream& err, std::string* error) {
+std::unique_ptr<TargetLock> TargetLock::acquire(const TargetPaths& paths, const std::function<void()>& waiting,
+                                                std::string* error) {
   const std::string path = paths.lock_file();
   bool said_waiting = false;
   for (;;) {
@@ -105,12 +101,8 @@ std::unique_ptr<TargetLock> TargetLock::acquire(const TargetPaths& paths, std::o
       return nullptr;
     }
     if (flock_retrying(fd, LOCK_EX | LOCK_NB) != 0) {
-      if (!said_waiting) {
-        err << "refgrove preprocess: another run is writing " << paths.target << " (lock " << path
-            << "); waiting for it to finish\n"
-            << std::flush;
-        said_waiting = true;
-      }
+      if (!said_waiting) waiting();
+      said_waiting = true;
       flock_retrying(fd, LOCK_EX);
     }
     if (is_current(fd, path)) return std::unique_ptr<TargetLock>(new TargetLock(path, fd));
@@ -133,17 +125,26 @@ std::vector<std::string> remove_leftovers(const TargetPaths& paths) {
   return removed;
 }
 
-bool move_into_place(const std::string& staging, const TargetPaths& paths, std::string* error) {
-  if (!sync_staging(staging, error)) return false;
-  if (std::rename(staging.c_str(), paths.target.c_str()) == 0) return sync_path(paths.parent, error);
-  // The target exists and is not empty (ENOTEMPTY, or EEXIST on some
-  // systems): the files go one by one.
-  if (errno != ENOTEMPTY && errno != EEXIST) {
-    *error = rename_error(staging, paths.target, errno);
-    return false;
+StagingDir::~StagingDir() {
+  std::error_code ec;
+  fs::remove_all(path_, ec);
+}
+
+bool StagingDir::make(std::string* error) const {
+  if (mkdir(path_.c_str(), 0777) == 0) return true;
+  *error = "cannot make " + system_error_text(path_, errno);
+  return false;
+}
+
+bool move_into_place(const std::string& staging, const TargetPaths& paths, const std::vector<std::string>& names,
+                     std::string* error) {
+  if (!sync_staging(staging, names, error)) return false;
+  // An existing target keeps its inode, its mode and the files of others,
+  // even when empty: it may be some process's working directory.
+  struct stat target;
+  if (lstat(paths.target.c_str(), &target) != 0 && errno == ENOENT) {
+    return rename_into(staging, paths.target, error) && sync_path(paths.parent, error);
   }
-  std::vector<std::string> names = data_file_names();
-  names.push_back(kManifestFile);
   for (const std::string& name : names) {
     if (!rename_into(staging + "/" + name, paths.target + "/" + name, error)) return false;
   }

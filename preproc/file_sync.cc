@@ -1,4 +1,4 @@
-#include "tools/file_sync.h"
+#include "preproc/file_sync.h"
 
 #include <fcntl.h>
 #include <unistd.h>

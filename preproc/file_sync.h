@@ -1,8 +1,8 @@
 // Small POSIX helpers for files that must survive a crash once written: a
 // file or directory flushed to disk, and a whole file written and flushed.
 // Errors come back as "<path>: <system error>".
-#ifndef REFGROVE_TOOLS_FILE_SYNC_H_
-#define REFGROVE_TOOLS_FILE_SYNC_H_
+#ifndef REFGROVE_PREPROC_FILE_SYNC_H_
+#define REFGROVE_PREPROC_FILE_SYNC_H_
 
 #include <string>
 
@@ -15,4 +15,4 @@ bool sync_path(const std::string& path, std::string* error);
 // Creates or replaces `path` with `bytes` and flushes it to disk.
 bool write_synced(const std::string& path, const std::string& bytes, std::string* error);
 
-#endif  // REFGROVE_TOOLS_FILE_SYNC_H_
+#endif  // REFGROVE_PREPROC_FILE_SYNC_H_
