@@ -15,9 +15,9 @@
 namespace {
 
 // The four dumps of in_dir, the graph dump first.
-std::vector<std::string> dump_paths(const std::string& in_dir, const WordPreproc& preproc) {
+std::vector<std::string> dump_paths(const std::string& in_dir) {
   std::vector<std::string> paths = {in_dir + kGraphDumpFile};
-  for (const char* name : preproc.files) paths.push_back(in_dir + name);
+  for (const char* name : WordPreproc().files) paths.push_back(in_dir + name);
   return paths;
 }
 
@@ -44,9 +44,11 @@ void check_input_dir(const std::string& in_dir) {
   }
 }
 
-std::uint64_t total_size(const std::vector<std::string>& paths) {
+}  // namespace
+
+std::uint64_t dumps_size(const std::string& in_dir) {
   std::uint64_t total = 0;
-  for (const std::string& path : paths) {
+  for (const std::string& path : dump_paths(in_dir)) {
     std::error_code error;
     const std::uintmax_t size = std::filesystem::file_size(path, error);
     if (!error) total += size;
@@ -54,16 +56,13 @@ std::uint64_t total_size(const std::vector<std::string>& paths) {
   return total;
 }
 
-}  // namespace
-
 PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir, const PreprocOptions& options) {
   WordPreproc preproc(options);
-  const std::vector<std::string> dumps = dump_paths(in_dir, preproc);
   if (options.checked) {
     check_input_dir(in_dir);
-    for (const std::string& path : dumps) check_input(path);
+    for (const std::string& path : dump_paths(in_dir)) check_input(path);
   }
-  if (options.progress != nullptr) options.progress->total_bytes = total_size(dumps);
+  if (options.progress != nullptr) options.progress->total_bytes = dumps_size(in_dir);
   const PreprocSummary summary = preproc.preproc(in_dir, out_dir);
   // A graph dump read again in one piece reports nothing on the way.
   if (options.progress != nullptr) options.progress->bytes_read = options.progress->total_bytes;

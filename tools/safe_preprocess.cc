@@ -4,26 +4,22 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <vector>
 
 #include "core/data_set.h"
+#include "core/data_view.h"
 #include "core/validate.h"
-#include "graph/graph_dump.h"
 #include "preproc/file_sync.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_output.h"
-#include "preproc/word_preproc.h"
 #include "tokenizer/parser_error.h"
 #include "tools/interrupt_cleanup.h"
 #include "tools/manifest.h"
 #include "tools/progress_display.h"
 #include "tools/tool_support.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -45,26 +41,10 @@ bool check_input_dir(const std::string& arg, std::string* error) {
   return S_ISDIR(st.st_mode);
 }
 
-// The size of the four dumps, for the progress display.
-std::uint64_t dump_bytes(const std::string& in_dir) {
-  std::vector<std::string> names = {kGraphDumpFile};
-  for (const char* name : WordPreproc().files) names.emplace_back(name);
-  std::uint64_t total = 0;
-  for (const std::string& name : names) {
-    std::error_code ec;
-    const std::uintmax_t size = fs::file_size(in_dir + name, ec);
-    if (!ec) total += size;
-  }
-  return total;
-}
-
 // The documents that loading `dir` leaves out of the DID index.
 std::size_t unindexed_documents(const std::string& dir) {
-  std::streambuf* old = std::cerr.rdbuf(nullptr);  // the loading messages
-  const std::size_t count = RefgroveData(dir.c_str()).unindexed();
-  std::cerr.rdbuf(old);
-  std::cerr.clear();
-  return count;
+  std::ostream quiet(nullptr);  // the loading messages
+  return refgrove::load_data_set(dir, quiet)->unindexed();
 }
 
 void print_summary(std::ostream& out, const std::string& target, const PreprocSummary& s, std::size_t unindexed) {
@@ -117,7 +97,7 @@ std::optional<int> preprocess_into(const PreprocessRequest& request, const std::
   options.progress = &progress;
   try {
     std::optional<ProgressDisplay> line;
-    if (display) line.emplace(progress.bytes_read, dump_bytes(in_dir), err);
+    if (display) line.emplace(progress.bytes_read, dumps_size(in_dir), err);
     *summary = preprocess(in_dir, staging.prefix(), options);
   } catch (const ParserError& e) {
     e.write(err);
