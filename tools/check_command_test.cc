@@ -2,37 +2,26 @@
 // directory, and usage errors.
 #include <gtest/gtest.h>
 
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
-#include "tools/commands.h"
+#include "tools/tool_test_util.h"
 #include "tools/manifest.h"
 
 namespace {
 
-struct CheckRun {
-  int status;
-  std::string out, err;
-};
-
-CheckRun check(std::vector<std::string> args) {
-  args.insert(args.begin(), {"refgrove", "check"});
-  std::vector<const char*> argv;
-  for (const std::string& a : args) argv.push_back(a.c_str());
-  std::istringstream in;
-  std::ostringstream out, err;
-  const int status = refgrove_main(static_cast<int>(argv.size()), argv.data(), in, out, err);
-  return CheckRun{status, out.str(), err.str()};
+ToolRun check(std::vector<std::string> args) {
+  args.insert(args.begin(), "check");
+  return run_tool(std::move(args));
 }
 
 TEST(CheckCommandTest, CleanThenDamagedDirectory) {
   TempDir dir;
   const std::string& d = dir.path();
   DataDirBuilder().add({7, "", -1, {}, {"graphs"}, {"A. Lee"}, {"one", "two"}, true, true}).write(d);
-  CheckRun r = check({d.substr(0, d.size() - 1)});  // the trailing "/" is added by the command
+  ToolRun r = check({d.substr(0, d.size() - 1)});  // the trailing "/" is added by the command
   EXPECT_EQ(r.status, 0);
   EXPECT_EQ(r.out, d + ": no problems found.\n");
   EXPECT_EQ(r.err, "");
@@ -58,7 +47,7 @@ TEST(CheckCommandTest, FilesFromAnotherRunAreFound) {
   std::string error;
   ASSERT_TRUE(write_manifest(dir.path(), dir.path() + kManifestFile, &error)) << error;
   write_file(dir.path() + "graph_data", read_file(other.path() + "graph_data"));
-  const CheckRun r = check({dir.path()});
+  const ToolRun r = check({dir.path()});
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.out, dir.path() + "graph_data: the file is not the one refgrove-manifest.json lists (size 56, listed "
                                 "56; the checksum differs): the files come from different runs, or this one was "
@@ -67,12 +56,12 @@ TEST(CheckCommandTest, FilesFromAnotherRunAreFound) {
 
 TEST(CheckCommandTest, UsageErrorsExitTwo) {
   for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{{}, {"a", "b"}, {""}}) {
-    const CheckRun r = check(args);
+    const ToolRun r = check(args);
     EXPECT_EQ(r.status, 2) << args.size() << " arguments";
     EXPECT_NE(r.err.find("Run with --help"), std::string::npos) << r.err;
     EXPECT_EQ(r.out, "");
   }
-  const CheckRun help = check({"--help"});
+  const ToolRun help = check({"--help"});
   EXPECT_EQ(help.status, 0);
   EXPECT_NE(help.out.find("Usage: refgrove check [OPTIONS] DIR"), std::string::npos);
 }

@@ -2,31 +2,17 @@
 // stats, printdoc, author and query on the result; and the dump generator.
 #include <gtest/gtest.h>
 
-#include <iostream>
 #include <string>
 #include <vector>
 
 #include "core/data_set.h"
 #include "testing/data_dir_builder.h"
-#include "tools/commands.h"
+#include "tools/tool_test_util.h"
 #include "tools/dump_generator.h"
 
 namespace {
 
-struct Result {
-  int status;
-  std::string out, err;
-};
-
-// Runs the tool on the standard streams, which preprocessing writes to.
-Result RunCommand(std::vector<std::string> args) {
-  args.insert(args.begin(), "refgrove");
-  std::vector<const char*> argv;
-  for (const std::string& a : args) argv.push_back(a.c_str());
-  StreamCapture capture;
-  const int status = refgrove_main(static_cast<int>(argv.size()), argv.data(), std::cin, std::cout, std::cerr);
-  return {status, capture.out(), capture.err()};
-}
+ToolRun RunCommand(std::vector<std::string> args) { return run_tool(std::move(args)); }
 
 // A small input directory IN preprocessed into the data directory DATA, both
 // named without their trailing "/" as a user would type them; then every
@@ -44,7 +30,7 @@ TEST(DataCommandsTest, Commands) {
              "3 ray01 2001 GIDs: 40 41 DIDs: 1 2 Title: Trees Authors: B. Ray\n"
              "xxxx\n");
   const std::string in_dir = in.path().substr(0, in.path().size() - 1), data_dir = out.path() + "data";
-  const Result preprocessed = RunCommand({"preprocess", in_dir, data_dir});
+  const ToolRun preprocessed = RunCommand({"preprocess", in_dir, data_dir});
   ASSERT_EQ(preprocessed.status, 0) << preprocessed.err;
 
   struct Case {
@@ -105,7 +91,7 @@ TEST(DataCommandsTest, Commands) {
       args.push_back(a == "DATA" ? data_dir : a == "IN" ? in_dir : a == "OUT" ? out.path() + "g" : a);
       line += a + " ";
     }
-    const Result r = RunCommand(args);
+    const ToolRun r = RunCommand(args);
     EXPECT_EQ(r.status, c.status) << line << "\n" << r.err;
     if (c.out != nullptr) {
       EXPECT_EQ(r.out, c.out) << line;
@@ -119,7 +105,7 @@ TEST(DataCommandsTest, Commands) {
   // Loading messages only with -v, which may also follow a query's operation.
   for (const std::vector<std::string>& args : {std::vector<std::string>{"stats", "-v", data_dir},
                                                std::vector<std::string>{"query", data_dir, "key", "1", "-v"}}) {
-    const Result r = RunCommand(args);
+    const ToolRun r = RunCommand(args);
     EXPECT_EQ(r.status, 0) << args[0];
     EXPECT_NE(r.err.find("Reading Graph Data...\n"), std::string::npos) << args[0];
   }
@@ -144,7 +130,7 @@ TEST(DumpGeneratorTest, DeterministicDumpsThatPreprocessCleanly) {
 
   // Clean input: no skipped lines, every document in the graph, DIDs
   // ascending, and the shape the benchmarks rely on.
-  const Result r = RunCommand({"preprocess", a, data.path()});
+  const ToolRun r = RunCommand({"preprocess", a, data.path()});
   ASSERT_EQ(r.status, 0);
   EXPECT_EQ(r.err.find("no did"), std::string::npos);
   EXPECT_EQ(r.err.find("failed"), std::string::npos);

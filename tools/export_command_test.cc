@@ -10,23 +10,13 @@
 #include <vector>
 
 #include "testing/data_dir_builder.h"
-#include "tools/commands.h"
+#include "tools/tool_test_util.h"
 
 namespace {
 
-struct Result {
-  int status;
-  std::string out, err;
-};
-
-Result Export(std::vector<std::string> args) {
-  args.insert(args.begin(), {"refgrove", "export"});
-  std::vector<const char*> argv;
-  for (const std::string& a : args) argv.push_back(a.c_str());
-  std::istringstream in;
-  std::ostringstream out, err;
-  const int status = refgrove_main(static_cast<int>(argv.size()), argv.data(), in, out, err);
-  return {status, out.str(), err.str()};
+ToolRun Export(std::vector<std::string> args) {
+  args.insert(args.begin(), "export");
+  return run_tool(std::move(args));
 }
 
 // RFC 4180 records: CRLF between records, quoted fields with doubled quotes
@@ -90,7 +80,7 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
       {12, "", std::nullopt, "", {}, {}, "only"},
   };
 
-  const Result jsonl = Export({dir.path()});
+  const ToolRun jsonl = Export({dir.path()});
   ASSERT_EQ(jsonl.status, 0) << jsonl.err;
   std::istringstream lines(jsonl.out);
   std::string line;
@@ -107,7 +97,7 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
   }
   EXPECT_FALSE(std::getline(lines, line)) << line;
 
-  const Result csv = Export({"--format", "csv", dir.path()});
+  const ToolRun csv = Export({"--format", "csv", dir.path()});
   ASSERT_EQ(csv.status, 0) << csv.err;
   const std::vector<std::vector<std::string>> records = ReadCsv(csv.out);
   ASSERT_EQ(records.size(), std::size(expected) + 1) << csv.out;
@@ -128,7 +118,7 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
   EXPECT_EQ(Export({dir.path(), "-o", file}).status, 0);
   EXPECT_EQ(read_file(file), jsonl.out);
   const std::string unwritable = dir.path() + "none/out.csv";
-  const Result failed = Export({dir.path(), "--format", "csv", "-o", unwritable});
+  const ToolRun failed = Export({dir.path(), "--format", "csv", "-o", unwritable});
   EXPECT_EQ(failed.status, 1);
   EXPECT_EQ(failed.err, "refgrove export: " + unwritable + ": No such file or directory\n");
   EXPECT_EQ(Export({dir.path(), "--format", "xml"}).status, 2);

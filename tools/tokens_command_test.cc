@@ -1,25 +1,20 @@
 // The `tokens` command, run in-process on standard input or on files.
 #include <cstdio>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "tools/commands.h"
+#include "tools/tool_test_util.h"
 
 namespace {
 
 // The exit status, then standard output, then standard error after "stderr: " when there is any.
 std::string RunTokens(std::vector<std::string> args, const std::string& input) {
-  args.insert(args.begin(), {"refgrove", "tokens"});
-  std::vector<const char*> argv;
-  for (const std::string& a : args) argv.push_back(a.c_str());
-  std::istringstream in(input);
-  std::ostringstream out, err;
-  const int status = refgrove_main(static_cast<int>(argv.size()), argv.data(), in, out, err);
-  return std::to_string(status) + "\n" + out.str() + (err.str().empty() ? "" : "stderr: " + err.str());
+  args.insert(args.begin(), "tokens");
+  const ToolRun r = run_tool(std::move(args), input);
+  return std::to_string(r.status) + "\n" + r.out + (r.err.empty() ? "" : "stderr: " + r.err);
 }
 
 TEST(TokensCommandTest, ListingsAndFailures) {
