@@ -8,8 +8,8 @@
 // query reaches either in one array access. Where a DID occurs more than
 // once in a half, the last occurrence wins.
 //
-// A loaded set is never changed, except that its reverse indexes are built
-// on first use (thread-safely, see reverse_index.h); any number of threads
+// A loaded set is never changed, except that its reverse indexes and derived
+// structures are built on first use (thread-safely, see reverse_index.h); any number of threads
 // may query it at once.
 #ifndef REFGROVE_CORE_DATA_SET_H_
 #define REFGROVE_CORE_DATA_SET_H_
@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "core/derived_structures.h"
 #include "core/refgrove.h"
 #include "core/reverse_index.h"
 #include "graph/graph_file.h"
@@ -61,6 +62,10 @@ class RefgroveData {
     return key_docs_.get([this] { return KeyIndex(*graph, did_index); });
   }
 
+  // What the layers above derive from this set (search, analyses), built on
+  // first use and released with the set.
+  const DerivedStructures& derived() const { return derived_; }
+
   // Documents left out of the index: their DID is negative or too large.
   std::size_t unindexed() const { return unindexed_; }
 
@@ -85,6 +90,7 @@ class RefgroveData {
   BuiltOnce<GroupedIndex> cited_by_;
   BuiltOnce<GroupedIndex> author_docs_;
   BuiltOnce<KeyIndex> key_docs_;
+  DerivedStructures derived_;
 };
 
 #endif  // REFGROVE_CORE_DATA_SET_H_
