@@ -3,7 +3,7 @@
 # package). Layout under the prefix:
 #   bin/refgrove
 #   <libdir>/refgrove.so
-#   include/refgrove/refgrove.h
+#   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
@@ -20,7 +20,12 @@ set(REFGROVE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(TARGETS refgrove_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS refgrove LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES core/refgrove.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
+# The header of the C interface includes its two parts by their paths in the
+# source tree, which lie beside it once installed.
+set(REFGROVE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
+install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
+install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)
+install(FILES preproc/refgrove_preproc.h DESTINATION ${REFGROVE_INCLUDE_DIR}/preproc)
 
 # The way up from a directory below the prefix to the prefix itself.
 function(refgrove_path_to_prefix out dir)

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "core/test_documents.h"
 #include "host/host_engine.h"
 #include "host/term_text.h"
 #include "testing/child_process.h"
+#include "testing/test_documents.h"
 
 namespace {
 

@@ -74,8 +74,4 @@ PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir,
 // The sizes of the four dumps of in_dir together; a missing dump counts 0.
 std::uint64_t dumps_size(const std::string& in_dir);
 
-// The module's entry: preprocess() unchecked on the standard streams; a
-// dump that does not parse is reported and ends the process with status 3.
-extern "C" __attribute__((visibility("default"))) void refgrove_preproc_1(const char* a, const char* b);
-
 #endif  // REFGROVE_PREPROC_PREPROCESS_H_
