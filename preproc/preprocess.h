@@ -2,9 +2,10 @@
 // directory, with its messages on streams of the caller's choice, and, for
 // callers that must not lose data, every input and every write checked.
 //
-// refgrove_preproc_1, the module's entry, runs it unchecked on the standard
-// streams and ends the process with status 3 when a dump does not parse.
-// Tools and libraries call preprocess() itself: it throws instead.
+// refgrove_preproc_1 (refgrove_preproc.h), the module's entry, runs it
+// unchecked on the standard streams and ends the process with status 3 when
+// a dump does not parse. Tools and libraries call preprocess() itself: it
+// throws instead.
 #ifndef REFGROVE_PREPROC_PREPROCESS_H_
 #define REFGROVE_PREPROC_PREPROCESS_H_
 
