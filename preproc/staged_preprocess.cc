@@ -15,16 +15,14 @@ namespace {
 
 using Stage = StagedRunError::Stage;
 
-// The input must be a directory; its dumps are checked by preprocess().
-void check_input_dir(const std::string& arg) {
-  struct stat st;
-  if (stat(arg.c_str(), &st) != 0) fail(Stage::setup, "", arg, system_error_text(arg, errno));
-  if (!S_ISDIR(st.st_mode)) fail(Stage::setup, "", arg, arg + ": is not a directory");
-}
-
-// Errors come as sentences; one that starts with its path keeps the path
-// out of the reason.
-[[noreturn]] void fail(Stage stage, const std::string& target, const std::string& path, const std::string& error) {
+// Errors come as sentences. One that starts with its path keeps the path
+// out of the reason; one that starts with another absolute path (a parent
+// directory that cannot be made) is about that path.
+[[noreturn]] void fail(Stage stage, const std::string& target, std::string path, const std::string& error) {
+  const std::size_t colon = error.find(": ");
+  if (error.rfind(path + ": ", 0) != 0 && error.rfind('/', 0) == 0 && colon != std::string::npos) {
+    path = error.substr(0, colon);
+  }
   const std::string lead = path + ": ";
   const std::string reason = error.rfind(lead, 0) == 0 ? error.substr(lead.size()) : error;
   throw StagedRunError(stage, target, path, reason, error);
@@ -32,6 +30,13 @@ void check_input_dir(const std::string& arg) {
 
 [[noreturn]] void fail(Stage stage, const TargetPaths& paths, const std::string& error) {
   fail(stage, paths.target, paths.target, error);
+}
+
+// The input must be a directory; its dumps are checked by preprocess().
+void check_input_dir(const std::string& arg) {
+  struct stat st;
+  if (stat(arg.c_str(), &st) != 0) fail(Stage::setup, "", arg, system_error_text(arg, errno));
+  if (!S_ISDIR(st.st_mode)) fail(Stage::setup, "", arg, arg + ": is not a directory");
 }
 
 // The run's files are announced to the hooks for the object's lifetime.
