@@ -77,6 +77,20 @@ message_text(Error, Message) :-
     with_output_to(string(Text), print_message_lines(current_output, '', Lines)),
     split_string(Text, "", "\n", [Message]).
 
+:- begin_tests(refgrove_documentation).
+
+% help/1 shows the mode line of every exported predicate: "name(" or, for
+% arity 0, "name is".
+test(help_knows_every_predicate, Undocumented == []) :-
+    module_property(refgrove, exports(Exports)),
+    findall(Name/Arity, ( member(Name/Arity, Exports),
+                          ( Arity =:= 0 -> After = " is" ; After = "(" ),
+                          atom_concat(Name, After, ModeLine),
+                          with_output_to(string(Help), help(Name/Arity)),
+                          \+ sub_string(Help, _, _, _, ModeLine) ), Undocumented).
+
+:- end_tests(refgrove_documentation).
+
 :- begin_tests(refgrove_answers, [setup(load_sample)]).
 
 % The host predicates on the sample: each row must succeed as written.
