@@ -12,19 +12,16 @@
 #include <vector>
 
 #include "core/validate.h"
-#include "graph/graph_file.h"
+#include "preproc/manifest.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
-#include "words/word_files.h"
 
 namespace refgrove::swipl {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kDataFiles[] = {kGraphFile, kWordTableFile, kWordIdxFile, kWordDataFile};
 
 // Hands the lines of `text` to print_message(informational, refgrove(Lines)).
 // Printing problems are not the caller's: they are dropped.
@@ -53,9 +50,11 @@ void emit_messages(const std::string& text) {
 // the data directory `dir` (ending in "/") has all of its files.
 bool check_data_directory(const std::string& dir) {
   std::error_code error;
-  const std::string shown = dir.size() > 1 ? dir.substr(0, dir.size() - 1) : dir;
-  if (!fs::is_directory(dir.empty() ? "." : dir, error)) return raise_existence_error("directory", shown, "refgrove_load", 1);
-  for (const char* name : kDataFiles) {
+  const std::string shown = dir.size() > 1 ? dir.substr(0, dir.size() - 1) : dir;  // without its "/"
+  if (!fs::is_directory(dir.empty() ? "." : dir, error)) {
+    return raise_existence_error("directory", shown, "refgrove_load", 1);
+  }
+  for (const std::string& name : data_file_names()) {
     if (!fs::is_regular_file(dir + name, error)) return raise_existence_error("file", dir + name, "refgrove_load", 1);
   }
   return true;

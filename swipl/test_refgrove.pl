@@ -310,7 +310,7 @@ test(missing_directory_keeps_data, [setup(temp_prefix(Dir)), cleanup((remove_pre
     assertion(Message == Expected).
 
 test(missing_files_keep_data, [setup(temp_prefix(Empty)), cleanup((remove_prefix(Empty), check_sample_loaded))]) :-
-    atom_concat(Empty, graph_data, Missing),
+    atom_concat(Empty, 'word-table', Missing),
     catch(refgrove_load(Empty), E, true),
     assertion(E = error(existence_error(file, Missing), _)).
 
