@@ -70,8 +70,10 @@ class ToolHooks : public StagedRunHooks {
   InterruptCleanup interrupts_;
 };
 
-// The module's messages, or a progress line on a terminal.
-int run(const PreprocessRequest& request, std::ostream& out, std::ostream& err, StagedRunHooks& hooks) {
+// Runs the request, showing the module's messages or, on a terminal, a
+// progress line; then the summary.
+int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
+                             StagedRunHooks& hooks) {
   std::ostream quiet(nullptr);
   const bool display = request.terminal && !request.verbose;
   PreprocProgress progress;
@@ -104,7 +106,7 @@ std::string outcome(const StagedRunError& e) {
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err) {
   ToolHooks hooks(err);  // first: the threads started later inherit its signal mask
   try {
-    return run(request, out, err, hooks);
+    return preprocess_and_summarize(request, out, err, hooks);
   } catch (const DumpParseError& e) {
     // Standard error ends exactly as the module leaves it.
     e.write(err);
