@@ -56,12 +56,8 @@ message_hook/3 sees them.
 :- use_foreign_library(foreign(refgrove4pl)).
 
 %   The predicates are foreign (refgrove4pl). Each comment below gives the
-%   modes, the determinism, the errors beyond those common to all and an
-%   example on the sample data set (data/sample/). Common to all queries:
-%   an unbound input raises instantiation_error, an input of the wrong kind
-%   type_error(integer, X) (type_error(atom, X) for paths and texts), and
-%   every query before the first load raises
-%   existence_error(refgrove_data_set, loaded).
+%   modes, the determinism, the errors and an example on the sample data
+%   set (data/sample/).
 
 %!  refgrove_hello is det.
 %
@@ -83,29 +79,29 @@ message_hook/3 sees them.
 %   leaves OutDir as it was. Its messages are informational
 %   refgrove(Lines).
 %
-%   @error syntax_error(refgrove_dump(File, Row, Column, Message)) when a
-%          dump does not parse.
-%   @error refgrove_io_error(Path, Reason) when an input cannot be read or
-%          the output cannot be written.
-%
 %   ==
 %   ?- refgrove_preproc('data/sample', '/tmp/sample').
 %   true.
 %   ==
+%
+%   @error syntax_error(refgrove_dump(File, Row, Column, Message)) when a
+%          dump does not parse.
+%   @error refgrove_io_error(Path, Reason) when an input cannot be read or
+%          the output cannot be written.
 
 %!  refgrove_load(+Dir) is det.
 %
 %   Loads the data directory Dir, replacing the data set loaded before.
 %   Threads querying meanwhile keep the set they started with.
 %
-%   @error existence_error(directory, Dir) or existence_error(file, File)
-%          when Dir or one of its four files is missing; the data set
-%          loaded before stays.
-%
 %   ==
 %   ?- refgrove_load('/tmp/sample').
 %   true.
 %   ==
+%
+%   @error existence_error(directory, Dir) or existence_error(file, File)
+%          when Dir or one of its four files is missing; the data set
+%          loaded before stays.
 
 %!  refgrove_has_word_info(+Did) is semidet.
 %
@@ -115,6 +111,9 @@ message_hook/3 sees them.
 %   ?- refgrove_has_word_info(150).
 %   true.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_has_graph_info(+Did) is semidet.
 %
@@ -125,6 +124,9 @@ message_hook/3 sees them.
 %   ?- refgrove_has_graph_info(146).
 %   true.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_printdoc(+Did) is det.
 %
@@ -142,6 +144,9 @@ message_hook/3 sees them.
 %   title: abstract:
 %   ...
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_print_author(+AuthorId) is det.
 %
@@ -151,6 +156,9 @@ message_hook/3 sees them.
 %   ?- refgrove_print_author(9).
 %   P. Erdős
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for AuthorId;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_last_did(?N) is semidet.
 %
@@ -161,6 +169,8 @@ message_hook/3 sees them.
 %   ?- refgrove_last_did(N).
 %   N = 151.
 %   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_document_count(?N) is semidet.
 %
@@ -170,6 +180,8 @@ message_hook/3 sees them.
 %   ?- refgrove_document_count(N).
 %   N = 33.
 %   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_nb_authors(?N) is semidet.
 %
@@ -180,6 +192,8 @@ message_hook/3 sees them.
 %   ?- refgrove_get_nb_authors(N).
 %   N = 21.
 %   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_stats(?Docs, ?Words, ?Authors) is semidet.
 %
@@ -190,6 +204,8 @@ message_hook/3 sees them.
 %   ?- refgrove_stats(D, W, A).
 %   D = 33, W = 539, A = 21.
 %   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_word_count(+Did, ?N) is semidet.
 %
@@ -200,6 +216,9 @@ message_hook/3 sees them.
 %   ?- refgrove_word_count(107, N).
 %   N = 96.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_title_length(+Did, ?N) is semidet.
 %
@@ -209,6 +228,9 @@ message_hook/3 sees them.
 %   ?- refgrove_title_length(107, N).
 %   N = 4.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_author_count(+Did, ?N) is semidet.
 %
@@ -218,6 +240,9 @@ message_hook/3 sees them.
 %   ?- refgrove_author_count(107, N).
 %   N = 3.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_cite_count(+Did, ?N) is semidet.
 %
@@ -227,6 +252,9 @@ message_hook/3 sees them.
 %   ?- refgrove_cite_count(107, N).
 %   N = 2.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_year(+Did, ?Year) is semidet.
 %
@@ -237,6 +265,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_year(107, Year).
 %   Year = 1995.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_author_id(+Did, +I, ?AuthorId) is semidet.
 %
@@ -247,6 +278,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_author_id(107, 0, Id).
 %   Id = 4.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_cite(+Did, +I, ?Cited, ?Gid) is semidet.
 %
@@ -257,6 +291,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_cite(107, 0, Cited, Gid).
 %   Cited = 101, Gid = 9101.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_key(+Did, ?Key) is semidet.
 %
@@ -267,6 +304,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_key(107, Key).
 %   Key = chen95.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_title_word(+Did, +I, ?Word) is semidet.
 %
@@ -276,6 +316,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_title_word(107, 3, Word).
 %   Word = 'Arrays'.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_word(+Did, +I, ?Word) is semidet.
 %
@@ -287,6 +330,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_word(101, 0, Word).
 %   Word = 'We'.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_author(+Did, +I, ?Name) is semidet.
 %
@@ -297,6 +343,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_author(107, 1, Name).
 %   Name = 'S. Gupta'.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_id2author(+AuthorId, ?Name) is semidet.
 %
@@ -308,6 +357,9 @@ message_hook/3 sees them.
 %   ?- refgrove_id2author(9, Name).
 %   Name = 'P. Erdős'.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for AuthorId;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_get_authors(+Did, ?AuthorIds) is det.
 %
@@ -319,6 +371,9 @@ message_hook/3 sees them.
 %   ?- refgrove_get_authors(107, Ids).
 %   Ids = [3, 6, 4].
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_author_distance(+A, +B, ?Distance) is semidet.
 %
@@ -328,6 +383,9 @@ message_hook/3 sees them.
 %   ?- refgrove_author_distance(1, 2, D).
 %   D = 0.0.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for A, B;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_document(?Did) is nondet.
 %
@@ -338,6 +396,9 @@ message_hook/3 sees them.
 %   ?- refgrove_document(150).
 %   true.
 %   ==
+%
+%   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_cites(?Citing, ?Cited) is nondet.
 %
@@ -351,6 +412,9 @@ message_hook/3 sees them.
 %   Citing = 119 ;
 %   Citing = 127.
 %   ==
+%
+%   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_key_did(?Key, ?Did) is nondet.
 %
@@ -361,6 +425,9 @@ message_hook/3 sees them.
 %   ?- refgrove_key_did(erdos97, Did).
 %   Did = 115.
 %   ==
+%
+%   @error type_error(integer, Did) or type_error(atom, Key) for an
+%          argument of the wrong kind; existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_author_document(?AuthorId, ?Did) is nondet.
 %
@@ -372,6 +439,9 @@ message_hook/3 sees them.
 %   ?- findall(D, refgrove_author_document(3, D), Ds).
 %   Ds = [104, 107, 110, 119, 130, 133, 140].
 %   ==
+%
+%   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_title(+Did, -Words) is semidet.
 %
@@ -381,6 +451,9 @@ message_hook/3 sees them.
 %   ?- refgrove_title(107, Words).
 %   Words = ['Memory', 'Efficient', 'Suffix', 'Arrays'].
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_abstract(+Did, -Words) is semidet.
 %
@@ -391,6 +464,9 @@ message_hook/3 sees them.
 %   ?- refgrove_abstract(107, [First|_]).
 %   First = 'Suffix'.
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_authors(+Did, -Names) is semidet.
 %
@@ -401,6 +477,9 @@ message_hook/3 sees them.
 %   ?- refgrove_authors(115, Names).
 %   Names = ['P. Erdős', 'A. Rényi'].
 %   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_author_named(+Name, ?AuthorId) is nondet.
 %
@@ -412,6 +491,10 @@ message_hook/3 sees them.
 %   ?- refgrove_author_named('a. lee', Id).
 %   Id = 3.
 %   ==
+%
+%   @error instantiation_error if Name is unbound; type_error(atom, Name)
+%          if it is no text; type_error(integer, AuthorId);
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_author_prefix(+Prefix, ?AuthorId) is nondet.
 %
@@ -423,6 +506,10 @@ message_hook/3 sees them.
 %   ?- findall(Name, (refgrove_author_prefix('p. e', Id), refgrove_id2author(Id, Name)), Names).
 %   Names = ['P. Eades', 'P. Erdős'].
 %   ==
+%
+%   @error instantiation_error if Prefix is unbound; type_error(atom, Prefix)
+%          if it is no text; type_error(integer, AuthorId);
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 :- multifile prolog:message//1.
 
