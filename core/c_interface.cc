@@ -52,6 +52,19 @@ int refgrove_get_author_doc_1(int author_id, int i, int* did) {
 int refgrove_key_doc_count_1(const char* key, int* out) { return refgrove::key_doc_count(loaded(), key, out); }
 int refgrove_get_key_doc_1(const char* key, int i, int* did) { return refgrove::get_key_doc(loaded(), key, i, did); }
 
+int refgrove_author_named_count_1(const char* name, int* out) {
+  return refgrove::author_named_count(loaded(), name, out);
+}
+int refgrove_get_author_named_1(const char* name, int i, int* author_id) {
+  return refgrove::get_author_named(loaded(), name, i, author_id);
+}
+int refgrove_author_prefix_count_1(const char* prefix, int* out) {
+  return refgrove::author_prefix_count(loaded(), prefix, out);
+}
+int refgrove_get_author_prefix_1(const char* prefix, int i, int* author_id) {
+  return refgrove::get_author_prefix(loaded(), prefix, i, author_id);
+}
+
 int refgrove_id2author_1(int author_id, const char** out) { return refgrove::id2author(loaded(), author_id, out); }
 int refgrove_get_nb_authors_1(void) { return refgrove::get_nb_authors(loaded()); }
 void refgrove_stats_1(int* docs, int* words, int* authors) { refgrove::stats(refgrove_data, docs, words, authors); }

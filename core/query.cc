@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <span>
 
+#include "core/author_names.h"
 #include "core/data_view.h"
 #include "core/lookup.h"
 
@@ -44,6 +45,21 @@ int give_did_at(const RefgroveData& d, std::span<const std::int32_t> at, int i, 
 std::span<const std::int32_t> key_docs(const RefgroveData& d, const char* key) {
   if (key == nullptr) return {};
   return d.key_docs().find(*d.graph, key);
+}
+
+const AuthorNameIndex& author_names(const RefgroveData& d) {
+  return d.derived().get<AuthorNameIndex>([&] { return AuthorNameIndex(*d.graph); });
+}
+
+// A null name, or prefix, matches no author.
+std::span<const std::int32_t> authors_named(const RefgroveData& d, const char* name) {
+  if (name == nullptr) return {};
+  return author_names(d).named(*d.graph, name);
+}
+
+std::span<const std::int32_t> authors_with_prefix(const RefgroveData& d, const char* prefix) {
+  if (prefix == nullptr) return {};
+  return author_names(d).with_prefix(*d.graph, prefix);
 }
 
 // The byte range of `did`'s abstract in "word-data": from its header's
@@ -186,6 +202,22 @@ int key_doc_count(const RefgroveData& d, const char* key, int* out) { return giv
 
 int get_key_doc(const RefgroveData& d, const char* key, int i, int* did) {
   return give_did_at(d, key_docs(d, key), i, did);
+}
+
+int author_named_count(const RefgroveData& d, const char* name, int* out) {
+  return give_count(authors_named(d, name).size(), out);
+}
+
+int get_author_named(const RefgroveData& d, const char* name, int i, int* author_id) {
+  return give_item(authors_named(d, name), i, author_id);
+}
+
+int author_prefix_count(const RefgroveData& d, const char* prefix, int* out) {
+  return give_count(authors_with_prefix(d, prefix).size(), out);
+}
+
+int get_author_prefix(const RefgroveData& d, const char* prefix, int i, int* author_id) {
+  return give_item(authors_with_prefix(d, prefix), i, author_id);
 }
 
 int abstract_length(const RefgroveData& d, int did, int* out) {

@@ -79,6 +79,15 @@ REFGROVE_VISIBLE int refgrove_get_author_doc_1(int author_id, int i, int* did);
 REFGROVE_VISIBLE int refgrove_key_doc_count_1(const char* key, int* out);
 REFGROVE_VISIBLE int refgrove_get_key_doc_1(const char* key, int i, int* did);
 
+/* Author ids by name, ASCII letters compared ignoring case: those named
+ * `name`, by ascending id; those whose name starts with `prefix`, by name
+ * (the empty prefix gives every author). Same conventions as the reverse
+ * lookups above. */
+REFGROVE_VISIBLE int refgrove_author_named_count_1(const char* name, int* out);
+REFGROVE_VISIBLE int refgrove_get_author_named_1(const char* name, int i, int* author_id);
+REFGROVE_VISIBLE int refgrove_author_prefix_count_1(const char* prefix, int* out);
+REFGROVE_VISIBLE int refgrove_get_author_prefix_1(const char* prefix, int i, int* author_id);
+
 /* Authors and the whole data set. */
 REFGROVE_VISIBLE int refgrove_id2author_1(int author_id, const char** out);
 REFGROVE_VISIBLE int refgrove_get_nb_authors_1(void);

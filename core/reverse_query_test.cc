@@ -168,6 +168,48 @@ TEST_F(ReverseQueryTest, NothingLoadedThenReload) {
   EXPECT_EQ(author_docs(2), (std::vector<int>{2, 9}));
 }
 
+// Author ids by name: case folded for ASCII letters only, exact names by
+// id, prefixes by name; the ids of names that differ only in case are
+// found together.
+TEST_F(ReverseQueryTest, AuthorsByNameIgnoringCase) {
+  DataDirBuilder docs;
+  docs.add({1, "a", 1990, {}, {}, {"E. Witten", "P. Erdős", "E. WITTEN"}, {}, true, false});
+  docs.add({2, "b", 1991, {}, {}, {"e. wittenberg", "Ann", ""}, {}, true, false});
+  load(docs);
+  std::map<std::string, int> id;
+  const char* name = nullptr;
+  for (int author = 0; refgrove_id2author_1(author, &name); ++author) id[name] = author;
+  const auto named = [](const char* text) {
+    return listed([&](int* n) { return refgrove_author_named_count_1(text, n); },
+                  [&](int i, int* out) { return refgrove_get_author_named_1(text, i, out); });
+  };
+  const auto with_prefix = [](const char* text) {
+    return listed([&](int* n) { return refgrove_author_prefix_count_1(text, n); },
+                  [&](int i, int* out) { return refgrove_get_author_prefix_1(text, i, out); });
+  };
+  const int witten = id["E. Witten"], upper = id["E. WITTEN"], berg = id["e. wittenberg"];
+  const struct {
+    const char* text;
+    std::vector<int> named, with_prefix;
+  } cases[] = {
+      {"e. witten", {witten, upper}, {witten, upper, berg}},
+      {"E. Witten", {witten, upper}, {witten, upper, berg}},
+      {"E. Witte", {}, {witten, upper, berg}},
+      {"p. erdős", {id["P. Erdős"]}, {id["P. Erdős"]}},
+      {"P. ERDŐS", {}, {}},  // only ASCII letters are folded
+      {"p. erd\xC5", {}, {id["P. Erdős"]}},  // a prefix ending within a character
+      {"ann", {id["Ann"]}, {id["Ann"]}},
+      {"", {id[""]}, {id[""], id["Ann"], witten, upper, berg, id["P. Erdős"]}},
+      {"zz", {}, {}},
+      {nullptr, {}, {}},
+  };
+  for (const auto& c : cases) {
+    const std::string shown = c.text == nullptr ? "(null)" : c.text;
+    EXPECT_EQ(named(c.text), c.named) << shown;
+    EXPECT_EQ(with_prefix(c.text), c.with_prefix) << shown;
+  }
+}
+
 std::vector<std::string> abstract_of(int did) {
   int n = kUntouched;
   const int found = refgrove_abstract_length_1(did, &n);

@@ -48,7 +48,8 @@ TEST_F(ModuleTest, ExportsItsCInterfaceAndNothingElse) {
                          "get_author", "get_authors", "word_count", "get_word", "id2author", "get_nb_authors",
                          "stats", "author_distance", "printdoc", "print_author", "abstract_length",
                          "get_abstract_word", "cited_by_count", "get_cited_by", "author_doc_count", "get_author_doc",
-                         "key_doc_count", "get_key_doc"}) {
+                         "key_doc_count", "get_key_doc", "author_named_count", "get_author_named",
+                         "author_prefix_count", "get_author_prefix"}) {
     fn<void>("refgrove_" + std::string(op) + "_1");
   }
 }
@@ -97,6 +98,8 @@ TEST_F(ModuleTest, EachCallShapeAnswers) {
   EXPECT_EQ(n, 2);
   EXPECT_EQ(fn<int(const char*, int, int*)>("refgrove_get_key_doc_1")("doe01", 0, &n), 1);
   EXPECT_EQ(n, 9);
+  EXPECT_EQ(fn<int(const char*, int, int*)>("refgrove_get_author_named_1")("j. SMITH", 0, &n), 1);
+  EXPECT_EQ(n, 0);
   EXPECT_EQ(fn<int(int, int, const char**)>("refgrove_get_abstract_word_1")(9, 1, &text), 1);
   EXPECT_STREQ(text, "walks");
   testing::internal::CaptureStdout();

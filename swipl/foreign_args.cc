@@ -16,10 +16,16 @@ bool read_int(term_t t, int* value) {
   return true;
 }
 
-// Raises error(Formal, _) for the built formal term.
-bool raise_formal(term_t formal) {
+// Raises error(Formal, Context) for the built formal term; Context is
+// context(Predicate/Arity, _) when a predicate is named, else unbound.
+bool raise_formal(term_t formal, const char* predicate = nullptr, int arity = 0) {
+  const term_t context = PL_new_term_ref();
+  if (predicate != nullptr && !PL_unify_term(context, PL_FUNCTOR_CHARS, "context", 2, PL_FUNCTOR_CHARS, "/", 2,
+                                             PL_CHARS, predicate, PL_INT, arity, PL_VARIABLE)) {
+    return false;
+  }
   const term_t error = PL_new_term_ref();
-  return PL_unify_term(error, PL_FUNCTOR_CHARS, "error", 2, PL_TERM, formal, PL_VARIABLE) &&
+  return PL_unify_term(error, PL_FUNCTOR_CHARS, "error", 2, PL_TERM, formal, PL_TERM, context) &&
          PL_raise_exception(error);
 }
 
@@ -55,12 +61,12 @@ bool check_optional_text(term_t t, bool* bound) {
   return !*bound || PL_is_atom(t) || PL_is_string(t) || PL_type_error("atom", t);
 }
 
-bool raise_existence_error(const char* type, const std::string& name) {
+bool raise_existence_error(const char* type, const std::string& name, const char* predicate, int arity) {
   const term_t culprit = PL_new_term_ref();
   const term_t formal = PL_new_term_ref();
   return put_atom(culprit, name) &&
          PL_unify_term(formal, PL_FUNCTOR_CHARS, "existence_error", 2, PL_CHARS, type, PL_TERM, culprit) &&
-         raise_formal(formal);
+         raise_formal(formal, predicate, arity);
 }
 
 bool raise_error(const char* functor, std::initializer_list<std::string> texts) {

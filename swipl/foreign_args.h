@@ -27,8 +27,10 @@ bool get_path_input(term_t t, std::string* path);
 // A key: an atom or string, or unbound (*bound false).
 bool check_optional_text(term_t t, bool* bound);
 
-// error(existence_error(Type, Culprit), _) with Culprit the atom `name`.
-bool raise_existence_error(const char* type, const std::string& name);
+// error(existence_error(Type, Culprit), Context) with Culprit the atom
+// `name`; Context is context(Predicate/Arity, _) when `predicate` is given.
+bool raise_existence_error(const char* type, const std::string& name, const char* predicate = nullptr,
+                           int arity = 0);
 
 // error(Formal, _) with Formal = Functor(Text...), every text an atom.
 bool raise_error(const char* functor, std::initializer_list<std::string> texts);

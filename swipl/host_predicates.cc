@@ -62,10 +62,8 @@ foreign_t hello(term_t, int, control_t) { return write_to(Scurrent_output, "init
 foreign_t printdoc_pred(term_t args, int, control_t) {
   int did = 0;
   if (!get_int_input(args, &did)) return false;
-  const DataSetPtr& set = library_slot().current();
-  if (!set) return true;
   std::ostringstream out, err;
-  printdoc(*set, did, out, err);
+  printdoc(current_data(), did, out, err);
   return write_to(Scurrent_output, out.str()) && write_to(Suser_error, err.str());
 }
 
@@ -85,7 +83,7 @@ foreign_t last_did_pred(term_t args, int, control_t) {
 
 foreign_t stats_pred(term_t args, int arity, control_t) {
   int docs = 0, words = 0, authors = 0;
-  stats(library_slot().current().get(), &docs, &words, &authors);
+  stats(&current_data(), &docs, &words, &authors);
   if (arity == 1) return PL_unify_integer(args, docs);  // refgrove_document_count/1
   return PL_unify_integer(args, docs) && PL_unify_integer(args + 1, words) && PL_unify_integer(args + 2, authors);
 }

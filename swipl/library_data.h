@@ -24,11 +24,17 @@ namespace refgrove::swipl {
 
 DataSetSlot& library_slot();
 
-// The set to query: the published one, or the empty set before any load.
-inline const RefgroveData& current_data() {
+// Thrown by a query before any load; guarded() raises it as
+// error(existence_error(refgrove_data_set, loaded), _).
+struct NoDataSetLoaded {};
+
+// The set to query: the published one.
+inline const DataSetPtr& loaded_set() {
   const DataSetPtr& set = library_slot().current();
-  return set ? *set : RefgroveData::empty();
+  if (!set) throw NoDataSetLoaded{};
+  return set;
 }
+inline const RefgroveData& current_data() { return *loaded_set(); }
 
 // Every foreign predicate has the variadic signature: its arguments are
 // the `arity` term references from `args` on.
@@ -40,6 +46,8 @@ template <ForeignFunction function>
 foreign_t guarded(term_t args, int arity, control_t control) noexcept {
   try {
     return function(args, arity, control);
+  } catch (const NoDataSetLoaded&) {
+    return raise_existence_error("refgrove_data_set", "loaded");
   } catch (const std::bad_alloc&) {
     return PL_resource_error("memory");
   } catch (const std::exception& e) {

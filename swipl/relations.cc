@@ -5,7 +5,8 @@
 // An enumeration is a Walk: the data set it reads (held across redos, so
 // that a load in between cannot free it), a position, and a step function
 // that produces the next (a, b) pair. The driver looks one solution ahead,
-// so that the last one leaves no choice point.
+// skipping pairs that a bound argument rules out, so that the last
+// solution leaves no choice point.
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -31,9 +32,27 @@ using Step = bool (*)(Walk& walk, Pair* next);
 // Unifies the predicate's arguments with a solution.
 using Bind = bool (*)(const Walk& walk, term_t args, const Pair& solution);
 
+// A bound integer argument that every solution must match; one beyond the
+// int range matches none.
+struct Wanted {
+  bool bound = false;
+  bool in_range = true;
+  int value = 0;
+  bool admits(int v) const { return !bound || (in_range && v == value); }
+};
+
+// Reads an argument that is either an input or an output.
+bool get_wanted(term_t t, Wanted* wanted) {
+  if (!get_optional_int(t, &wanted->bound, &wanted->value)) return false;
+  int exact = 0;
+  wanted->in_range = !wanted->bound || PL_get_integer(t, &exact);
+  return true;
+}
+
 struct Walk {
-  DataSetPtr set;  // null before any load
+  DataSetPtr set;
   Step step = nullptr;
+  Wanted want_a, want_b;  // the integer arguments, when bound
   int fixed = 0;   // the bound argument the walk follows, when there is one
   int outer = 0;   // DID (or author id) reached
   int inner = 0;   // position within its list
@@ -42,7 +61,15 @@ struct Walk {
   bool has_next = false;
   Pair next;
 
-  const RefgroveData& data() const { return set ? *set : RefgroveData::empty(); }
+  const RefgroveData& data() const { return *set; }
+
+  // The next pair that the bound arguments admit.
+  bool advance() {
+    while (step(*this, &next)) {
+      if (want_a.admits(next.a) && want_b.admits(next.b)) return true;
+    }
+    return false;
+  }
 };
 
 int document_limit(const RefgroveData& d) {
@@ -161,6 +188,8 @@ bool step_all_authorships(Walk& w, Pair* next) {
 
 bool bind_first(const Walk&, term_t args, const Pair& s) { return PL_unify_integer(args, s.a); }
 
+bool bind_second(const Walk&, term_t args, const Pair& s) { return PL_unify_integer(args + 1, s.b); }
+
 bool bind_both(const Walk&, term_t args, const Pair& s) {
   return PL_unify_integer(args, s.a) && PL_unify_integer(args + 1, s.b);
 }
@@ -182,9 +211,9 @@ foreign_t enumerate(term_t args, int, control_t control) {
   switch (PL_foreign_control(control)) {
     case PL_FIRST_CALL: {
       auto fresh = std::make_unique<Walk>();
-      fresh->set = library_slot().current();
+      fresh->set = loaded_set();
       if (!start(args, *fresh)) return false;
-      fresh->has_next = fresh->step(*fresh, &fresh->next);
+      fresh->has_next = fresh->advance();
       walk = fresh.release();
       break;
     }
@@ -198,7 +227,7 @@ foreign_t enumerate(term_t args, int, control_t control) {
   std::unique_ptr<Walk> owned(walk);
   while (walk->has_next) {
     const Pair solution = walk->next;
-    walk->has_next = walk->step(*walk, &walk->next);
+    walk->has_next = walk->advance();
     // A solution that does not unify is undone before the next is tried.
     const fid_t frame = PL_open_foreign_frame();
     const bool bound = bind(*walk, args, solution);
@@ -225,20 +254,15 @@ bool start_documents(term_t args, Walk& w) {
 }
 
 bool start_cites(term_t args, Walk& w) {
-  bool citing_bound = false, cited_bound = false;
-  int citing = 0, cited = 0;
-  if (!get_optional_int(args, &citing_bound, &citing) || !get_optional_int(args + 1, &cited_bound, &cited)) {
-    return false;
-  }
-  w.fixed = citing_bound ? citing : cited;
-  w.step = citing_bound ? step_cites_of : cited_bound ? step_cited_by : step_all_cites;
+  if (!get_wanted(args, &w.want_a) || !get_wanted(args + 1, &w.want_b)) return false;
+  w.fixed = w.want_a.bound ? w.want_a.value : w.want_b.value;
+  w.step = w.want_a.bound ? step_cites_of : w.want_b.bound ? step_cited_by : step_all_cites;
   return true;
 }
 
 bool start_key_did(term_t args, Walk& w) {
-  bool key_bound = false, did_bound = false;
-  int did = 0;
-  if (!check_optional_text(args, &key_bound) || !get_optional_int(args + 1, &did_bound, &did)) return false;
+  bool key_bound = false;
+  if (!check_optional_text(args, &key_bound) || !get_wanted(args + 1, &w.want_b)) return false;
   w.step = step_items;
   w.key_given = key_bound;
   if (key_bound) {
@@ -248,8 +272,8 @@ bool start_key_did(term_t args, Walk& w) {
       for (int i = 0; get_key_doc(d, key.c_str(), i, &doc); ++i) w.items.push_back(doc);
     }
     std::sort(w.items.begin(), w.items.end());
-  } else if (did_bound) {
-    w.items = {did};
+  } else if (w.want_b.bound) {
+    w.items = {w.want_b.value};
   } else {
     w.step = step_all_keys;
   }
@@ -257,13 +281,26 @@ bool start_key_did(term_t args, Walk& w) {
 }
 
 bool start_author_document(term_t args, Walk& w) {
-  bool author_bound = false, did_bound = false;
-  int author_id = 0, did = 0;
-  if (!get_optional_int(args, &author_bound, &author_id) || !get_optional_int(args + 1, &did_bound, &did)) {
-    return false;
+  if (!get_wanted(args, &w.want_a) || !get_wanted(args + 1, &w.want_b)) return false;
+  w.fixed = w.want_a.bound ? w.want_a.value : w.want_b.value;
+  w.step = w.want_a.bound ? step_author_docs : w.want_b.bound ? step_doc_authors : step_all_authorships;
+  return true;
+}
+
+using AuthorByName = int (*)(const RefgroveData& d, const char* text, int i, int* author_id);
+
+// refgrove_author_named/2 and refgrove_author_prefix/2: the author ids that
+// `get` finds for the name given, in its order.
+template <AuthorByName get>
+bool start_author_by_name(term_t args, Walk& w) {
+  bool name_bound = false;
+  if (!check_optional_text(args, &name_bound) || !get_wanted(args + 1, &w.want_b)) return false;
+  if (!name_bound) return PL_instantiation_error(args);
+  w.step = step_items;
+  for (const std::string& name : stored_forms(args)) {
+    int id = 0;
+    for (int i = 0; get(w.data(), name.c_str(), i, &id); ++i) w.items.push_back(id);
   }
-  w.fixed = author_bound ? author_id : did;
-  w.step = author_bound ? step_author_docs : did_bound ? step_doc_authors : step_all_authorships;
   return true;
 }
 
@@ -295,6 +332,8 @@ constexpr ForeignPredicate kPredicates[] = {
     {"refgrove_cites", 2, guarded<enumerate<start_cites, bind_both>>, true},
     {"refgrove_key_did", 2, guarded<enumerate<start_key_did, bind_key>>, true},
     {"refgrove_author_document", 2, guarded<enumerate<start_author_document, bind_both>>, true},
+    {"refgrove_author_named", 2, guarded<enumerate<start_author_by_name<get_author_named>, bind_second>>, true},
+    {"refgrove_author_prefix", 2, guarded<enumerate<start_author_by_name<get_author_prefix>, bind_second>>, true},
     {"refgrove_title", 2, guarded<text_list<title_length, get_title_word>>, false},
     {"refgrove_abstract", 2, guarded<text_list<abstract_size, get_abstract_word>>, false},
     {"refgrove_authors", 2, guarded<text_list<author_count, get_author>>, false},

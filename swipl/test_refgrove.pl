@@ -55,6 +55,42 @@ write_dumps(Prefix, Graph, Words) :-
 cleanup_all :-
     forall(retract(data_dir(Dir)), remove_prefix(Dir)).
 
+:- begin_tests(refgrove_before_load).
+
+% Runs first: nothing is loaded yet, and every query says so.
+test(queries_need_a_data_set, Answered == []) :-
+    findall(G-E, ( member(G, [ refgrove_get_year(107, _), refgrove_printdoc(107), refgrove_print_author(1),
+                              refgrove_stats(_, _, _), refgrove_last_did(_), refgrove_has_word_info(1),
+                              refgrove_cites(_, _), refgrove_document(_), refgrove_title(107, _),
+                              refgrove_author_named('a. lee', _) ]),
+                   catch((G, E = answered), E, true),
+                   E \= error(existence_error(refgrove_data_set, loaded), _) ), Answered),
+    catch(refgrove_get_year(107, _), Error, true),
+    message_text(Error, Message),
+    assertion(Message == "refgrove: no data set is loaded (load one with refgrove_load/1)").
+
+:- end_tests(refgrove_before_load).
+
+% The text print_message/2 prints for Error, without its line end.
+message_text(Error, Message) :-
+    '$messages':translate_message(Error, Lines, []),
+    with_output_to(string(Text), print_message_lines(current_output, '', Lines)),
+    split_string(Text, "", "\n", [Message]).
+
+:- begin_tests(refgrove_documentation).
+
+% help/1 shows the mode line of every exported predicate: "name(" or, for
+% arity 0, "name is".
+test(help_knows_every_predicate, Undocumented == []) :-
+    module_property(refgrove, exports(Exports)),
+    findall(Name/Arity, ( member(Name/Arity, Exports),
+                          ( Arity =:= 0 -> After = " is" ; After = "(" ),
+                          atom_concat(Name, After, ModeLine),
+                          with_output_to(string(Help), help(Name/Arity)),
+                          \+ sub_string(Help, _, _, _, ModeLine) ), Undocumented).
+
+:- end_tests(refgrove_documentation).
+
 :- begin_tests(refgrove_answers, [setup(load_sample)]).
 
 % The host predicates on the sample: each row must succeed as written.
@@ -91,6 +127,11 @@ answer(refgrove_author_document(9, 115)).
 answer(refgrove_cites(107, 105)).
 answer(refgrove_document(150)).
 answer(refgrove_document(146)).
+answer(findall(A, refgrove_author_named('a. lee', A), [3])).
+answer(findall(A, refgrove_author_named("A. LEE", A), [3])).
+answer(findall(A, refgrove_author_named('P. Erdős', A), [9])).
+answer(findall(N, (refgrove_author_prefix('p. e', A), refgrove_id2author(A, N)), ['P. Eades', 'P. Erdős'])).
+answer(refgrove_author_prefix('', 0)).
 
 % Absent documents and items, and bound outputs that differ.
 no_answer(refgrove_get_year(999, _)).
@@ -123,6 +164,11 @@ no_answer(refgrove_cites(_, 999)).
 no_answer(refgrove_cites(107, 110)).
 no_answer(refgrove_key_did(chen95, 108)).
 no_answer(refgrove_author_document(21, _)).
+no_answer(refgrove_author_named('a. le', _)).
+no_answer(refgrove_author_named('P. ERDŐS', _)).
+no_answer(refgrove_author_named('a. lee', 4)).
+no_answer(refgrove_author_prefix('zz', _)).
+no_answer(refgrove_cites(107, 100000000000000000000)).
 
 test(answers, Failed == []) :-
     findall(G, (answer(G), \+ once(G)), Failed).
@@ -210,6 +256,21 @@ test(authorship_both_ways) :-
              findall(D, refgrove_author_document(A, D), Got),
              assertion(Got-A == Dids-A) )).
 
+% With every argument bound, a relation answers at most once and leaves no
+% choice point, whatever the order of the solutions it passes over.
+test(bound_arguments_are_deterministic, Open == []) :-
+    findall(G, ( member(G, [ refgrove_cites(119, 110), refgrove_cites(119, 115), refgrove_author_document(3, 107),
+                             refgrove_author_document(3, 104), refgrove_key_did(chen95, 107),
+                             refgrove_author_named('a. lee', 3), refgrove_author_prefix('a. ', 3),
+                             refgrove_document(115) ]),
+                 \+ answers_deterministically(G) ), Open).
+
+% (deterministic/1 as the last call would see the frame of the caller.)
+answers_deterministically(Goal) :-
+    call(Goal),
+    deterministic(Det),
+    Det == true.
+
 % The last solution leaves no choice point behind.
 test(last_solution_is_deterministic, Open == []) :-
     findall(G, ( member(G, [ refgrove_cites(115, _), refgrove_cites(107, _), refgrove_cites(_, 115),
@@ -234,27 +295,44 @@ test(atom_printdoc, error(type_error(integer, abc))) :- refgrove_printdoc(abc).
 test(atom_citing, error(type_error(integer, x))) :- refgrove_cites(x, _).
 test(atom_cited, error(type_error(integer, x))) :- refgrove_cites(_, x).
 test(atom_author, error(type_error(integer, x))) :- refgrove_author_document(x, _).
+test(unbound_name, error(instantiation_error)) :- refgrove_author_named(_, _).
+test(integer_prefix, error(type_error(atom, 1))) :- refgrove_author_prefix(1, _).
 test(integer_key, error(type_error(atom, 1))) :- refgrove_key_did(1, _).
 test(integer_path, error(type_error(atom, 123))) :- refgrove_load(123).
 test(compound_path, error(type_error(atom, f(x)))) :- refgrove_preproc(f(x), 'out/').
 
-test(missing_directory_keeps_data,
-     [error(existence_error(directory, '/nonexistent/refgrove')), cleanup(check_sample_loaded)]) :-
-    refgrove_load('/nonexistent/refgrove/').
+test(missing_directory_keeps_data, [setup(temp_prefix(Dir)), cleanup((remove_prefix(Dir), check_sample_loaded))]) :-
+    atom_concat(Dir, none, Missing),
+    catch(refgrove_load(Missing), E, true),
+    assertion(E = error(existence_error(directory, Missing), _)),
+    message_text(E, Message),
+    format(string(Expected), "directory ~w does not exist", [Missing]),
+    assertion(Message == Expected).
 
 test(missing_files_keep_data, [setup(temp_prefix(Empty)), cleanup((remove_prefix(Empty), check_sample_loaded))]) :-
-    atom_concat(Empty, graph_data, Missing),
+    atom_concat(Empty, 'word-table', Missing),
     catch(refgrove_load(Empty), E, true),
     assertion(E = error(existence_error(file, Missing), _)).
 
 check_sample_loaded :- assertion(refgrove_stats(33, 539, 21)).
 
-test(missing_dumps, [error(refgrove_io_error(_, _)), setup(temp_prefix(Out)), cleanup(remove_prefix(Out))]) :-
-    refgrove_preproc('/nonexistent/refgrove/', Out).
+% Each path is named once in the message.
+test(missing_dumps, [setup(temp_prefix(Out)), cleanup(remove_prefix(Out))]) :-
+    atom_concat(Out, none, In),
+    catch(refgrove_preproc(In, Out), E, true),
+    assertion(E = error(refgrove_io_error(In, 'No such file or directory'), _)),
+    message_text(E, Message),
+    format(string(Expected), "~w: No such file or directory", [In]),
+    assertion(Message == Expected).
 
-test(unwritable_output, error(refgrove_io_error('/nonexistent/refgrove', _))) :-
+% The output's parent is a file: the output cannot be made.
+test(unwritable_output, [setup(temp_prefix(Dir)), cleanup(remove_prefix(Dir))]) :-
+    atom_concat(Dir, file, File),
+    setup_call_cleanup(open(File, write, S), true, close(S)),
+    atom_concat(File, '/out', Out),
     sample_dir(In),
-    silently(refgrove_preproc(In, '/nonexistent/refgrove/')).
+    catch(silently(refgrove_preproc(In, Out)), E, true),
+    assertion(E = error(refgrove_io_error(File, _), _)).
 
 test(dump_that_does_not_parse,
      [ setup((temp_prefix(In), temp_prefix(Out))), cleanup((remove_prefix(In), remove_prefix(Out))) ]) :-
@@ -270,6 +348,46 @@ test(dump_that_does_not_parse,
 :- end_tests(refgrove_errors).
 
 :- begin_tests(refgrove_loading, [setup(load_sample), cleanup(load_sample)]).
+
+% The output directory is made, parents and all; directories may be given
+% without their "/".
+test(directories_without_slash_made_when_missing, [setup(temp_prefix(Dir)), cleanup(remove_prefix(Dir))]) :-
+    sample_dir(In0),
+    atom_concat(In, '/', In0),
+    atom_concat(Dir, 'new/out', Out),
+    silently(refgrove_preproc(In, Out)),
+    silently(refgrove_load(Out)),
+    assertion(refgrove_stats(33, 539, 21)).
+
+% `refgrove check` finds a directory whole whichever face wrote it last,
+% and still tells files of two runs apart.
+test(check_agrees_across_faces, [condition(getenv('REFGROVE_TOOL', _)), setup(temp_prefix(Dir)),
+                                 cleanup(remove_prefix(Dir))]) :-
+    getenv('REFGROVE_TOOL', Tool),
+    sample_dir(In),
+    atom_concat(Dir, out, Out),
+    atom_concat(Dir, other, Other),
+    tool_status(Tool, [preprocess, In, Out], 0),
+    silently(refgrove_preproc(In, Out)),
+    tool_status(Tool, [check, Out], 0),
+    silently(refgrove_preproc(In, Other)),
+    tool_status(Tool, [preprocess, In, Out], 0),
+    tool_status(Tool, [check, Out], 0),
+    write_dumps(Dir, `1 one 2000 GIDs: DIDs: Title: T Authors: A\n`, `1 one word\n`),
+    silently(refgrove_preproc(Dir, Other)),
+    atom_concat(Other, '/graph_data', From),
+    atom_concat(Out, '/graph_data', To),
+    copy_file(From, To),
+    tool_status(Tool, [check, Out], 1).
+
+:- use_module(library(process)).
+
+% The tool carries its own sanitizer runtime, if any: swipl's preloaded one
+% is not passed on.
+tool_status(Tool, Args, Status) :-
+    process_create(Tool, Args, [stdout(null), stderr(null), environment(['LD_PRELOAD'='']), process(Pid)]),
+    process_wait(Pid, exit(Actual)),
+    assertion(Actual-Args == Status-Args).
 
 :- multifile user:message_hook/3.
 user:message_hook(refgrove(Lines), informational, _) :-

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "core/validate.h"
+#include "preproc/manifest.h"
 #include "tools/commands.h"
-#include "tools/manifest.h"
 #include "tools/tool_support.h"
 
 namespace {
@@ -23,8 +23,9 @@ const char kHelp[] =
     "ids outside their tables, graph records out of DID order. Each line names\n"
     "the file and the byte offset of the fault. At most 10 findings of one\n"
     "kind are listed, then their number. When DIR holds refgrove-manifest.json\n"
-    "(written by refgrove preprocess), the files' sizes and checksums are\n"
-    "compared with it: a file that differs comes from another run.\n"
+    "(written by refgrove preprocess and by refgrove_preproc/2 of the\n"
+    "SWI-Prolog library), the files' sizes and checksums are compared with it:\n"
+    "a file that differs comes from another run.\n"
     "\n"
     "Exit status: 0 when nothing was found, 1 when something was, 2 on a usage\n"
     "error.";
@@ -32,7 +33,9 @@ const char kHelp[] =
 int check_dir(const std::string& dir_arg, std::ostream& out) {
   const std::string dir = as_dir(dir_arg);
   std::vector<Finding> findings = validate_data_dir(dir);
-  for (Finding& f : manifest_findings(dir)) findings.push_back(std::move(f));
+  for (ManifestMismatch& m : manifest_mismatches(dir)) {
+    findings.push_back(Finding{std::move(m.file), -1, std::move(m.message)});
+  }
   for (const Finding& f : findings) out << dir << f.text() << "\n";
   if (findings.empty()) {
     out << dir << ": no problems found.\n";

@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "preproc/manifest.h"
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
 #include "tools/tool_test_util.h"
-#include "tools/manifest.h"
 
 namespace {
 
@@ -45,7 +45,7 @@ TEST(CheckCommandTest, FilesFromAnotherRunAreFound) {
   DataDirBuilder().add({7, "", -1, {}, {"graphs"}, {"A. Lee"}, {"one", "two"}, true, true}).write(dir.path());
   DataDirBuilder().add({7, "", -1, {}, {"graphs"}, {"B. Lee"}, {"one", "two"}, true, true}).write(other.path());
   std::string error;
-  ASSERT_TRUE(write_manifest(dir.path(), dir.path() + kManifestFile, &error)) << error;
+  ASSERT_TRUE(write_manifest(dir.path(), dir.path() + kManifestFile, "test", &error)) << error;
   write_file(dir.path() + "graph_data", read_file(other.path() + "graph_data"));
   const ToolRun r = check({dir.path()});
   EXPECT_EQ(r.status, 1);

@@ -71,6 +71,13 @@ TEST(DataCommandsTest, Commands) {
       {{"cited-by", "DATA", "2", "3", "1"}, 1, "2\t3\n1\t2\n1\t3\n", "refgrove cited-by: no document cites 3\n"},
       {{"author-docs", "DATA", "1"}, 0, "2\n3\n"},
       {{"author-docs", "DATA", "7"}, 1, "", "refgrove author-docs: no document by author 7\n"},
+      // Authors by name, ignoring case, or by the start of their name; one
+      // name per --name, wherever it stands.
+      {{"author-docs", "DATA", "--name", "b. RAY"}, 0, "2\n3\n"},
+      {{"author-docs", "--name", "B*", "DATA"}, 0, "2\n3\n"},
+      {{"author-docs", "--name", "b. ray", "DATA", "1"}, 0, "1\t2\n1\t3\n1\t2\n1\t3\n"},
+      {{"author-docs", "DATA", "--name", "nobody"}, 1, "", "refgrove author-docs: no author named nobody\n"},
+      {{"author-docs", "DATA"}, 2},
       {{"key-docs", "DATA", "ray01", "lee98"}, 0, "ray01\t3\nlee98\t1\n"},
       {{"key-docs", "DATA", "-"}, 1, "", "refgrove key-docs: no document with key -\n"},
       {{"--version"}, 0, "refgrove " REFGROVE_VERSION "\n"},

@@ -1,12 +1,13 @@
 // The subcommands over the reverse lookups: `cited-by` (the records citing
-// a document), `author-docs` (an author's documents) and `key-docs` (the
-// documents with a key). Each prints one DID per line; with several
-// arguments each line starts with its argument and a tab, as grep names the
-// file when it reads several.
+// a document), `author-docs` (an author's documents, the authors given by id
+// or by --name) and `key-docs` (the documents with a key). Each prints one
+// DID per line; with several arguments each line starts with its argument
+// and a tab, as grep names the file when it reads several.
 #include <CLI/CLI.hpp>
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "tools/commands.h"
@@ -30,12 +31,34 @@ struct Lookup {
 int as_arg(int value) { return value; }
 const char* as_arg(const std::string& value) { return value.c_str(); }
 
+// Appends to `ids` the authors that each of `names` names, ignoring case; a
+// name ending in "*" names the authors whose name starts with the rest.
+// Returns 1 when a name names none (said on `err`), else 0.
+int add_named_authors(const RefgroveData& data, const std::vector<std::string>& names, std::vector<int>* ids,
+                      std::ostream& err) {
+  int status = 0;
+  for (const std::string& name : names) {
+    const bool prefix = !name.empty() && name.back() == '*';
+    const std::string text = prefix ? name.substr(0, name.size() - 1) : name;
+    const auto count = prefix ? refgrove::author_prefix_count : refgrove::author_named_count;
+    const auto get = prefix ? refgrove::get_author_prefix : refgrove::get_author_named;
+    int n = 0, id = 0;
+    if (!count(data, text.c_str(), &n)) {
+      err << "refgrove author-docs: no author named " << name << "\n";
+      status = 1;
+    }
+    for (int i = 0; i < n && get(data, text.c_str(), i, &id); ++i) ids->push_back(id);
+  }
+  return status;
+}
+
 template <typename Arg, typename Value>
-int run_lookup(const Lookup<Arg>& lookup, const DataDirArgs& dir, const std::vector<Value>& args,
-               CommandContext& ctx) {
+int run_lookup(const Lookup<Arg>& lookup, const DataDirArgs& dir, std::vector<Value> args, CommandContext& ctx,
+               const std::vector<std::string>& names) {
   const refgrove::DataSetPtr data = load_data_dir(lookup.command, dir, ctx.err);
   if (data == nullptr) return 1;
   int status = 0;
+  if constexpr (std::is_same_v<Value, int>) status = add_named_authors(*data, names, &args, ctx.err);
   for (const Value& value : args) {
     const Arg arg = as_arg(value);
     int n = 0;
@@ -55,15 +78,26 @@ int run_lookup(const Lookup<Arg>& lookup, const DataDirArgs& dir, const std::vec
   return status;
 }
 
+// With `by_name` (author-docs), authors may also be given by --name.
 template <typename Value, typename Arg>
-void add_lookup(CLI::App& app, CommandContext& ctx, const Lookup<Arg>& lookup) {
+void add_lookup(CLI::App& app, CommandContext& ctx, const Lookup<Arg>& lookup, bool by_name = false) {
   CLI::App* cmd = app.add_subcommand(lookup.command, lookup.summary);
   cmd->footer(lookup.help);
   auto dir = std::make_shared<DataDirArgs>();
   auto args = std::make_shared<std::vector<Value>>();
+  auto names = std::make_shared<std::vector<std::string>>();
   add_data_dir_args(cmd, dir.get());
-  cmd->add_option(lookup.arg_name, *args)->required();
-  cmd->callback([&ctx, &lookup, dir, args] { ctx.status = run_lookup(lookup, *dir, *args, ctx); });
+  CLI::Option* positional = cmd->add_option(lookup.arg_name, *args);
+  if (by_name) {
+    cmd->add_option("--name", *names, "an author's name, ignoring case; NAME* for the names starting with NAME")
+        ->allow_extra_args(false);
+  } else {
+    positional->required();
+  }
+  cmd->callback([&ctx, &lookup, dir, args, names] {
+    if (args->empty() && names->empty()) throw CLI::RequiredError(std::string(lookup.arg_name) + " or --name");
+    ctx.status = run_lookup(lookup, *dir, *args, ctx, *names);
+  });
 }
 
 const Lookup<int> kCitedBy = {
@@ -76,7 +110,10 @@ const Lookup<int> kCitedBy = {
 const Lookup<int> kAuthorDocs = {
     "author-docs", "list the documents of authors, by author id",
     "Prints, for each author id, the DIDs of the documents listing the\n"
-    "author, in ascending order. Exit status 1 when an author has none.",
+    "author, in ascending order. --name NAME (repeatable) adds the authors\n"
+    "named NAME, ASCII letters ignoring case, or, for NAME*, those whose name\n"
+    "starts with NAME. Exit status 1 when an author has none or a name names\n"
+    "no author.",
     "ID", "no document by author", refgrove::author_doc_count, refgrove::get_author_doc};
 
 const Lookup<const char*> kKeyDocs = {
@@ -90,6 +127,6 @@ const Lookup<const char*> kKeyDocs = {
 
 void add_lookup_commands(CLI::App& app, CommandContext& ctx) {
   add_lookup<int>(app, ctx, kCitedBy);
-  add_lookup<int>(app, ctx, kAuthorDocs);
+  add_lookup<int>(app, ctx, kAuthorDocs, true);
   add_lookup<std::string>(app, ctx, kKeyDocs);
 }

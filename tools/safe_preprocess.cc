@@ -1,9 +1,5 @@
 #include "tools/safe_preprocess.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -12,12 +8,9 @@
 #include "core/data_set.h"
 #include "core/data_view.h"
 #include "core/validate.h"
-#include "preproc/file_sync.h"
 #include "preproc/preprocess.h"
-#include "preproc/staged_output.h"
-#include "tokenizer/parser_error.h"
+#include "preproc/staged_preprocess.h"
 #include "tools/interrupt_cleanup.h"
-#include "tools/manifest.h"
 #include "tools/progress_display.h"
 #include "tools/tool_support.h"
 
@@ -28,17 +21,6 @@ constexpr char kPrefix[] = "refgrove preprocess: ";
 int fail(std::ostream& err, const std::string& message) {
   err << kPrefix << message << "\n";
   return 1;
-}
-
-// The input must be a directory; its dumps are checked by preprocess().
-bool check_input_dir(const std::string& arg, std::string* error) {
-  struct stat st;
-  if (stat(arg.c_str(), &st) != 0) {
-    *error = system_error_text(arg, errno);
-    return false;
-  }
-  if (!S_ISDIR(st.st_mode)) *error = arg + ": is not a directory";
-  return S_ISDIR(st.st_mode);
 }
 
 // The documents that loading `dir` leaves out of the DID index.
@@ -58,110 +40,88 @@ void print_summary(std::ostream& out, const std::string& target, const PreprocSu
       << "  " << unindexed << " documents whose DID cannot be indexed (negative or out of range: not found by DID)\n";
 }
 
-// The run's files, for InterruptCleanup to remove on a signal, for the
-// object's lifetime. Declared after the staging directory, so that it is
-// forgotten before that is removed.
-class RunFiles {
+// The tool's part in a staged run: its messages on `err`, the run's files
+// removed on SIGINT and SIGTERM, and `refgrove check` on the data made.
+class ToolHooks : public StagedRunHooks {
  public:
-  RunFiles(InterruptCleanup* interrupts, const StagingDir& staging, const TargetPaths& paths)
-      : interrupts_(interrupts) {
-    interrupts_->set_run_files(staging.path(), paths.lock_file());
+  explicit ToolHooks(std::ostream& err) : err_(err) {}
+
+  void waiting(const TargetPaths& paths) override {
+    err_ << kPrefix << "another run is writing " << paths.target << " (lock " << paths.lock_file()
+         << "); waiting for it to finish\n"
+         << std::flush;
   }
-  ~RunFiles() { interrupts_->set_run_files("", ""); }
-  RunFiles(const RunFiles&) = delete;
-  RunFiles& operator=(const RunFiles&) = delete;
+  void removed_leftover(const std::string& path) override {
+    err_ << kPrefix << "removed " << path << ", left behind by a run that was interrupted\n";
+  }
+  void run_files_made(const std::string& staging_dir, const std::string& lock_file) override {
+    interrupts_.set_run_files(staging_dir, lock_file);
+  }
+  void run_files_gone() override { interrupts_.set_run_files("", ""); }
+  std::vector<std::string> check(const std::string& dir) override {
+    std::vector<std::string> problems;
+    for (const Finding& f : validate_data_dir(dir)) problems.push_back(f.text());
+    return problems;
+  }
+  std::unique_lock<std::mutex> moving() override { return interrupts_.hold(); }
 
  private:
-  InterruptCleanup* interrupts_;
+  std::ostream& err_;
+  InterruptCleanup interrupts_;
 };
 
-// The files moved into place, the manifest last, so that the target's old
-// manifest gives away a move cut short.
-std::vector<std::string> files_to_move() {
-  std::vector<std::string> names = data_file_names();
-  names.push_back(kManifestFile);
-  return names;
-}
-
-// Preprocesses into the staging directory; an exit status when that failed.
-std::optional<int> preprocess_into(const PreprocessRequest& request, const std::string& in_dir,
-                                   const StagingDir& staging, std::ostream& out, std::ostream& err,
-                                   PreprocSummary* summary) {
+// Runs the request, showing the module's messages or, on a terminal, a
+// progress line; then the summary.
+int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
+                             StagedRunHooks& hooks) {
   std::ostream quiet(nullptr);
   const bool display = request.terminal && !request.verbose;
   PreprocProgress progress;
-  PreprocOptions options;
-  options.out = display ? &quiet : &out;
-  options.err = display ? &quiet : &err;
-  options.checked = true;
-  options.progress = &progress;
-  try {
-    std::optional<ProgressDisplay> line;
-    if (display) line.emplace(progress.bytes_read, dumps_size(in_dir), err);
-    *summary = preprocess(in_dir, staging.prefix(), options);
-  } catch (const ParserError& e) {
-    e.write(err);
-    err.flush();
-    return 3;
-  } catch (const std::exception& e) {  // PreprocError, or memory or the system failing
-    return fail(err, e.what());
-  }
-  return std::nullopt;
+  StagedRequest staged{request.in_dir, request.out_dir, {}, "refgrove preprocess"};
+  staged.options.out = display ? &quiet : &out;
+  staged.options.err = display ? &quiet : &err;
+  staged.options.progress = &progress;
+  std::optional<ProgressDisplay> line;
+  if (display) line.emplace(progress.bytes_read, dumps_size(as_dir(request.in_dir)), err);
+  const StagedResult result = staged_preprocess(staged, hooks);
+  line.reset();
+  print_summary(out, result.target, result.summary, unindexed_documents(result.target + "/"));
+  return 0;
 }
 
-// Whether what the run made passes `refgrove check`; the findings on `err`.
-bool passes_check(const StagingDir& staging, std::ostream& err) {
-  const std::vector<Finding> findings = validate_data_dir(staging.prefix());
-  if (findings.empty()) return true;
-  err << kPrefix << "the data made does not pass refgrove check:\n";
-  for (const Finding& f : findings) err << "  " << f.text() << "\n";
-  return false;
+// What is left of the target after a run that failed.
+std::string outcome(const StagedRunError& e) {
+  switch (e.stage) {
+    case StagedRunError::Stage::setup:
+      return "";
+    case StagedRunError::Stage::move:
+      return e.target + " may now hold files of two runs (refgrove check tells)";
+    default:
+      return e.target + " is left as it was";
+  }
 }
 
 }  // namespace
 
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err) {
-  InterruptCleanup interrupts;  // first: the threads started later inherit its signal mask
-  std::string error;
-  TargetPaths paths;
-  if (!check_input_dir(request.in_dir, &error) || !resolve_target(request.out_dir, &paths, &error)) {
-    return fail(err, error);
-  }
-  const auto waiting = [&] {
-    err << kPrefix << "another run is writing " << paths.target << " (lock " << paths.lock_file()
-        << "); waiting for it to finish\n"
-        << std::flush;
-  };
-  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(paths, waiting, &error);
-  if (lock == nullptr) return fail(err, error);
-  for (const std::string& removed : remove_leftovers(paths)) {
-    err << kPrefix << "removed " << removed << ", left behind by a run that was interrupted\n";
-  }
-  // Declared after the lock: the staging directory is gone before the lock
-  // is let go.
-  const StagingDir staging(paths.staging_dir(getpid()));
-  if (!staging.make(&error)) return fail(err, error);
-  const RunFiles run_files(&interrupts, staging, paths);
-
-  const std::string in_dir = as_dir(request.in_dir);
-  const std::string left_as_it_was = paths.target + " is left as it was";
-  PreprocSummary summary;
-  if (const std::optional<int> status = preprocess_into(request, in_dir, staging, out, err, &summary)) {
-    // A parse error ends standard error exactly as the module leaves it.
-    if (*status != 3) err << kPrefix << left_as_it_was << "\n";
-    return *status;
-  }
-  const std::size_t unindexed = unindexed_documents(staging.prefix());
-  if (!passes_check(staging, err)) return fail(err, left_as_it_was);
-  if (!write_manifest(staging.prefix(), staging.prefix() + kManifestFile, &error)) {
-    return fail(err, error + "; " + left_as_it_was);
-  }
-  {
-    const std::unique_lock<std::mutex> no_interrupts = interrupts.hold();
-    if (!move_into_place(staging.path(), paths, files_to_move(), &error)) {
-      return fail(err, error + "; " + paths.target + " may now hold files of two runs (refgrove check tells)");
+  ToolHooks hooks(err);  // first: the threads started later inherit its signal mask
+  try {
+    return preprocess_and_summarize(request, out, err, hooks);
+  } catch (const DumpParseError& e) {
+    // Standard error ends exactly as the module leaves it.
+    e.write(err);
+    err.flush();
+    return 3;
+  } catch (const StagedRunError& e) {
+    if (e.stage == StagedRunError::Stage::check) {
+      err << kPrefix << "the data made does not pass refgrove check:\n";
+      for (const std::string& problem : e.problems) err << "  " << problem << "\n";
+    } else {
+      fail(err, e.what());
     }
+    const std::string left = outcome(e);
+    return left.empty() ? 1 : fail(err, left);
+  } catch (const std::exception& e) {  // memory or the system failing
+    return fail(err, e.what());
   }
-  print_summary(out, paths.target, summary, unindexed);
-  return 0;
 }

@@ -20,11 +20,11 @@
 #include <thread>
 
 #include "core/validate.h"
+#include "preproc/manifest.h"
 #include "testing/child_process.h"
 #include "testing/data_files.h"
 #include "testing/test_files.h"
 #include "tools/dump_generator.h"
-#include "tools/manifest.h"
 
 namespace {
 
@@ -107,7 +107,7 @@ class SafePreprocessTest : public ::testing::Test {
     EXPECT_EQ(read_data_files(target_ + "/"), before) << what;
     EXPECT_EQ(read_file(target_ + "/notes.txt"), "mine") << what;
     EXPECT_TRUE(run_files_beside(dir_.path()).empty()) << what;
-    EXPECT_TRUE(manifest_findings(target_ + "/").empty()) << what;
+    EXPECT_TRUE(manifest_mismatches(target_ + "/").empty()) << what;
   }
 
   TempDir dir_;

@@ -30,7 +30,9 @@
             refgrove_author_document/2,   % ?AuthorId, ?Did
             refgrove_title/2,             % +Did, -Words
             refgrove_abstract/2,          % +Did, -Words
-            refgrove_authors/2            % +Did, -Names (first author first)
+            refgrove_authors/2,           % +Did, -Names (first author first)
+            refgrove_author_named/2,      % +Name, ?AuthorId
+            refgrove_author_prefix/2      % +Prefix, ?AuthorId
           ]).
 
 /** <module> A citation database of scientific documents
@@ -41,15 +43,473 @@ as atoms (UTF-8 decoded where the bytes are valid UTF-8, one character per
 byte otherwise), absent documents and items make a query fail, and inputs
 of the wrong kind raise the usual instantiation and type errors.
 
-Directory arguments are prefixes to which the file names are appended, so
-they normally end in `/`.
+Directory arguments name directories, with or without their trailing `/`.
+Every query raises `existence_error(refgrove_data_set, loaded)` before the
+first refgrove_load/1.
 
 Messages of preprocessing and loading are printed as informational messages
 refgrove(Lines): `set_prolog_flag(verbose, silent)` silences them and
 message_hook/3 sees them.
 */
 
+:- use_module(library(pldoc), []).   % help/1 and doc_server/1 show the comments below
 :- use_foreign_library(foreign(refgrove4pl)).
+
+%   The predicates are foreign (refgrove4pl). Each comment below gives the
+%   modes, the determinism, the errors and an example on the sample data
+%   set (data/sample/).
+
+%!  refgrove_hello is det.
+%
+%   Writes the module's start lines to current_output.
+%
+%   ==
+%   ?- refgrove_hello.
+%   init_refgrove:
+%   []
+%   ==
+
+%!  refgrove_preproc(+InDir, +OutDir) is det.
+%
+%   Preprocesses the text dumps of InDir (graph-data-aug-2002.txt,
+%   word-data{1,2,3}-mar-2002.txt) into the data directory OutDir, made
+%   when missing. The run writes a staging directory beside OutDir and
+%   moves the files into place once they pass the consistency check, with
+%   a manifest that `refgrove check` compares with them; a run that fails
+%   leaves OutDir as it was. Its messages are informational
+%   refgrove(Lines).
+%
+%   ==
+%   ?- refgrove_preproc('data/sample', '/tmp/sample').
+%   true.
+%   ==
+%
+%   @error syntax_error(refgrove_dump(File, Row, Column, Message)) when a
+%          dump does not parse.
+%   @error refgrove_io_error(Path, Reason) when an input cannot be read or
+%          the output cannot be written.
+
+%!  refgrove_load(+Dir) is det.
+%
+%   Loads the data directory Dir, replacing the data set loaded before.
+%   Threads querying meanwhile keep the set they started with.
+%
+%   ==
+%   ?- refgrove_load('/tmp/sample').
+%   true.
+%   ==
+%
+%   @error existence_error(directory, Dir) or existence_error(file, File)
+%          when Dir or one of its four files is missing; the data set
+%          loaded before stays.
+
+%!  refgrove_has_word_info(+Did) is semidet.
+%
+%   True when document Did has words (an abstract) in the data set.
+%
+%   ==
+%   ?- refgrove_has_word_info(150).
+%   true.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_has_graph_info(+Did) is semidet.
+%
+%   True when document Did has a graph record (key, year, title,
+%   authors, citations).
+%
+%   ==
+%   ?- refgrove_has_graph_info(146).
+%   true.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_printdoc(+Did) is det.
+%
+%   Prints document Did as the module does: its word-data header,
+%   authors and words to current_output, its title words to user_error.
+%   The words printed after "abstract:" are those of the module's reading
+%   of the offsets as counts, which for every document but the first are
+%   another document's: refgrove_abstract/2 gives the real abstract.
+%
+%   ==
+%   ?- refgrove_printdoc(107).
+%   Document 4 - DID=107 - # words=96
+%   # Authors = 3
+%   M. Chen and S. Gupta and A. Lee
+%   title: abstract:
+%   ...
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_print_author(+AuthorId) is det.
+%
+%   Writes the name of AuthorId to current_output, without a line end.
+%
+%   ==
+%   ?- refgrove_print_author(9).
+%   P. Erdős
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for AuthorId;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_last_did(?N) is semidet.
+%
+%   N is one more than the largest DID of the data set: a bound for
+%   between/3, not necessarily a document.
+%
+%   ==
+%   ?- refgrove_last_did(N).
+%   N = 151.
+%   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_document_count(?N) is semidet.
+%
+%   N is the number of documents with words (the first of refgrove_stats/3).
+%
+%   ==
+%   ?- refgrove_document_count(N).
+%   N = 33.
+%   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_nb_authors(?N) is semidet.
+%
+%   N is the number of authors in the author table; author ids are
+%   0 .. N-1.
+%
+%   ==
+%   ?- refgrove_get_nb_authors(N).
+%   N = 21.
+%   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_stats(?Docs, ?Words, ?Authors) is semidet.
+%
+%   The documents with words, the distinct words and the authors of the
+%   data set.
+%
+%   ==
+%   ?- refgrove_stats(D, W, A).
+%   D = 33, W = 539, A = 21.
+%   ==
+%
+%   @error existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_word_count(+Did, ?N) is semidet.
+%
+%   N words in the module's reading of Did's abstract (the offsets read
+%   as counts: see refgrove_printdoc/1). Fails without words.
+%
+%   ==
+%   ?- refgrove_word_count(107, N).
+%   N = 96.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_title_length(+Did, ?N) is semidet.
+%
+%   N words in Did's title. Fails without a graph record.
+%
+%   ==
+%   ?- refgrove_title_length(107, N).
+%   N = 4.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_author_count(+Did, ?N) is semidet.
+%
+%   N authors listed by Did. Fails without a graph record.
+%
+%   ==
+%   ?- refgrove_author_count(107, N).
+%   N = 3.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_cite_count(+Did, ?N) is semidet.
+%
+%   N citations made by Did. Fails without a graph record.
+%
+%   ==
+%   ?- refgrove_cite_count(107, N).
+%   N = 2.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_year(+Did, ?Year) is semidet.
+%
+%   Year of Did, -1 when the dump gave none. Fails without a graph
+%   record.
+%
+%   ==
+%   ?- refgrove_get_year(107, Year).
+%   Year = 1995.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_author_id(+Did, +I, ?AuthorId) is semidet.
+%
+%   AuthorId is Did's author at position I (from 0). Fails when there is
+%   none.
+%
+%   ==
+%   ?- refgrove_get_author_id(107, 0, Id).
+%   Id = 4.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_cite(+Did, +I, ?Cited, ?Gid) is semidet.
+%
+%   Citation I (from 0) of Did cites document Cited, in group Gid. Fails
+%   when there is none.
+%
+%   ==
+%   ?- refgrove_get_cite(107, 0, Cited, Gid).
+%   Cited = 101, Gid = 9101.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_key(+Did, ?Key) is semidet.
+%
+%   Key is Did's key as an atom ('' or '-' when the dump gave none).
+%   Fails without a graph record.
+%
+%   ==
+%   ?- refgrove_get_key(107, Key).
+%   Key = chen95.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_title_word(+Did, +I, ?Word) is semidet.
+%
+%   Word is title word I (from 0) of Did. Fails when there is none.
+%
+%   ==
+%   ?- refgrove_get_title_word(107, 3, Word).
+%   Word = 'Arrays'.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_word(+Did, +I, ?Word) is semidet.
+%
+%   Word is word I (from 0) of the module's reading of Did's abstract
+%   (see refgrove_printdoc/1; refgrove_abstract/2 gives the real one).
+%   Fails when there is none.
+%
+%   ==
+%   ?- refgrove_get_word(101, 0, Word).
+%   Word = 'We'.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_author(+Did, +I, ?Name) is semidet.
+%
+%   Name is the name of Did's author at position I (from 0). Fails when
+%   there is none.
+%
+%   ==
+%   ?- refgrove_get_author(107, 1, Name).
+%   Name = 'S. Gupta'.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did, I;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_id2author(+AuthorId, ?Name) is semidet.
+%
+%   Name is the name of AuthorId. Fails outside the author table. To go
+%   from a name to its ids, use refgrove_author_named/2 or
+%   refgrove_author_prefix/2.
+%
+%   ==
+%   ?- refgrove_id2author(9, Name).
+%   Name = 'P. Erdős'.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for AuthorId;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_get_authors(+Did, ?AuthorIds) is det.
+%
+%   AuthorIds are Did's authors, last author first (the module's order;
+%   refgrove_authors/2 gives the names first author first). The empty
+%   list without a graph record.
+%
+%   ==
+%   ?- refgrove_get_authors(107, Ids).
+%   Ids = [3, 6, 4].
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_author_distance(+A, +B, ?Distance) is semidet.
+%
+%   Distance is 0.0 for every pair of authors: a placeholder.
+%
+%   ==
+%   ?- refgrove_author_distance(1, 2, D).
+%   D = 0.0.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for A, B;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_document(?Did) is nondet.
+%
+%   Did is a document with a graph record or words, in ascending order.
+%   Semidet when Did is bound.
+%
+%   ==
+%   ?- refgrove_document(150).
+%   true.
+%   ==
+%
+%   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_cites(?Citing, ?Cited) is nondet.
+%
+%   Document Citing cites document Cited: one solution per citation, in
+%   ascending order of the unbound argument (Citing then record order
+%   when both are). No choice point is left after the last solution;
+%   with both bound it is semidet.
+%
+%   ==
+%   ?- refgrove_cites(Citing, 115).
+%   Citing = 119 ;
+%   Citing = 127.
+%   ==
+%
+%   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_key_did(?Key, ?Did) is nondet.
+%
+%   Document Did has key Key ('' and '-' are no keys). Key may be given
+%   as a string.
+%
+%   ==
+%   ?- refgrove_key_did(erdos97, Did).
+%   Did = 115.
+%   ==
+%
+%   @error type_error(integer, Did) or type_error(atom, Key) for an
+%          argument of the wrong kind; existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_author_document(?AuthorId, ?Did) is nondet.
+%
+%   AuthorId is an author of document Did: the documents of an author by
+%   ascending DID, the authors of a document first author first, each
+%   once. Semidet with both bound.
+%
+%   ==
+%   ?- findall(D, refgrove_author_document(3, D), Ds).
+%   Ds = [104, 107, 110, 119, 130, 133, 140].
+%   ==
+%
+%   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_title(+Did, -Words) is semidet.
+%
+%   Words are Did's title words. Fails without a graph record.
+%
+%   ==
+%   ?- refgrove_title(107, Words).
+%   Words = ['Memory', 'Efficient', 'Suffix', 'Arrays'].
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_abstract(+Did, -Words) is semidet.
+%
+%   Words are the words preprocessing wrote for Did's abstract. Fails
+%   without words.
+%
+%   ==
+%   ?- refgrove_abstract(107, [First|_]).
+%   First = 'Suffix'.
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_authors(+Did, -Names) is semidet.
+%
+%   Names are Did's author names, first author first. Fails without a
+%   graph record.
+%
+%   ==
+%   ?- refgrove_authors(115, Names).
+%   Names = ['P. Erdős', 'A. Rényi'].
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Did;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_author_named(+Name, ?AuthorId) is nondet.
+%
+%   AuthorId is an author whose name is Name, ASCII letters compared
+%   ignoring case (so 'p. erdős' finds 'P. Erdős', 'P. ERDŐS' does not),
+%   by ascending id. Name may be a string.
+%
+%   ==
+%   ?- refgrove_author_named('a. lee', Id).
+%   Id = 3.
+%   ==
+%
+%   @error instantiation_error if Name is unbound; type_error(atom, Name)
+%          if it is no text; type_error(integer, AuthorId);
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_author_prefix(+Prefix, ?AuthorId) is nondet.
+%
+%   AuthorId is an author whose name starts with Prefix, ASCII letters
+%   compared ignoring case, in the order of the names. Prefix may be a
+%   string; '' gives every author.
+%
+%   ==
+%   ?- findall(Name, (refgrove_author_prefix('p. e', Id), refgrove_id2author(Id, Name)), Names).
+%   Names = ['P. Eades', 'P. Erdős'].
+%   ==
+%
+%   @error instantiation_error if Prefix is unbound; type_error(atom, Prefix)
+%          if it is no text; type_error(integer, AuthorId);
+%          existence_error(refgrove_data_set, loaded) before any load.
 
 :- multifile prolog:message//1.
 
@@ -61,6 +521,11 @@ prolog:message(error(refgrove_io_error(Path, Reason), _)) -->
     [ '~w: ~w'-[Path, Reason] ].
 prolog:message(error(refgrove_error(Reason), _)) -->
     [ 'refgrove: ~w'-[Reason] ].
+prolog:message(error(existence_error(refgrove_data_set, loaded), _)) -->
+    [ 'refgrove: no data set is loaded (load one with refgrove_load/1)' ].
+prolog:message(error(existence_error(Type, Path), Context)) -->
+    { nonvar(Context), Context = context(refgrove_load/1, _) },
+    [ '~w ~w does not exist'-[Type, Path] ].
 
 message_lines([]) --> [].
 message_lines([Line]) --> !, [ '~s'-[Line] ].

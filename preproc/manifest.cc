@@ -1,4 +1,4 @@
-#include "tools/manifest.h"
+#include "preproc/manifest.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -38,7 +38,7 @@ bool parse_entry(const json& entry, FileDigest* digest) {
   return true;
 }
 
-Finding manifest_finding(const std::string& message) { return Finding{kManifestFile, -1, message}; }
+ManifestMismatch unusable_manifest(const std::string& message) { return ManifestMismatch{kManifestFile, message}; }
 
 }  // namespace
 
@@ -76,40 +76,41 @@ bool digest_file(const std::string& path, FileDigest* digest, std::string* error
   }
 }
 
-bool write_manifest(const std::string& dir, const std::string& path, std::string* error) {
+bool write_manifest(const std::string& dir, const std::string& path, const std::string& made_by,
+                    std::string* error) {
   json files = json::object();
   for (const std::string& name : data_file_names()) {
     FileDigest d;
     if (!digest_file(dir + name, &d, error)) return false;
     files[name] = {{"size", d.size}, {kChecksumKey, hex64(d.checksum)}};
   }
-  const json manifest = {{"made_by", "refgrove preprocess"}, {"files", files}};
+  const json manifest = {{"made_by", made_by}, {"files", files}};
   return write_synced(path, manifest.dump(2) + "\n", error);
 }
 
-std::vector<Finding> manifest_findings(const std::string& dir) {
+std::vector<ManifestMismatch> manifest_mismatches(const std::string& dir) {
   std::ifstream in(dir + kManifestFile, std::ios::in | std::ios::binary);
   if (!in.is_open()) return {};
   const json manifest = json::parse(in, nullptr, false);
   if (manifest.is_discarded() || !manifest.is_object() || !manifest.contains("files") ||
       !manifest["files"].is_object()) {
-    return {manifest_finding("the manifest is not a JSON object with a \"files\" object: it cannot be compared.")};
+    return {unusable_manifest("the manifest is not a JSON object with a \"files\" object: it cannot be compared.")};
   }
-  std::vector<Finding> findings;
+  std::vector<ManifestMismatch> mismatches;
   const json& files = manifest["files"];
   for (const std::string& name : data_file_names()) {
     FileDigest listed, actual;
     std::string error;
     if (!files.contains(name) || !parse_entry(files[name], &listed)) {
-      findings.push_back(manifest_finding("no valid size and checksum for " + name + ": it cannot be compared."));
+      mismatches.push_back(unusable_manifest("no valid size and checksum for " + name + ": it cannot be compared."));
     } else if (digest_file(dir + name, &actual, &error) &&
                (actual.size != listed.size || actual.checksum != listed.checksum)) {
-      findings.push_back(Finding{name, -1,
+      mismatches.push_back(ManifestMismatch{name,
                                  "the file is not the one " + std::string(kManifestFile) + " lists (size " +
                                      std::to_string(actual.size) + ", listed " + std::to_string(listed.size) +
                                      (actual.checksum == listed.checksum ? "" : "; the checksum differs") +
                                      "): the files come from different runs, or this one was changed since."});
     }
   }
-  return findings;
+  return mismatches;
 }

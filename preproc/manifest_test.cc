@@ -1,6 +1,5 @@
-// The manifest: its checksum, and what `refgrove check` makes of files that
-// do not match it.
-#include "tools/manifest.h"
+// The manifest: its checksum, and the files that do not match it.
+#include "preproc/manifest.h"
 
 #include <gtest/gtest.h>
 
@@ -61,12 +60,12 @@ TEST(ManifestTest, FilesThatDoNotMatchTheManifestAreNamed) {
     TempDir dir;
     DataDirBuilder().add({7, "k", 1999, {}, {"t"}, {"A. Lee"}, {"one", "two"}, true, true}).write(dir.path());
     std::string error;
-    ASSERT_TRUE(write_manifest(dir.path(), dir.path() + kManifestFile, &error)) << error;
+    ASSERT_TRUE(write_manifest(dir.path(), dir.path() + kManifestFile, "test", &error)) << error;
     DataFiles files = read_data_files(dir.path());
     c.change(dir.path(), &files);
     write_data_files(dir.path(), files);
     std::vector<std::string> found;
-    for (const Finding& f : manifest_findings(dir.path())) found.push_back(f.text());
+    for (const ManifestMismatch& m : manifest_mismatches(dir.path())) found.push_back(m.file + ": " + m.message);
     EXPECT_EQ(found, c.findings) << c.what;
   }
 }
