@@ -96,12 +96,7 @@ int refgrove_collaboration_path_1(int a, int b, int room, int* path) {
       [&] {
         const std::optional<CollaborationPath> p = collaboration_path(loaded(), a, b);
         if (!p) return -1;
-        std::vector<int> items;
-        for (std::size_t i = 0; i < p->authors.size(); ++i) {
-          if (i > 0) items.push_back(p->documents[i - 1]);
-          items.push_back(p->authors[i]);
-        }
-        return give(items, room, [&](std::size_t i, int item) { path[i] = item; });
+        return give(p->alternating(), room, [&](std::size_t i, int item) { path[i] = item; });
       },
       -1);
 }

@@ -14,6 +14,15 @@ Direction reversed(Direction dir) {
 
 }  // namespace
 
+std::vector<std::int32_t> CollaborationPath::alternating() const {
+  std::vector<std::int32_t> items;
+  for (std::size_t i = 0; i < authors.size(); ++i) {
+    if (i > 0) items.push_back(documents[i - 1]);
+    items.push_back(authors[i]);
+  }
+  return items;
+}
+
 // The search runs over authorship: authors are nodes 0 .. A - 1 and document
 // v is node A + v, so every other node of a path is a shared document.
 std::optional<CollaborationPath> collaboration_path(const RefgroveData& d, std::int32_t a, std::int32_t b) {

@@ -22,7 +22,10 @@ import subprocess
 import sys
 import tempfile
 
-import networkx as nx
+try:
+    import networkx as nx
+except ImportError:
+    sys.exit("networkx_differential_test.py: /usr/bin/python3 has no networkx: run scripts/install-deps")
 
 INT_MIN, INT_MAX = -2**31, 2**31 - 1
 
