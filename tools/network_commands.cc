@@ -75,7 +75,7 @@ int run_rank(const RankArgs& args, CommandContext& ctx) {
     for (const RankedDocument& r : ranked(d, by, args.limit, parse_years(args.years))) {
       ctx.out << r.did << "\t";
       if (by == RankBy::citations) ctx.out << static_cast<std::int64_t>(r.score);
-      else ctx.out << std::setprecision(12) << r.score;
+      else ctx.out << std::fixed << std::setprecision(9) << r.score;  // scores are exact to 1e-9
       ctx.out << "\t" << title_of(d, r.did) << "\n";
     }
     return 0;

@@ -111,7 +111,7 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %
 %   ```
 %   ?- refgrove_pagerank(101, Score).
-%   Score = 0.18188335914741982.
+%   Score = 0.18188335914905276.
 %   ```
 
 %!  refgrove_ranked(+By, -Did, -Score) is nondet.
