@@ -3,7 +3,8 @@
 # package). Layout under the prefix:
 #   bin/refgrove
 #   <libdir>/refgrove.so
-#   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h
+#   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h,
+#   network.h
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
@@ -26,6 +27,7 @@ set(REFGROVE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
 install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
 install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)
 install(FILES preproc/refgrove_preproc.h DESTINATION ${REFGROVE_INCLUDE_DIR}/preproc)
+install(FILES network/refgrove_network.h DESTINATION ${REFGROVE_INCLUDE_DIR} RENAME network.h)
 
 # The way up from a directory below the prefix to the prefix itself
 # ("../..", without the trailing "/" that RELATIVE_PATH leaves).

@@ -49,7 +49,11 @@ TEST_F(ModuleTest, ExportsItsCInterfaceAndNothingElse) {
                          "stats", "author_distance", "printdoc", "print_author", "abstract_length",
                          "get_abstract_word", "cited_by_count", "get_cited_by", "author_doc_count", "get_author_doc",
                          "key_doc_count", "get_key_doc", "author_named_count", "get_author_named",
-                         "author_prefix_count", "get_author_prefix"}) {
+                         "author_prefix_count", "get_author_prefix",
+                         "citation_count", "pagerank", "ranked",
+                         "collaboration_distance", "collaboration_path", "citation_distance", "neighbourhood",
+                         "neighbourhood_edges", "similar", "component_count", "author_component_count", "component",
+                         "author_component"}) {
     fn<void>("refgrove_" + std::string(op) + "_1");
   }
 }

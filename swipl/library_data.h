@@ -74,6 +74,8 @@ std::span<const ForeignPredicate> relation_predicates();
 foreign_t load_pred(term_t args, int arity, control_t control);
 foreign_t preproc_pred(term_t args, int arity, control_t control);
 
+std::span<const ForeignPredicate> network_predicates();
+
 }  // namespace refgrove::swipl
 
 #endif  // REFGROVE_SWIPL_LIBRARY_DATA_H_

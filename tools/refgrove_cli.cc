@@ -23,6 +23,7 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   add_export_command(app, ctx);
   add_check_command(app, ctx);
   add_generate_command(app, ctx);
+  add_network_commands(app, ctx);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& e) {  // --help, --version
