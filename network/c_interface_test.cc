@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "core/test_documents.h"
+#include "testing/test_documents.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
 #include "network/ranking.h"

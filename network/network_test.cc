@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "core/data_view.h"
-#include "core/test_documents.h"
+#include "testing/test_documents.h"
 #include "network/components.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
