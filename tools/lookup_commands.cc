@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "tools/commands.h"
@@ -62,7 +63,8 @@ void add_lookup(CLI::App& app, CommandContext& ctx, const Lookup<Arg>& lookup) {
   auto dir = std::make_shared<DataDirArgs>();
   auto args = std::make_shared<std::vector<Value>>();
   add_data_dir_args(cmd, dir.get());
-  cmd->add_option(lookup.arg_name, *args)->required();
+  CLI::Option* arg = cmd->add_option(lookup.arg_name, *args)->required();
+  if constexpr (std::is_same_v<Value, int>) arg->transform(decimal());
   cmd->callback([&ctx, &lookup, dir, args] { ctx.status = run_lookup(lookup, *dir, *args, ctx); });
 }
 

@@ -1,9 +1,7 @@
 #include "tools/safe_preprocess.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -32,13 +30,9 @@ int fail(std::ostream& err, const std::string& message) {
 
 // The input must be a directory; its dumps are checked by preprocess().
 bool check_input_dir(const std::string& arg, std::string* error) {
-  struct stat st;
-  if (stat(arg.c_str(), &st) != 0) {
-    *error = system_error_text(arg, errno);
-    return false;
-  }
-  if (!S_ISDIR(st.st_mode)) *error = arg + ": is not a directory";
-  return S_ISDIR(st.st_mode);
+  const std::string problem = directory_problem(arg);
+  if (!problem.empty()) *error = arg + ": " + problem;
+  return problem.empty();
 }
 
 // The documents that loading `dir` leaves out of the DID index.

@@ -135,8 +135,8 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
       {"graph dump missing", [&] { fs::remove(graph); }, in_, 1,
        "refgrove preprocess: " + graph + ": No such file or directory\n" + left},
       {"input directory missing", [] {}, dir_.path() + "nothing", 1,
-       "refgrove preprocess: " + dir_.path() + "nothing: No such file or directory\n"},
-      {"input is a file", [] {}, graph, 1, "refgrove preprocess: " + graph + ": is not a directory\n"},
+       "refgrove preprocess: " + dir_.path() + "nothing: no such directory\n"},
+      {"input is a file", [] {}, graph, 1, "refgrove preprocess: " + graph + ": not a directory\n"},
   };
   const DataFiles before = make_earlier_target();
   for (const auto& c : cases) {
