@@ -82,6 +82,10 @@ class WordPreproc {
 
   const PreprocOptions& options() const { return options_; }
 
+  // Checked, throws FormatLimitError when a run of `size` is beyond the
+  // options' limits.
+  void check_limits(const RunSize& size) const;
+
   std::vector<const char*> files;
 
  private:
