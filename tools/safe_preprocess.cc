@@ -14,6 +14,7 @@
 #include "preproc/preprocess.h"
 #include "preproc/staged_output.h"
 #include "tokenizer/parser_error.h"
+#include "tools/counter_filter.h"
 #include "tools/interrupt_cleanup.h"
 #include "tools/manifest.h"
 #include "tools/progress_display.h"
@@ -82,16 +83,27 @@ std::optional<int> preprocess_into(const PreprocessRequest& request, const std::
                                    const StagingDir& staging, std::ostream& out, std::ostream& err,
                                    PreprocSummary* summary) {
   std::ostream quiet(nullptr);
-  const bool display = request.terminal && !request.verbose;
+  CounterFilter out_filter(out), err_filter(err);
+  std::ostream out_log(&out_filter), err_log(&err_filter);
   PreprocProgress progress;
   PreprocOptions options;
-  options.out = display ? &quiet : &out;
-  options.err = display ? &quiet : &err;
   options.checked = true;
   options.progress = &progress;
+  std::optional<ProgressDisplay::Style> style;
+  if (request.verbose) {
+    options.out = &out;
+    options.err = &err;
+  } else if (request.terminal) {
+    options.out = options.err = &quiet;
+    style = ProgressDisplay::Style::kTerminal;
+  } else {
+    options.out = &out_log;
+    options.err = &err_log;
+    style = ProgressDisplay::Style::kLog;
+  }
   try {
-    std::optional<ProgressDisplay> line;
-    if (display) line.emplace(progress.bytes_read, dumps_size(in_dir), err);
+    std::optional<ProgressDisplay> display;
+    if (style) display.emplace(progress.bytes_read, dumps_size(in_dir), err, *style);
     *summary = preprocess(in_dir, staging.prefix(), options);
   } catch (const ParserError& e) {
     e.write(err);

@@ -236,6 +236,23 @@ TEST_F(SafePreprocessTest, TheSummarySaysWhatWasSkippedOrChanged) {
                                                     "range: not found by DID)\n");
 }
 
+// In a log the module's messages come without their running counters,
+// which -v keeps ("\r" and the DID or record count, every thousand).
+TEST_F(SafePreprocessTest, InALogTheRunningCountersNeedVerbose) {
+  DumpGeneratorResult generated;
+  std::string error;
+  ASSERT_TRUE(generate_dumps(in_, {2000, 1}, &generated, &error)) << error;
+  for (const bool verbose : {false, true}) {
+    const ToolRun r = preprocess(in_, target_, false, verbose);
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.find("Preproc word data ... \n1. Reading words ... \n  - Reading "), 0u) << r.out;
+    EXPECT_NE(r.err.find("writing graph file"), std::string::npos) << r.err;
+    for (const std::string* text : {&r.out, &r.err}) {
+      EXPECT_EQ(text->find("\r1000") != std::string::npos, verbose) << verbose << ": " << *text;
+    }
+  }
+}
+
 // On a terminal a progress line replaces the module's messages, unless -v.
 TEST_F(SafePreprocessTest, OnATerminalTheModulesMessagesNeedVerbose) {
   write_file(in_ + "word-data3-mar-2002.txt", "nodid here\n");
