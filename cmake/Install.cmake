@@ -2,6 +2,7 @@
 # the files with which C and C++ programs find them (pkg-config and a CMake
 # package). Layout under the prefix:
 #   bin/refgrove
+#   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
 #   include/refgrove/refgrove.h
 #   <libdir>/pkgconfig/refgrove.pc
@@ -21,6 +22,7 @@ set(REFGROVE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 install(TARGETS refgrove_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS refgrove LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES core/refgrove.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tools/refgrove.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # The way up from a directory below the prefix to the prefix itself.
 function(refgrove_path_to_prefix out dir)
