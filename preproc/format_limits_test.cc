@@ -17,11 +17,11 @@ TEST(FormatLimitsTest, TheSentenceNamesTheLimitAndTheDocumentsThatFit) {
   const FormatLimits limits;
   // 6.5 million generated documents pass 2^31 - 1 bytes of word-data after
   // about 5.96 million.
-  EXPECT_EQ(format_limit_error(limits, RunSize{2147483650, 4000000, 5960000}).what(),
+  EXPECT_EQ(format_limit_message(limits, RunSize{2147483650, 4000000, 5960000}),
             std::string("the dumps hold more abstract words than a data directory can: word-data can have at most "
                         "2147483647 bytes (715827882 words), as far as the 32-bit offsets of word-idx reach, which is "
                         "about 6,000,000 documents like those read so far"));
-  EXPECT_EQ(format_limit_error(limits, RunSize{900000000, 16777217, 2500000}).what(),
+  EXPECT_EQ(format_limit_message(limits, RunSize{900000000, 16777217, 2500000}),
             std::string("the dumps hold more distinct words than a data directory can: word ids have 24 bits, so the "
                         "abstracts and titles together can have at most 16777216 distinct words, which is about "
                         "2,500,000 documents like those read so far"));
@@ -42,15 +42,16 @@ TEST(FormatLimitsTest, ACheckedRunStopsWhereTheDumpsPassALimit) {
     const char* title;
     FormatLimits limits;
     std::string error;  // the start of the message; empty: none
+    const char* file;   // the file that cannot hold the dumps
   };
   const Case cases[] = {
-      {"word-data within a dump", {"1 - a b c d\n", "", ""}, "t", {10, 100}, kWordData},
-      {"word-data exactly at its limit", {"1 - a b c d\n", "", ""}, "t", {12, 100}, ""},
-      {"word-data across two dumps", {"1 - a b\n", "2 - c d\n", ""}, "t", {10, 100}, kWordData},
-      {"words within a dump", {"1 - a b c d\n", "", ""}, "a", {100, 3}, kWords},
-      {"words across two dumps", {"1 - a b\n", "", "3 - c d\n"}, "a", {100, 3}, kWords},
-      {"words with the titles", {"1 - a b\n", "", ""}, "t", {100, 2}, kWords},
-      {"words exactly at their limit", {"1 - a b\n", "", ""}, "a", {100, 2}, ""},
+      {"word-data within a dump", {"1 - a b c d\n", "", ""}, "t", {10, 100}, kWordData, "word-data"},
+      {"word-data exactly at its limit", {"1 - a b c d\n", "", ""}, "t", {12, 100}, "", ""},
+      {"word-data across two dumps", {"1 - a b\n", "2 - c d\n", ""}, "t", {10, 100}, kWordData, "word-data"},
+      {"words within a dump", {"1 - a b c d\n", "", ""}, "a", {100, 3}, kWords, "word-table"},
+      {"words across two dumps", {"1 - a b\n", "", "3 - c d\n"}, "a", {100, 3}, kWords, "word-table"},
+      {"words with the titles", {"1 - a b\n", "", ""}, "t", {100, 2}, kWords, "word-table"},
+      {"words exactly at their limit", {"1 - a b\n", "", ""}, "a", {100, 2}, "", ""},
   };
   for (const Case& c : cases) {
     TempDir in, out;
@@ -64,12 +65,14 @@ TEST(FormatLimitsTest, ACheckedRunStopsWhereTheDumpsPassALimit) {
     // Unchecked, as the module runs, the limits are not looked at.
     EXPECT_NO_THROW(preprocess(in.path(), out.path(), options)) << c.what;
     options.checked = true;
-    std::string error;
+    std::string error, file;
     try {
       preprocess(in.path(), out.path(), options);
     } catch (const FormatLimitError& e) {
-      error = e.what();
+      error = e.reason;
+      file = e.path.substr(out.path().size());
     }
+    EXPECT_EQ(file, c.file) << c.what;
     EXPECT_EQ(error.substr(0, c.error.size()), c.error) << c.what << ": " << error;
     EXPECT_EQ(error.empty(), c.error.empty()) << c.what << ": " << error;
   }

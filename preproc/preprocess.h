@@ -60,6 +60,13 @@ class PreprocError : public std::runtime_error {
   std::string reason;
 };
 
+// Dumps that hold more than a data directory can (format_limits.h): `path`
+// is the file that cannot hold them, `reason` one sentence with the limit.
+class FormatLimitError : public PreprocError {
+ public:
+  using PreprocError::PreprocError;
+};
+
 // A dump that does not parse: the parser's error, written exactly as the
 // module writes it, and the path of the dump, which the parsers reading
 // streams do not know.

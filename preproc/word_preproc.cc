@@ -113,10 +113,13 @@ WordPreproc::WordPreproc(const PreprocOptions& options)
     : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)), options_(options) {}
 
 void WordPreproc::check_limits(const RunSize& size) const {
-  if (options_.checked && !within(options_.limits, size)) throw format_limit_error(options_.limits, size);
+  if (!options_.checked || within(options_.limits, size)) return;
+  const char* file = size.word_data_bytes > options_.limits.word_data_bytes ? kWordDataFile : kWordTableFile;
+  throw FormatLimitError(out_dir_ + file, format_limit_message(options_.limits, size));
 }
 
 PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
+  out_dir_ = out_dir;
   std::ostream& out = *options_.out;
   std::ostream& err = *options_.err;
   // Opened first, so that a directory that cannot be written is found

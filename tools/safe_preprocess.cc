@@ -88,6 +88,7 @@ std::optional<int> preprocess_into(const PreprocessRequest& request, const std::
   PreprocProgress progress;
   PreprocOptions options;
   options.checked = true;
+  options.limits = request.limits;
   options.progress = &progress;
   std::optional<ProgressDisplay::Style> style;
   if (request.verbose) {
@@ -109,6 +110,8 @@ std::optional<int> preprocess_into(const PreprocessRequest& request, const std::
     e.write(err);
     err.flush();
     return 3;
+  } catch (const FormatLimitError& e) {  // the file named is the staging directory's
+    return fail(err, e.reason);
   } catch (const std::exception& e) {  // PreprocError, or memory or the system failing
     return fail(err, e.what());
   }

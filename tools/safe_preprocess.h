@@ -10,6 +10,8 @@
 #include <ostream>
 #include <string>
 
+#include "preproc/format_limits.h"
+
 struct PreprocessRequest {
   std::string in_dir, out_dir;  // as given; a trailing "/" is optional
   // The module's own messages ("Preproc word data ...", the running DID
@@ -21,6 +23,8 @@ struct PreprocessRequest {
   // without their running counters, and log lines on `err` tell how far
   // the run has read.
   bool terminal = false;
+  // What the data files can hold; smaller limits stand in for them in tests.
+  FormatLimits limits;
 };
 
 // Runs the request; `out` gets the summary, `err` the errors. Returns the

@@ -35,15 +35,16 @@ struct ToolRun {
   std::string out, err;
 };
 
-ToolRun preprocess(const std::string& in, const std::string& out_dir, bool terminal = false, bool verbose = false) {
+ToolRun preprocess(const std::string& in, const std::string& out_dir, bool terminal = false, bool verbose = false,
+                   FormatLimits limits = {}) {
   std::ostringstream out, err;
-  const int status = safe_preprocess(PreprocessRequest{in, out_dir, verbose, terminal}, out, err);
+  const int status = safe_preprocess(PreprocessRequest{in, out_dir, verbose, terminal, limits}, out, err);
   return ToolRun{status, out.str(), err.str()};
 }
 
 // The same on the standard streams, for child processes.
 int preprocess_in_child(const std::string& in, const std::string& out_dir) {
-  return safe_preprocess(PreprocessRequest{in, out_dir, false, false}, std::cout, std::cerr);
+  return safe_preprocess(PreprocessRequest{in, out_dir, false, false, {}}, std::cout, std::cerr);
 }
 
 // Everything beside the target whose name starts with ".out.": the lock
@@ -123,6 +124,7 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
     std::string in;
     int status;
     std::string error;  // standard error
+    FormatLimits limits = {};
   } cases[] = {
       {"graph dump does not parse", [&] { write_file(graph, "101 k 1999 GIDs: x\n"); }, in_, 3,
        "expected integer, not 'x' at 1:17"},  // as the module writes it
@@ -137,13 +139,18 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
       {"input directory missing", [] {}, dir_.path() + "nothing", 1,
        "refgrove preprocess: " + dir_.path() + "nothing: no such directory\n"},
       {"input is a file", [] {}, graph, 1, "refgrove preprocess: " + graph + ": not a directory\n"},
+      {"more words than the data files hold", [] {}, in_, 1,
+       "refgrove preprocess: the dumps hold more distinct words than a data directory can: word ids have 24 bits, "
+       "so the abstracts and titles together can have at most 100 distinct words, which is about 4 documents like "
+       "those read so far\n" + left,
+       FormatLimits{std::numeric_limits<std::int32_t>::max(), 100}},
   };
   const DataFiles before = make_earlier_target();
   for (const auto& c : cases) {
     fs::remove_all(in_);
     fs::copy(REFGROVE_SAMPLE_DIR, in_);
     c.damage();
-    const ToolRun r = preprocess(c.in, target_);
+    const ToolRun r = preprocess(c.in, target_, false, false, c.limits);
     EXPECT_EQ(r.status, c.status) << c.what;
     EXPECT_EQ(r.err, c.error) << c.what;
     expect_target_unchanged(before, c.what);
