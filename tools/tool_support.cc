@@ -58,8 +58,8 @@ refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args,
     err << "refgrove " << command << ": " << args.dir << ": " << problem << "\n";
     return nullptr;
   }
-  std::error_code ec;
   for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
+    std::error_code ec;
     if (!std::filesystem::is_regular_file(dir + name, ec)) {
       err << "refgrove " << command << ": " << dir << " is not a data directory: " << name
           << " is missing (make one with refgrove preprocess)\n";

@@ -53,11 +53,13 @@ std::string usage(const CLI::App* cmd) {
   const CLI::App* parent = cmd->get_parent();
   if (parent == nullptr || parent->get_parent() == nullptr) return CLI::Formatter().make_usage(cmd, command_path(cmd));
   std::string line = CLI::Formatter().make_usage(parent, command_path(parent));
+  const std::size_t marker = line.rfind("SUBCOMMAND");
+  if (marker == std::string::npos) return line;
   std::string op = cmd->get_name();
   for (const CLI::Option* arg : cmd->get_options([](const CLI::Option* o) { return o->get_positional(); })) {
     op += " " + arg->get_name();
   }
-  return line.replace(line.rfind("SUBCOMMAND"), std::string("SUBCOMMAND").size(), op);
+  return line.replace(marker, std::string("SUBCOMMAND").size(), op);
 }
 
 }  // namespace
