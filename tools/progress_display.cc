@@ -77,7 +77,7 @@ void ProgressDisplay::show_until_stopped() {
     if (style_ == Style::kTerminal) {
       out_ << kClearLine << line << std::flush;
     } else if (log_is_due(read, total_bytes_, &logged_tenths_)) {
-      out_ << "refgrove preprocess: " << line << "\n" << std::flush;
+      out_ << "refgrove preprocess: " + line + "\n" << std::flush;  // one write: the run writes there too
     }
   } while (!stop_requested_.wait_for(lock, interval, [this] { return stop_; }));
 }

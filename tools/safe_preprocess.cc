@@ -84,13 +84,16 @@ std::optional<int> preprocess_into(const PreprocessRequest& request, const std::
                                    PreprocSummary* summary) {
   std::ostream quiet(nullptr);
   CounterFilter out_filter(out), err_filter(err);
-  std::ostream out_log(&out_filter), err_log(&err_filter);
+  // The run's messages and the progress lines reach `err` through one
+  // filter, from different threads: each with an ostream of its own.
+  std::ostream out_log(&out_filter), err_log(&err_filter), progress_log(&err_filter);
   PreprocProgress progress;
   PreprocOptions options;
   options.checked = true;
   options.limits = request.limits;
   options.progress = &progress;
   std::optional<ProgressDisplay::Style> style;
+  std::ostream* display_out = &err;
   if (request.verbose) {
     options.out = &out;
     options.err = &err;
@@ -101,10 +104,11 @@ std::optional<int> preprocess_into(const PreprocessRequest& request, const std::
     options.out = &out_log;
     options.err = &err_log;
     style = ProgressDisplay::Style::kLog;
+    display_out = &progress_log;
   }
   try {
     std::optional<ProgressDisplay> display;
-    if (style) display.emplace(progress.bytes_read, dumps_size(in_dir), err, *style);
+    if (style) display.emplace(progress.bytes_read, dumps_size(in_dir), *display_out, *style);
     *summary = preprocess(in_dir, staging.prefix(), options);
   } catch (const ParserError& e) {
     e.write(err);
