@@ -266,13 +266,15 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
       "Prints each document exactly as the module's refgrove_printdoc does:\n"
       "its word-data header, authors, title and abstract, with two oddities\n"
       "kept so. The title words go to standard error (their label \"title:\"\n"
-      "to standard output). The abstract, and the \"# words\" count, read the\n"
-      "document's offset in word-idx as a count of word ids where it is a byte\n"
-      "position: for the first document of word-idx that is its own abstract,\n"
-      "for every other one the words of another document (or past the end of\n"
-      "the data: then fewer or none). refgrove show prints a document as\n"
-      "written, all on standard output. A DID in neither half of the data is\n"
-      "named on standard error, and the exit status is then 1.");
+      "to standard output). The abstract reads the document's offset in\n"
+      "word-idx as a count of word ids where it is a byte position, and the\n"
+      "\"# words\" count is the distance of two such offsets, three times the\n"
+      "real count: the first document of word-idx shows its own abstract\n"
+      "(and more words after it), every other one the words of another\n"
+      "document, or fewer, or none past the end of the data. refgrove show\n"
+      "prints a document as written, all on standard output. A DID in neither\n"
+      "half of the data is named on standard error, and the exit status is\n"
+      "then 1.");
   auto printdoc_args = std::make_shared<DataDirArgs>();
   auto dids = std::make_shared<std::vector<int>>();
   add_data_dir_args(printdoc, printdoc_args.get());
