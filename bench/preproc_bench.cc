@@ -23,7 +23,7 @@
 #include <string>
 #include <vector>
 
-#include "core/refgrove.h"
+#include "preproc/refgrove_preproc.h"
 #include "tools/dump_generator.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #   bin/refgrove
 #   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
-#   include/refgrove/refgrove.h
+#   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
@@ -21,12 +21,19 @@ set(REFGROVE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(TARGETS refgrove_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS refgrove LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES core/refgrove.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
+# The header of the C interface includes its two parts by their paths in the
+# source tree, which lie beside it once installed.
+set(REFGROVE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
+install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
+install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)
+install(FILES preproc/refgrove_preproc.h DESTINATION ${REFGROVE_INCLUDE_DIR}/preproc)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tools/refgrove.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
-# The way up from a directory below the prefix to the prefix itself.
+# The way up from a directory below the prefix to the prefix itself
+# ("../..", without the trailing "/" that RELATIVE_PATH leaves).
 function(refgrove_path_to_prefix out dir)
   file(RELATIVE_PATH up /prefix/${dir} /prefix)
+  string(REGEX REPLACE "/$" "" up "${up}")
   set(${out} ${up} PARENT_SCOPE)
 endfunction()
 
@@ -36,8 +43,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/refgrove.pc DESTINATION ${REFGROVE_PKG
 
 refgrove_path_to_prefix(REFGROVE_CONFIG_TO_PREFIX ${REFGROVE_CMAKE_DIR})
 configure_file(cmake/refgroveConfig.cmake.in refgroveConfig.cmake @ONLY)
-# 0.x releases: only the same minor version is compatible.
-write_basic_package_version_file(refgroveConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(refgroveConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/refgroveConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/refgroveConfigVersion.cmake
         DESTINATION ${REFGROVE_CMAKE_DIR})
 
@@ -49,6 +55,6 @@ if(NOT REFGROVE_I386 AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_test(NAME install_test
            COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cmake/install_test/run.sh ${CMAKE_BINARY_DIR}
                    ${CMAKE_CURRENT_SOURCE_DIR}/data/sample/ ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER}
-                   ${CMAKE_GENERATOR})
+                   ${CMAKE_GENERATOR} ${PROJECT_VERSION})
   set_tests_properties(install_test PROPERTIES TIMEOUT 300)
 endif()

@@ -15,11 +15,11 @@
 #include <vector>
 
 #include "core/refgrove.h"
-#include "core/test_documents.h"
 #include "core/validate.h"
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
 #include "testing/query_everything.h"
+#include "testing/test_documents.h"
 
 namespace {
 

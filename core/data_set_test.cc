@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "core/test_documents.h"
+#include "testing/test_documents.h"
 
 namespace {
 

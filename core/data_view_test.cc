@@ -13,8 +13,8 @@
 #include <thread>
 #include <vector>
 
-#include "core/test_documents.h"
 #include "testing/data_files.h"
+#include "testing/test_documents.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/data_set.h"
-#include "core/test_documents.h"
+#include "testing/test_documents.h"
 
 namespace {
 

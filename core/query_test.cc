@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "core/data_set.h"
-#include "core/test_documents.h"
+#include "testing/test_documents.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
-/* The plain C interface of refgrove.so: loading a data directory, the query
- * operations, printing, and preprocessing text dumps into a data directory.
+/* The query side of the plain C interface of refgrove.so: loading a data
+ * directory, the query operations and printing (module/refgrove.h adds
+ * preprocessing).
  *
  * Every operation reads the one loaded data set through `refgrove_data`.
  * Lookups return 1 when the document (or item) exists and 0 when it does not;
@@ -28,11 +29,6 @@ extern REFGROVE_VISIBLE RefgroveData* refgrove_data;
 /* Replaces the loaded data set by the one in directory `path` (a prefix to
  * which the file names are appended, so it normally ends in "/"). */
 REFGROVE_VISIBLE void refgrove_load_1(const char* path);
-
-/* Preprocesses the dumps of input directory `a` into data directory `b`
- * (both prefixes, as above). Ends the process with status 3 on a dump that
- * does not parse. */
-REFGROVE_VISIBLE void refgrove_preproc_1(const char* a, const char* b);
 
 /* One more than the largest DID of the loaded data (0 when empty). */
 REFGROVE_VISIBLE void refgrove_last_did_1(int* out);

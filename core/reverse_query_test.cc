@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "core/data_set.h"
-#include "core/test_documents.h"
 #include "testing/data_files.h"
+#include "testing/test_documents.h"
 
 namespace {
 

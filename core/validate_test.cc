@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "core/test_documents.h"
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
+#include "testing/test_documents.h"
 
 namespace {
 

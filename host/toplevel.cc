@@ -6,23 +6,17 @@
 #include <iostream>
 #include <stdexcept>
 
+#include "core/predicate_table.h"
 #include "host/host_engine.h"
 #include "host/term_text.h"
-#include "module/host_terms.h"
 
 namespace toplevel {
 
 const std::map<std::string, int>& predicate_arities() {
   static const std::map<std::string, int> arities = {
-      {"refgrove_hello", 0},          {"refgrove_preproc", 2},       {"refgrove_load", 1},
-      {"refgrove_has_word_info", 1},  {"refgrove_has_graph_info", 1}, {"refgrove_printdoc", 1},
-      {"refgrove_print_author", 1},   {"refgrove_last_did", 1},      {"refgrove_document_count", 1},
-      {"refgrove_get_nb_authors", 1}, {"refgrove_stats", 3},         {"refgrove_word_count", 2},
-      {"refgrove_title_length", 2},   {"refgrove_author_count", 2},  {"refgrove_cite_count", 2},
-      {"refgrove_get_year", 2},       {"refgrove_get_author_id", 3}, {"refgrove_get_cite", 4},
-      {"refgrove_get_key", 2},        {"refgrove_get_title_word", 3}, {"refgrove_get_word", 3},
-      {"refgrove_get_author", 3},     {"refgrove_id2author", 2},     {"refgrove_get_authors", 2},
-      {"refgrove_author_distance", 3},
+#define REFGROVE_ARITY(name, arity) {#name, arity},
+      REFGROVE_HOST_PREDICATES(REFGROVE_ARITY)
+#undef REFGROVE_ARITY
   };
   return arities;
 }

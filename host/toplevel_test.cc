@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "core/test_documents.h"
 #include "host/host_engine.h"
 #include "host/term_text.h"
 #include "testing/child_process.h"
+#include "testing/test_documents.h"
 
 namespace {
 
@@ -189,7 +189,7 @@ TEST(RefgroveHost, HelpAndBadModule) {
   EXPECT_NE(bad.err.find("cannot load the module"), std::string::npos) << bad.err;
 }
 
-// ---- The examples in the README and in --help -----------------------------
+// ---- The examples of the host's page and of --help ------------------------
 
 // Replaces every `from` in `text` by `to`.
 std::string replace_all(std::string text, const std::string& from, const std::string& to) {
@@ -241,13 +241,10 @@ void expect_examples_work(const std::string& where, const std::vector<std::strin
 }
 
 TEST(RefgroveHost, ExamplesOfTheReadmeWorkVerbatim) {
-  // The host's part of the README, up to the next top-level section; the
-  // scripts there build the project themselves and are left out.
-  const std::string readme = read_file(REFGROVE_SOURCE_DIR "README.md");
-  const std::size_t from = readme.find("\n## The host binding");
-  ASSERT_NE(from, std::string::npos);
-  const std::string section = readme.substr(from, readme.find("\n## ", from + 1) - from);
-  expect_examples_work("README", shell_commands(section, [](const std::string& line) {
+  // The host's page of the docs; the scripts there build the project
+  // themselves and are left out.
+  const std::string page = read_file(REFGROVE_SOURCE_DIR "docs/host.md");
+  expect_examples_work("docs/host.md", shell_commands(page, [](const std::string& line) {
                          const std::size_t at = line.find_first_not_of(' ');
                          const bool command = at != std::string::npos && line.compare(at, 2, "$ ") == 0 &&
                                               line.compare(at + 2, 8, "scripts/") != 0;

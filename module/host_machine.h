@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 static_assert(sizeof(void*) == 4, "the host engine is 32-bit: build this with the i386 preset");
 
@@ -108,6 +109,18 @@ static_assert(offsetof(LumoxMachine, root_count) == 15528, "root stack count");
 static_assert(offsetof(LumoxMachine, root_capacity) == 15532, "root stack capacity");
 static_assert(offsetof(LumoxMachine, slots) == 15536, "symbol reference slots");
 static_assert(offsetof(LumoxMachine, free_slot) == 15540, "free slot head");
+
+// Thrown by a module when a host object cannot be made from a term (an atom
+// wrapper from a term that is not an atom). The host catches it by type; the
+// object is nothing but its message buffer.
+struct LumoxObjectCreationError {
+  explicit LumoxObjectCreationError(const char* text) {
+    std::strncpy(message, text, sizeof message - 1);
+    message[sizeof message - 1] = '\0';
+  }
+  char message[1024];
+};
+static_assert(sizeof(LumoxObjectCreationError) == 1024, "the host expects a bare 1024-byte buffer");
 
 #define LUMOX_HOST_VISIBLE __attribute__((visibility("default")))
 

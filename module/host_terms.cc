@@ -24,11 +24,6 @@ void bind_variable(LumoxMachine* m, term var, term value) {
 
 }  // namespace
 
-LumoxObjectCreationError::LumoxObjectCreationError(const char* text) {
-  std::strncpy(message, text, sizeof message - 1);
-  message[sizeof message - 1] = '\0';
-}
-
 int read_int_arg(term arg) {
   const term t = deref(arg);
   if (is_int(t)) return int_value(t);

@@ -8,14 +8,7 @@
 
 #include "module/host_machine.h"
 
-// Thrown when an atom wrapper is built from a term that is not an atom. The
-// host catches it by type; the object is nothing but its message buffer.
-struct LumoxObjectCreationError {
-  explicit LumoxObjectCreationError(const char* message);
-  char message[1024];
-};
-static_assert(sizeof(LumoxObjectCreationError) == 1024, "the host expects a bare 1024-byte buffer");
-
+// The message of the LumoxObjectCreationError that a non-atom raises.
 extern const char kNotAnAtomMessage[];  // "LUMOX_atom:term is not an atom"
 
 // An integer input. A non-integer is reported on stdio's stderr ("Term has

@@ -7,7 +7,8 @@
 
 #include <string>
 
-#include "core/test_documents.h"
+#include "core/predicate_table.h"
+#include "testing/test_documents.h"
 
 namespace {
 
@@ -51,6 +52,16 @@ TEST_F(ModuleTest, ExportsItsCInterfaceAndNothingElse) {
     fn<void>("refgrove_" + std::string(op) + "_1");
   }
 }
+
+#ifdef REFGROVE_HOST_BINDING
+// A predicate of the table that the binding does not define is declared
+// all the same, and missing only here.
+TEST_F(ModuleTest, ExportsEveryPredicateOfTheTable) {
+#define REFGROVE_EXPECT_EXPORTED(name, arity) EXPECT_NE(dlsym(handle_, #name), nullptr) << #name "/" #arity;
+  REFGROVE_HOST_PREDICATES(REFGROVE_EXPECT_EXPORTED)
+#undef REFGROVE_EXPECT_EXPORTED
+}
+#endif
 
 // One call through each C signature of the interface, answered from the
 // data set the module loaded (the values themselves are the core's tests).

@@ -7,8 +7,8 @@
 #include <iostream>
 #include <vector>
 
-#include "core/refgrove.h"
 #include "module/host_terms.h"
+#include "module/refgrove.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "core/test_documents.h"
 #include "host/host_engine.h"
 #include "module/host_terms.h"
+#include "testing/test_documents.h"
 
 // preproc_recorder.cc stands in for preprocessing: it records the
 // directories and throws for the input directory "throw/".
@@ -19,7 +19,7 @@ using Predicate = int (*)(LumoxMachine*);
 
 constexpr term kFails = 0;  // no answer: a reference to address 0 is never one
 
-// The sample of core/test_documents.h: DID 2 has authors 0, 1, 2 and the
+// The sample of testing/test_documents.h: DID 2 has authors 0, 1, 2 and the
 // citations (gid 11, did 4), (gid 12, did 9); DID 4 is graph only, DID 6
 // words only, DID 9 has author 2.
 class PredicatesTest : public LoadedDataTest {

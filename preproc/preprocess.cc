@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "graph/graph_dump.h"
+#include "preproc/refgrove_preproc.h"
 #include "preproc/word_preproc.h"
 #include "tokenizer/parser_error.h"
 

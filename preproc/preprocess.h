@@ -2,9 +2,10 @@
 // directory, with its messages on streams of the caller's choice, and, for
 // callers that must not lose data, every input and every write checked.
 //
-// refgrove_preproc_1, the module's entry, runs it unchecked on the standard
-// streams and ends the process with status 3 when a dump does not parse.
-// Tools and libraries call preprocess() itself: it throws instead.
+// refgrove_preproc_1 (refgrove_preproc.h), the module's entry, runs it
+// unchecked on the standard streams and ends the process with status 3 when
+// a dump does not parse. Tools and libraries call preprocess() itself: it
+// throws instead.
 #ifndef REFGROVE_PREPROC_PREPROCESS_H_
 #define REFGROVE_PREPROC_PREPROCESS_H_
 
@@ -85,9 +86,5 @@ PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir,
 
 // The sizes of the four dumps of in_dir together; a missing dump counts 0.
 std::uint64_t dumps_size(const std::string& in_dir);
-
-// The module's entry: preprocess() unchecked on the standard streams; a
-// dump that does not parse is reported and ends the process with status 3.
-extern "C" __attribute__((visibility("default"))) void refgrove_preproc_1(const char* a, const char* b);
 
 #endif  // REFGROVE_PREPROC_PREPROCESS_H_

@@ -11,6 +11,7 @@
 
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
+#include "preproc/refgrove_preproc.h"
 #include "testing/test_files.h"
 #include "tokenizer/parser_error.h"
 #include "words/word_files.h"

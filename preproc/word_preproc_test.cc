@@ -14,6 +14,7 @@
 #include "core/refgrove.h"
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
+#include "preproc/refgrove_preproc.h"
 #include "testing/child_process.h"
 #include "testing/data_dir_builder.h"
 

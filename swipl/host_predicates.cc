@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "core/predicate_table.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
 
@@ -123,30 +124,38 @@ foreign_t distance_pred(term_t args, int, control_t) {
   return PL_unify_float(args + 2, author_distance(current_data(), a, b));
 }
 
+// Each predicate's implementation under the predicate's name, from which
+// the table's registration below is made.
+constexpr ForeignFunction refgrove_hello = hello;
+constexpr ForeignFunction refgrove_preproc = preproc_pred;
+constexpr ForeignFunction refgrove_load = load_pred;
+constexpr ForeignFunction refgrove_has_word_info = has_word_info_pred;
+constexpr ForeignFunction refgrove_has_graph_info = has_graph_info_pred;
+constexpr ForeignFunction refgrove_printdoc = printdoc_pred;
+constexpr ForeignFunction refgrove_print_author = print_author_pred;
+constexpr ForeignFunction refgrove_last_did = last_did_pred;
+constexpr ForeignFunction refgrove_document_count = stats_pred;
+constexpr ForeignFunction refgrove_get_nb_authors = nb_authors_pred;
+constexpr ForeignFunction refgrove_stats = stats_pred;
+constexpr ForeignFunction refgrove_word_count = int_result<word_count>;
+constexpr ForeignFunction refgrove_title_length = int_result<title_length>;
+constexpr ForeignFunction refgrove_author_count = int_result<author_count>;
+constexpr ForeignFunction refgrove_cite_count = int_result<cite_count>;
+constexpr ForeignFunction refgrove_get_year = int_result<get_year>;
+constexpr ForeignFunction refgrove_get_author_id = author_id_pred;
+constexpr ForeignFunction refgrove_get_cite = cite_pred;
+constexpr ForeignFunction refgrove_get_key = text_result<key_of>;
+constexpr ForeignFunction refgrove_get_title_word = text_result<get_title_word>;
+constexpr ForeignFunction refgrove_get_word = text_result<get_word>;
+constexpr ForeignFunction refgrove_get_author = text_result<get_author>;
+constexpr ForeignFunction refgrove_id2author = text_result<name_of>;
+constexpr ForeignFunction refgrove_get_authors = authors_pred;
+constexpr ForeignFunction refgrove_author_distance = distance_pred;
+
 constexpr ForeignPredicate kPredicates[] = {
-    {"refgrove_hello", 0, guarded<hello>, false},
-    {"refgrove_has_word_info", 1, guarded<has_word_info_pred>, false},
-    {"refgrove_has_graph_info", 1, guarded<has_graph_info_pred>, false},
-    {"refgrove_printdoc", 1, guarded<printdoc_pred>, false},
-    {"refgrove_print_author", 1, guarded<print_author_pred>, false},
-    {"refgrove_last_did", 1, guarded<last_did_pred>, false},
-    {"refgrove_document_count", 1, guarded<stats_pred>, false},
-    {"refgrove_get_nb_authors", 1, guarded<nb_authors_pred>, false},
-    {"refgrove_stats", 3, guarded<stats_pred>, false},
-    {"refgrove_word_count", 2, guarded<int_result<word_count>>, false},
-    {"refgrove_title_length", 2, guarded<int_result<title_length>>, false},
-    {"refgrove_author_count", 2, guarded<int_result<author_count>>, false},
-    {"refgrove_cite_count", 2, guarded<int_result<cite_count>>, false},
-    {"refgrove_get_year", 2, guarded<int_result<get_year>>, false},
-    {"refgrove_get_author_id", 3, guarded<author_id_pred>, false},
-    {"refgrove_get_cite", 4, guarded<cite_pred>, false},
-    {"refgrove_get_key", 2, guarded<text_result<key_of>>, false},
-    {"refgrove_get_title_word", 3, guarded<text_result<get_title_word>>, false},
-    {"refgrove_get_word", 3, guarded<text_result<get_word>>, false},
-    {"refgrove_get_author", 3, guarded<text_result<get_author>>, false},
-    {"refgrove_id2author", 2, guarded<text_result<name_of>>, false},
-    {"refgrove_get_authors", 2, guarded<authors_pred>, false},
-    {"refgrove_author_distance", 3, guarded<distance_pred>, false},
+#define REFGROVE_REGISTER(name, arity) {#name, arity, guarded<name>, false},
+    REFGROVE_HOST_PREDICATES(REFGROVE_REGISTER)
+#undef REFGROVE_REGISTER
 };
 
 }  // namespace

@@ -56,10 +56,15 @@ struct ForeignPredicate {
   bool nondeterministic;
 };
 
-// The predicates of each source file, registered by install_refgrove4pl.
+// The predicates of each source file, registered by install_refgrove4pl:
+// those of the host binding's table (core/predicate_table.h), and the
+// library's own.
 std::span<const ForeignPredicate> host_predicates();
 std::span<const ForeignPredicate> relation_predicates();
-std::span<const ForeignPredicate> loading_predicates();
+
+// refgrove_load/1 and refgrove_preproc/2.
+foreign_t load_pred(term_t args, int arity, control_t control);
+foreign_t preproc_pred(term_t args, int arity, control_t control);
 
 }  // namespace refgrove::swipl
 

@@ -71,6 +71,8 @@ bool check_data_directory(const std::string& prefix) {
   return true;
 }
 
+}  // namespace
+
 foreign_t load_pred(term_t args, int, control_t) {
   std::string prefix;
   if (!get_path_input(args, &prefix) || !check_data_directory(prefix)) return false;
@@ -81,6 +83,8 @@ foreign_t load_pred(term_t args, int, control_t) {
   emit_messages(log.str());
   return true;
 }
+
+namespace {
 
 // Preprocessing writes into a staging directory beside the output
 // directory and then renames each data file into place: a data directory
@@ -187,6 +191,8 @@ std::function<bool()> run_preprocessing(const std::string& in, const std::string
   }
 }
 
+}  // namespace
+
 // The messages come first, then the exception, if any: print_message/2
 // must not run with an exception pending.
 foreign_t preproc_pred(term_t args, int, control_t) {
@@ -197,14 +203,5 @@ foreign_t preproc_pred(term_t args, int, control_t) {
   emit_messages(log.str());
   return raise ? raise() : true;
 }
-
-constexpr ForeignPredicate kPredicates[] = {
-    {"refgrove_load", 1, guarded<load_pred>, false},
-    {"refgrove_preproc", 2, guarded<preproc_pred>, false},
-};
-
-}  // namespace
-
-std::span<const ForeignPredicate> loading_predicates() { return kPredicates; }
 
 }  // namespace refgrove::swipl

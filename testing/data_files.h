@@ -10,6 +10,7 @@
 
 #include "core/refgrove.h"
 #include "graph/graph_file.h"
+#include "preproc/refgrove_preproc.h"
 #include "testing/data_dir_builder.h"
 #include "words/word_files.h"
 

@@ -2,10 +2,11 @@
 # Installs a build into a temporary prefix and builds and runs a small
 # program against the installed files, through pkg-config and through
 # find_package. The program preprocesses the sample dumps, loads them and
-# asks for one document.
-# Usage: run.sh BUILD_DIR SAMPLE_DIR/ C_COMPILER CXX_COMPILER GENERATOR
+# asks for one document. The pkg-config file must give the project's version
+# and paths without "//".
+# Usage: run.sh BUILD_DIR SAMPLE_DIR/ C_COMPILER CXX_COMPILER GENERATOR VERSION
 set -euo pipefail
-build=$1 sample=$2 cc=$3 cxx=$4 generator=$5
+build=$1 sample=$2 cc=$3 cxx=$4 generator=$5 version=$6
 here=$(cd "$(dirname "$0")" && pwd)
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
@@ -43,11 +44,16 @@ check() {  # check NAME PROGRAM: runs PROGRAM on a data directory of its own
 # pkg-config, from a prefix that is not on any search path.
 pc_dir=$(dirname "$(find "$prefix" -name refgrove.pc)")
 flags=$(PKG_CONFIG_PATH=$pc_dir pkg-config --cflags --libs refgrove)
+pc_version=$(PKG_CONFIG_PATH=$pc_dir pkg-config --modversion refgrove)
+if [[ $flags == *//* || $pc_version != "$version" ]]; then
+  echo "pkg-config: version '$pc_version' (expected '$version'), flags '$flags' (paths without '//')" >&2
+  exit 1
+fi
 "$cc" -Wall -Wextra -Werror -o "$tmp/pkgconfig_c" "$here/use_refgrove.c" $flags
 check pkgconfig_c "$tmp/pkgconfig_c"
 
 # find_package, in a project of its own.
-cmake -S "$here" -B "$tmp/consumer" -G "$generator" -DCMAKE_PREFIX_PATH="$prefix" \
+cmake -S "$here" -B "$tmp/consumer" -G "$generator" -DCMAKE_PREFIX_PATH="$prefix" -DREFGROVE_VERSION="$version" \
       -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_C_FLAGS="-Wall -Wextra -Werror" \
       -DCMAKE_CXX_FLAGS="-Wall -Wextra -Werror" >/dev/null
 cmake --build "$tmp/consumer" >/dev/null

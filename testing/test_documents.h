@@ -1,6 +1,7 @@
-// A small data directory shared by the query-core tests.
-#ifndef REFGROVE_CORE_TEST_DOCUMENTS_H_
-#define REFGROVE_CORE_TEST_DOCUMENTS_H_
+// A small data directory shared by the tests of the query core and of the
+// faces above it.
+#ifndef REFGROVE_TESTING_TEST_DOCUMENTS_H_
+#define REFGROVE_TESTING_TEST_DOCUMENTS_H_
 
 #include <gtest/gtest.h>
 
@@ -55,4 +56,4 @@ class LoadedDataTest : public ::testing::Test {
   TempDir dir_;
 };
 
-#endif  // REFGROVE_CORE_TEST_DOCUMENTS_H_
+#endif  // REFGROVE_TESTING_TEST_DOCUMENTS_H_

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/refgrove.h"
+#include "preproc/refgrove_preproc.h"
 
 std::vector<std::pair<std::string, std::string>>& preproc_calls() {
   static std::vector<std::pair<std::string, std::string>> calls;
