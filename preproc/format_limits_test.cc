@@ -25,6 +25,14 @@ TEST(FormatLimitsTest, TheSentenceNamesTheLimitAndTheDocumentsThatFit) {
             std::string("the dumps hold more distinct words than a data directory can: word ids have 24 bits, so the "
                         "abstracts and titles together can have at most 16777216 distinct words, which is about "
                         "2,500,000 documents like those read so far"));
+  // Few documents, down to one that alone holds too many words.
+  const auto documents_that_fit = [&](std::int64_t words, std::int64_t documents) {
+    const std::string message = format_limit_message(limits, RunSize{3000, words, documents});
+    return message.substr(message.find("which is"));
+  };
+  EXPECT_EQ(documents_that_fit(16777217, 2), "which is about 2 documents like those read so far");
+  EXPECT_EQ(documents_that_fit(16778217, 1), "which is about 1 document like those read so far");
+  EXPECT_EQ(documents_that_fit(40000000, 1), "which is less than one document like those read so far");
   EXPECT_TRUE(within(limits, RunSize{2147483647, 16777216, 1}));
   EXPECT_FALSE(within(limits, RunSize{2147483648, 1, 1}));
   EXPECT_FALSE(within(limits, RunSize{3, 16777217, 1}));

@@ -141,7 +141,7 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
       {"input is a file", [] {}, graph, 1, "refgrove preprocess: " + graph + ": not a directory\n"},
       {"more words than the data files hold", [] {}, in_, 1,
        "refgrove preprocess: the dumps hold more distinct words than a data directory can: word ids have 24 bits, "
-       "so the abstracts and titles together can have at most 100 distinct words, which is about 4 documents like "
+       "so the abstracts and titles together can have at most 100 distinct words, which is about 5 documents like "
        "those read so far\n" + left,
        FormatLimits{std::numeric_limits<std::int32_t>::max(), 100}},
   };
