@@ -225,7 +225,9 @@ void add_query_command(CLI::App& app, CommandContext& ctx) {
     for (const char* arg : op.args) usage += std::string(usage.empty() ? "" : " ") + arg;
     CLI::App* sub = query->add_subcommand(op.name, usage.empty() ? op.summary : usage + ": " + op.summary);
     sub->fallthrough();  // -v after the operation still belongs to `query`
-    for (std::size_t k = 0; k < op.args.size(); ++k) sub->add_option(op.args[k], (*ints)[k])->required()->transform(decimal());
+    for (std::size_t k = 0; k < op.args.size(); ++k) {
+      sub->add_option(op.args[k], (*ints)[k])->required()->transform(decimal());
+    }
     sub->callback([&ctx, &op, args, ints] {
       const DataSetPtr data = load_data_dir("query", *args, ctx.err);
       if (data == nullptr) {

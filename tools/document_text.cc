@@ -87,4 +87,3 @@ DocumentText document_text(const RefgroveData& d, int did) {
   doc.abstract = join_words(n, [&](int i, const char** w) { return refgrove::get_abstract_word(d, did, i, w); });
   return doc;
 }
-

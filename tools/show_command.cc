@@ -38,7 +38,9 @@ const char kHelp[] =
     "directory or a DID is in neither half of the data (named on standard\n"
     "error), 2 on a usage error.";
 
-bool in_data(const RefgroveData& d, int did) { return refgrove::has_graph_info(d, did) || refgrove::has_word_info(d, did); }
+bool in_data(const RefgroveData& d, int did) {
+  return refgrove::has_graph_info(d, did) || refgrove::has_word_info(d, did);
+}
 
 void field(std::ostream& out, const char* label, const std::string& text) {
   out << label << (text.empty() ? "(none)" : text) << "\n";

@@ -15,7 +15,8 @@ std::string as_dir(const std::string& path) {
 
 std::string parse_decimal(const std::string& text, std::int64_t min, std::int64_t max, std::int64_t* value) {
   const std::size_t digits_at = !text.empty() && text[0] == '-' ? 1 : 0;
-  const bool digits_only = text.size() > digits_at && text.find_first_not_of("0123456789", digits_at) == std::string::npos;
+  const bool digits_only =
+      text.size() > digits_at && text.find_first_not_of("0123456789", digits_at) == std::string::npos;
   if (!digits_only) return "expected a decimal number, not '" + text + "'";
   std::int64_t v = 0;
   const std::from_chars_result r = std::from_chars(text.data(), text.data() + text.size(), v);
