@@ -2,6 +2,7 @@
 # the files with which C and C++ programs find them (pkg-config and a CMake
 # package). Layout under the prefix:
 #   bin/refgrove
+#   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
 #   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h,
 #   network.h
@@ -28,6 +29,7 @@ install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
 install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)
 install(FILES preproc/refgrove_preproc.h DESTINATION ${REFGROVE_INCLUDE_DIR}/preproc)
 install(FILES network/refgrove_network.h DESTINATION ${REFGROVE_INCLUDE_DIR} RENAME network.h)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tools/refgrove.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # The way up from a directory below the prefix to the prefix itself
 # ("../..", without the trailing "/" that RELATIVE_PATH leaves).

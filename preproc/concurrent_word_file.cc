@@ -83,6 +83,10 @@ void ConcurrentWordFile::write(std::ostream& data_out, std::ostream& idx_out) {
     write_document_word_info(idx_out, DocumentWordInfo{doc.did, offset});
     data_out.write(data_.data() + begin, static_cast<std::streamsize>(end - begin));
     position += static_cast<std::int64_t>(end - begin);
+    if (preproc_->options().checked && position > preproc_->options().limits.word_data_bytes) {
+      preproc_->check_limits(
+          RunSize{position, 0, idx_out.tellp() / static_cast<std::streamoff>(kDocumentWordInfoBytes)});
+    }
   }
   if (read_error_) std::rethrow_exception(read_error_);
 }

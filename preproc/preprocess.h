@@ -17,6 +17,7 @@
 #include <string>
 #include <utility>
 
+#include "preproc/format_limits.h"
 #include "tokenizer/parser_error.h"
 
 // How far a run has read, for a progress display: updated by the threads
@@ -31,8 +32,11 @@ struct PreprocOptions {
   std::ostream* err = &std::cerr;  // diagnostics and the running counters
   // Checks that the four dumps are regular files before anything is read,
   // and every output file once written: a failure throws PreprocError.
-  // Unchecked, a missing dump reads as empty and a failed write is lost.
+  // Checked, dumps beyond `limits` throw FormatLimitError. Unchecked, a
+  // missing dump reads as empty, a failed write is lost and offsets and ids
+  // beyond the limits wrap around.
   bool checked = false;
+  FormatLimits limits;
   PreprocProgress* progress = nullptr;
 };
 
@@ -57,6 +61,13 @@ class PreprocError : public std::runtime_error {
   std::string reason;
 };
 
+// Dumps that hold more than a data directory can (format_limits.h): `path`
+// is the file that cannot hold them, `reason` one sentence with the limit.
+class FormatLimitError : public PreprocError {
+ public:
+  using PreprocError::PreprocError;
+};
+
 // A dump that does not parse: the parser's error, written exactly as the
 // module writes it, and the path of the dump, which the parsers reading
 // streams do not know.
@@ -69,7 +80,8 @@ class DumpParseError : public ParserError {
 // Preprocesses the dumps of in_dir into out_dir (both plain prefixes, to
 // which file names are appended). Throws DumpParseError when a dump does not
 // parse (the files written by then stay as they are), PreprocError when
-// checked and an input or output fails.
+// checked and an input or output fails, FormatLimitError when checked and
+// the dumps hold more than a data directory can.
 PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir, const PreprocOptions& options = {});
 
 // The sizes of the four dumps of in_dir together; a missing dump counts 0.

@@ -68,6 +68,8 @@ PreprocSummary preprocess_into(const StagedRequest& request, const StagingDir& s
   options.checked = true;
   try {
     return preprocess(dir_prefix(request.in_dir), staging.prefix(), options);
+  } catch (const FormatLimitError& e) {  // about the dumps as a whole, not the file it stopped at
+    throw StagedRunError(Stage::run, paths.target, paths.target, e.reason, e.reason);
   } catch (const PreprocError& e) {
     const std::string path = with_path_replaced(e.path, staging.path(), paths.target);
     throw StagedRunError(Stage::run, paths.target, path, e.reason, path + ": " + e.reason);

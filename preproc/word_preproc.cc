@@ -112,7 +112,14 @@ WordPreproc::WordTokenizer::~WordTokenizer() = default;
 WordPreproc::WordPreproc(const PreprocOptions& options)
     : files(std::begin(kWordDumpFiles), std::end(kWordDumpFiles)), options_(options) {}
 
+void WordPreproc::check_limits(const RunSize& size) const {
+  if (!options_.checked || within(options_.limits, size)) return;
+  const char* file = size.word_data_bytes > options_.limits.word_data_bytes ? kWordDataFile : kWordTableFile;
+  throw FormatLimitError(out_dir_ + file, format_limit_message(options_.limits, size));
+}
+
 PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string& out_dir) {
+  out_dir_ = out_dir;
   std::ostream& out = *options_.out;
   std::ostream& err = *options_.err;
   // Opened first, so that a directory that cannot be written is found
@@ -154,6 +161,8 @@ PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string
   out << "3. Preproc author\n";
   const GraphPassResult graph = graph_parse.finish(&table, out_dir);
   if (options_.checked) throw_if_failed(out_dir + kGraphFile, graph.write_error);
+  // The title words are in the table now.
+  check_limits(RunSize{end, static_cast<std::int64_t>(table.size()), headers - 1});
 
   out << "4. Writing word-table\n";
   OutputFile table_out(out_dir + kWordTableFile, options_.checked);
@@ -247,6 +256,11 @@ WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostrea
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);
+    if (options_.checked &&
+        (position > options_.limits.word_data_bytes || table->size() > options_.limits.distinct_words)) {
+      check_limits(RunSize{position, static_cast<std::int64_t>(table->size()),
+                           idx_out.tellp() / static_cast<std::streamoff>(kDocumentWordInfoBytes)});
+    }
   }
   out << std::endl;
   std::error_code no_size;

@@ -82,10 +82,16 @@ class WordPreproc {
 
   const PreprocOptions& options() const { return options_; }
 
+  // Checked, throws FormatLimitError when a run of `size` is beyond the
+  // options' limits, naming the file of preproc()'s output that cannot hold
+  // it.
+  void check_limits(const RunSize& size) const;
+
   std::vector<const char*> files;
 
  private:
   PreprocOptions options_;
+  std::string out_dir_;  // of the run of preproc()
 };
 
 #endif  // REFGROVE_PREPROC_WORD_PREPROC_H_

@@ -27,10 +27,14 @@ const char kHelp[] =
     "SWI-Prolog library), the files' sizes and checksums are compared with it:\n"
     "a file that differs comes from another run.\n"
     "\n"
-    "Exit status: 0 when nothing was found, 1 when something was, 2 on a usage\n"
-    "error.";
+    "Exit status: 0 when nothing was found, 1 when something was or DIR is\n"
+    "not a directory, 2 on a usage error.";
 
-int check_dir(const std::string& dir_arg, std::ostream& out) {
+int check_dir(const std::string& dir_arg, std::ostream& out, std::ostream& err) {
+  if (const std::string problem = directory_problem(dir_arg); !problem.empty()) {
+    err << "refgrove check: " << dir_arg << ": " << problem << "\n";
+    return 1;
+  }
   const std::string dir = as_dir(dir_arg);
   std::vector<Finding> findings = validate_data_dir(dir);
   for (ManifestMismatch& m : manifest_mismatches(dir)) {
@@ -55,5 +59,5 @@ void add_check_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("DIR", *dir, "the data directory")->required()->check(CLI::Validator(
       [](const std::string& s) { return s.empty() ? std::string("an empty directory name") : std::string(); },
       "", "non-empty"));
-  cmd->callback([&ctx, dir] { ctx.status = check_dir(*dir, ctx.out); });
+  cmd->callback([&ctx, dir] { ctx.status = check_dir(*dir, ctx.out, ctx.err); });
 }

@@ -58,7 +58,7 @@ TEST(CheckCommandTest, UsageErrorsExitTwo) {
   for (const std::vector<std::string>& args : std::vector<std::vector<std::string>>{{}, {"a", "b"}, {""}}) {
     const ToolRun r = check(args);
     EXPECT_EQ(r.status, 2) << args.size() << " arguments";
-    EXPECT_NE(r.err.find("Run with --help"), std::string::npos) << r.err;
+    EXPECT_NE(r.err.find("Run 'refgrove check --help'"), std::string::npos) << r.err;
     EXPECT_EQ(r.out, "");
   }
   const ToolRun help = check({"--help"});

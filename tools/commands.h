@@ -36,6 +36,8 @@ void add_tokens_command(CLI::App& app, CommandContext& ctx);
 void add_preprocess_command(CLI::App& app, CommandContext& ctx);
 // `refgrove stats`, `printdoc`, `author`, `query`: reading a data directory.
 void add_data_commands(CLI::App& app, CommandContext& ctx);
+// `refgrove show`: documents for people to read.
+void add_show_command(CLI::App& app, CommandContext& ctx);
 // `refgrove cited-by`, `author-docs`, `key-docs`: the reverse lookups.
 void add_lookup_commands(CLI::App& app, CommandContext& ctx);
 // `refgrove export`: a data directory as JSON lines or CSV.

@@ -225,7 +225,9 @@ void add_query_command(CLI::App& app, CommandContext& ctx) {
     for (const char* arg : op.args) usage += std::string(usage.empty() ? "" : " ") + arg;
     CLI::App* sub = query->add_subcommand(op.name, usage.empty() ? op.summary : usage + ": " + op.summary);
     sub->fallthrough();  // -v after the operation still belongs to `query`
-    for (std::size_t k = 0; k < op.args.size(); ++k) sub->add_option(op.args[k], (*ints)[k])->required();
+    for (std::size_t k = 0; k < op.args.size(); ++k) {
+      sub->add_option(op.args[k], (*ints)[k])->required()->transform(decimal());
+    }
     sub->callback([&ctx, &op, args, ints] {
       const DataSetPtr data = load_data_dir("query", *args, ctx.err);
       if (data == nullptr) {
@@ -261,16 +263,24 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
     run_stats(data, ctx.out);
   });
 
-  CLI::App* printdoc = app.add_subcommand("printdoc", "print documents of a data directory by DID");
+  CLI::App* printdoc = app.add_subcommand("printdoc", "print documents by DID as the module does (see refgrove show)");
   printdoc->footer(
-      "Prints each document as the module's refgrove_printdoc does: its\n"
-      "word-data header, authors, title and abstract. The title words go to\n"
-      "standard error, the rest to standard output. A DID in neither half of\n"
-      "the data is named on standard error, and the exit status is then 1.");
+      "Prints each document exactly as the module's refgrove_printdoc does:\n"
+      "its word-data header, authors, title and abstract, with two oddities\n"
+      "kept so. The title words go to standard error (their label \"title:\"\n"
+      "to standard output). The abstract reads the document's offset in\n"
+      "word-idx as a count of word ids where it is a byte position, and the\n"
+      "\"# words\" count is the distance of two such offsets, three times the\n"
+      "real count: the first document of word-idx shows its own abstract\n"
+      "(and more words after it), every other one the words of another\n"
+      "document, or fewer, or none past the end of the data. refgrove show\n"
+      "prints a document as written, all on standard output. A DID in neither\n"
+      "half of the data is named on standard error, and the exit status is\n"
+      "then 1.");
   auto printdoc_args = std::make_shared<DataDirArgs>();
   auto dids = std::make_shared<std::vector<int>>();
   add_data_dir_args(printdoc, printdoc_args.get());
-  printdoc->add_option("DID", *dids, "document ids")->required();
+  printdoc->add_option("DID", *dids, "document ids")->required()->transform(decimal());
   printdoc->callback([&ctx, printdoc_args, dids] {
     const DataSetPtr data = load_data_dir("printdoc", *printdoc_args, ctx.err);
     ctx.status = data == nullptr ? 1 : run_printdoc(data, *dids, ctx);
@@ -281,7 +291,7 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
   auto author_args = std::make_shared<DataDirArgs>();
   auto ids = std::make_shared<std::vector<int>>();
   add_data_dir_args(author, author_args.get());
-  author->add_option("ID", *ids, "author ids")->required();
+  author->add_option("ID", *ids, "author ids")->required()->transform(decimal());
   author->callback([&ctx, author_args, ids] {
     const DataSetPtr data = load_data_dir("author", *author_args, ctx.err);
     ctx.status = data == nullptr ? 1 : run_author(data, *ids, ctx);

@@ -62,6 +62,15 @@ TEST(DataCommandsTest, Commands) {
        "Document 0 - DID=1 - # words=12\n# Authors = 1\nA. Lee\ntitle: abstract:\n"
        "We sort graphs . Graphs , again Trees \n",
        "Sorting graphs \n"},
+      // show: the document's own abstract (printdoc reads the offset of
+      // word-idx as a count, so for DID 2 it would print other words), and
+      // the documents on both sides of its citations with their titles.
+      {{"show", "DATA", "2", "7", "3"}, 1,
+       "DID      2\nkey      (none)\nyear     (none)\ntitle    Graphs again\nauthors  A. Lee; B. Ray\n"
+       "abstract Graphs , again\ncites 1\n  1 lee98: Sorting graphs\ncited by 1\n  3 ray01: Trees\n\n"
+       "DID      3\nkey      ray01\nyear     2001\ntitle    Trees\nauthors  B. Ray\nabstract Trees\n"
+       "cites 2\n  1 lee98: Sorting graphs\n  2: Graphs again\ncited by 0\n",
+       "refgrove show: no document 7\n"},
       // A DID in neither half is named, and nothing is printed for it.
       {{"printdoc", "DATA", "7"}, 1, "", "refgrove printdoc: no document 7\n"},
       {{"printdoc", "DATA", "-5"}, 1, "", "refgrove printdoc: no document -5\n"},

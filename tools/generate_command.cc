@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <cinttypes>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <string>
 
@@ -51,8 +52,11 @@ void add_generate_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("--docs", args->options.docs, "number of documents")
       ->required()
       ->type_name("N")
-      ->check(CLI::Range(std::int64_t{0}, std::int64_t{100000000}));
-  cmd->add_option("--seed", args->options.seed, "seed of the generator")->type_name("S")->capture_default_str();
+      ->transform(decimal(0, 100000000));
+  cmd->add_option("--seed", args->options.seed, "seed of the generator")
+      ->type_name("S")
+      ->capture_default_str()
+      ->transform(decimal(0, std::numeric_limits<std::int64_t>::max()));
   cmd->add_option("OUT_DIR", args->dir, "the directory to write")->required();
   cmd->callback([&ctx, args] { ctx.status = generate(*args, ctx.out, ctx.err); });
 }

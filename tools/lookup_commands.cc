@@ -88,9 +88,9 @@ void add_lookup(CLI::App& app, CommandContext& ctx, const Lookup<Arg>& lookup, b
   auto names = std::make_shared<std::vector<std::string>>();
   add_data_dir_args(cmd, dir.get());
   CLI::Option* positional = cmd->add_option(lookup.arg_name, *args);
+  if constexpr (std::is_same_v<Value, int>) positional->transform(decimal());
   if (by_name) {
-    cmd->add_option("--name", *names, "an author's name, ignoring case; NAME* for the names starting with NAME")
-        ->allow_extra_args(false);
+    cmd->add_option("--name", *names, "an author's name, ignoring case; NAME* for the names starting with NAME");
   } else {
     positional->required();
   }

@@ -6,6 +6,7 @@
 namespace {
 
 constexpr auto kRedrawInterval = std::chrono::milliseconds(250);
+constexpr auto kLogInterval = std::chrono::seconds(1);
 // Clears from the cursor to the end of the line, so that a shorter line
 // leaves nothing of the longer one before it.
 constexpr char kClearLine[] = "\r\033[K";
@@ -38,9 +39,20 @@ std::string progress_line(std::uint64_t read, std::uint64_t total, double second
   return line + ", " + megabytes(rate) + "/s, " + duration(static_cast<double>(total - read) / rate) + " left";
 }
 
+bool log_is_due(std::uint64_t read, std::uint64_t total, int* logged_tenths) {
+  const int tenths = read >= total ? 10 : static_cast<int>(10 * read / total);
+  if (tenths <= *logged_tenths) return false;
+  *logged_tenths = tenths;
+  return true;
+}
+
 ProgressDisplay::ProgressDisplay(const std::atomic<std::uint64_t>& bytes_read, std::uint64_t total_bytes,
-                                 std::ostream& out)
-    : bytes_read_(bytes_read), total_bytes_(total_bytes), out_(out), thread_([this] { redraw_until_stopped(); }) {}
+                                 std::ostream& out, Style style)
+    : bytes_read_(bytes_read),
+      total_bytes_(total_bytes),
+      out_(out),
+      style_(style),
+      thread_([this] { show_until_stopped(); }) {}
 
 ProgressDisplay::~ProgressDisplay() {
   {
@@ -49,14 +61,23 @@ ProgressDisplay::~ProgressDisplay() {
   }
   stop_requested_.notify_one();
   thread_.join();
-  out_ << kClearLine << std::flush;
+  if (style_ == Style::kTerminal) out_ << kClearLine << std::flush;
 }
 
-void ProgressDisplay::redraw_until_stopped() {
+void ProgressDisplay::show_until_stopped() {
   const auto start = std::chrono::steady_clock::now();
+  const auto interval = style_ == Style::kTerminal ? kRedrawInterval : kLogInterval;
   std::unique_lock<std::mutex> lock(mutex_);
+  // A log waits first: a run that ends within a second needs no progress.
+  if (style_ == Style::kLog && stop_requested_.wait_for(lock, interval, [this] { return stop_; })) return;
   do {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    out_ << kClearLine << progress_line(bytes_read_, total_bytes_, elapsed.count()) << std::flush;
-  } while (!stop_requested_.wait_for(lock, kRedrawInterval, [this] { return stop_; }));
+    const std::uint64_t read = bytes_read_;
+    const std::string line = progress_line(read, total_bytes_, elapsed.count());
+    if (style_ == Style::kTerminal) {
+      out_ << kClearLine << line << std::flush;
+    } else if (log_is_due(read, total_bytes_, &logged_tenths_)) {
+      out_ << "refgrove preprocess: " + line + "\n" << std::flush;  // one write: the run writes there too
+    }
+  } while (!stop_requested_.wait_for(lock, interval, [this] { return stop_; }));
 }

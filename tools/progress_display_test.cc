@@ -23,4 +23,22 @@ TEST(ProgressDisplayTest, Lines) {
   }
 }
 
+TEST(ProgressDisplayTest, LogLinesAtEachTenth) {
+  const struct {
+    int logged;  // tenths logged before
+    std::uint64_t read, total;
+    bool due;
+    int logged_after;
+  } cases[] = {
+      {-1, 0, 100, true, 0},    {0, 9, 100, false, 0},     {0, 10, 100, true, 1},   {1, 19, 100, false, 1},
+      {1, 55, 100, true, 5},    {5, 100, 100, true, 10},   {10, 120, 100, false, 10},
+      {-1, 0, 0, true, 10},  // no dumps: all read at once
+  };
+  for (const auto& c : cases) {
+    int logged = c.logged;
+    EXPECT_EQ(log_is_due(c.read, c.total, &logged), c.due) << c.logged << ": " << c.read << " of " << c.total;
+    EXPECT_EQ(logged, c.logged_after) << c.logged << ": " << c.read << " of " << c.total;
+  }
+}
+
 }  // namespace

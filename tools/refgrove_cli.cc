@@ -1,12 +1,31 @@
 // The refgrove application: every subcommand under one CLI11 parser, which
-// also answers --help, --version and usage errors (status 2, CLI11's message).
+// also answers --help, --version and usage errors (status 2, see
+// usage_error.h).
 #include <CLI/CLI.hpp>
 
 #include "tools/commands.h"
+#include "tools/usage_error.h"
 
 #ifndef REFGROVE_VERSION
 #error "REFGROVE_VERSION must be defined by the build (the project's version)"
 #endif
+
+namespace {
+
+// CLI11 lets an option that keeps several values take every word after it,
+// so that `--element X FILE` would read FILE as a second element. Each
+// occurrence of such an option takes one value here; the option is repeated
+// for more.
+void take_one_value_per_occurrence(CLI::App* app) {
+  for (CLI::Option* option : app->get_options()) {
+    if (option->nonpositional() && option->get_items_expected_max() > 1) option->allow_extra_args(false);
+  }
+  for (CLI::App* sub : app->get_subcommands([](const CLI::App*) { return true; })) {
+    take_one_value_per_occurrence(sub);
+  }
+}
+
+}  // namespace
 
 int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostream& out, std::ostream& err) {
   CommandContext ctx{in, out, err};
@@ -19,17 +38,19 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   add_tokens_command(app, ctx);
   add_preprocess_command(app, ctx);
   add_data_commands(app, ctx);
+  add_show_command(app, ctx);
   add_lookup_commands(app, ctx);
   add_export_command(app, ctx);
   add_check_command(app, ctx);
   add_generate_command(app, ctx);
   add_network_commands(app, ctx);
+  take_one_value_per_occurrence(&app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& e) {  // --help, --version
     return app.exit(e, out, err);
   } catch (const CLI::ParseError& e) {
-    app.exit(e, out, err);
+    write_usage_error(app, e, err);
     return 2;
   }
   return ctx.status;

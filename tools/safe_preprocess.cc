@@ -10,6 +10,7 @@
 #include "core/validate.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
+#include "tools/counter_filter.h"
 #include "tools/interrupt_cleanup.h"
 #include "tools/progress_display.h"
 #include "tools/tool_support.h"
@@ -70,21 +71,38 @@ class ToolHooks : public StagedRunHooks {
   InterruptCleanup interrupts_;
 };
 
-// Runs the request, showing the module's messages or, on a terminal, a
-// progress line; then the summary.
+// Runs the request, showing the module's messages (-v), a progress line on
+// a terminal, or log lines; then the summary.
 int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
                              StagedRunHooks& hooks) {
   std::ostream quiet(nullptr);
-  const bool display = request.terminal && !request.verbose;
+  CounterFilter out_filter(out), err_filter(err);
+  // The run's messages and the progress lines reach `err` through one
+  // filter, from different threads: each with an ostream of its own.
+  std::ostream out_log(&out_filter), err_log(&err_filter), progress_log(&err_filter);
   PreprocProgress progress;
   StagedRequest staged{request.in_dir, request.out_dir, {}, "refgrove preprocess"};
-  staged.options.out = display ? &quiet : &out;
-  staged.options.err = display ? &quiet : &err;
-  staged.options.progress = &progress;
-  std::optional<ProgressDisplay> line;
-  if (display) line.emplace(progress.bytes_read, dumps_size(as_dir(request.in_dir)), err);
+  PreprocOptions& options = staged.options;
+  options.limits = request.limits;
+  options.progress = &progress;
+  std::optional<ProgressDisplay::Style> style;
+  std::ostream* display_out = &err;
+  if (request.verbose) {
+    options.out = &out;
+    options.err = &err;
+  } else if (request.terminal) {
+    options.out = options.err = &quiet;
+    style = ProgressDisplay::Style::kTerminal;
+  } else {
+    options.out = &out_log;
+    options.err = &err_log;
+    style = ProgressDisplay::Style::kLog;
+    display_out = &progress_log;
+  }
+  std::optional<ProgressDisplay> display;
+  if (style) display.emplace(progress.bytes_read, dumps_size(as_dir(request.in_dir)), *display_out, *style);
   const StagedResult result = staged_preprocess(staged, hooks);
-  line.reset();
+  display.reset();
   print_summary(out, result.target, result.summary, unindexed_documents(result.target + "/"));
   return 0;
 }
@@ -105,6 +123,9 @@ std::string outcome(const StagedRunError& e) {
 
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err) {
   ToolHooks hooks(err);  // first: the threads started later inherit its signal mask
+  if (const std::string problem = directory_problem(request.in_dir); !problem.empty()) {
+    return fail(err, request.in_dir + ": " + problem);
+  }
   try {
     return preprocess_and_summarize(request, out, err, hooks);
   } catch (const DumpParseError& e) {

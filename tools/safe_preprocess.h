@@ -10,15 +10,21 @@
 #include <ostream>
 #include <string>
 
+#include "preproc/format_limits.h"
+
 struct PreprocessRequest {
   std::string in_dir, out_dir;  // as given; a trailing "/" is optional
   // The module's own messages ("Preproc word data ...", the running DID
-  // counters, the lines without a DID) instead of a progress display.
+  // counters, the lines without a DID), exactly as refgrove_preproc_1
+  // writes them, instead of a progress display.
   bool verbose = false;
   // Standard error is a terminal: without `verbose`, a progress line stands
-  // in for the module's messages. Otherwise those go to `out` and `err` as
-  // refgrove_preproc_1 writes them.
+  // in for the module's messages. Otherwise they go to `out` and `err`
+  // without their running counters, and log lines on `err` tell how far
+  // the run has read.
   bool terminal = false;
+  // What the data files can hold; smaller limits stand in for them in tests.
+  FormatLimits limits;
 };
 
 // Runs the request; `out` gets the summary, `err` the errors. Returns the

@@ -35,15 +35,16 @@ struct ToolRun {
   std::string out, err;
 };
 
-ToolRun preprocess(const std::string& in, const std::string& out_dir, bool terminal = false, bool verbose = false) {
+ToolRun preprocess(const std::string& in, const std::string& out_dir, bool terminal = false, bool verbose = false,
+                   FormatLimits limits = {}) {
   std::ostringstream out, err;
-  const int status = safe_preprocess(PreprocessRequest{in, out_dir, verbose, terminal}, out, err);
+  const int status = safe_preprocess(PreprocessRequest{in, out_dir, verbose, terminal, limits}, out, err);
   return ToolRun{status, out.str(), err.str()};
 }
 
 // The same on the standard streams, for child processes.
 int preprocess_in_child(const std::string& in, const std::string& out_dir) {
-  return safe_preprocess(PreprocessRequest{in, out_dir, false, false}, std::cout, std::cerr);
+  return safe_preprocess(PreprocessRequest{in, out_dir, false, false, {}}, std::cout, std::cerr);
 }
 
 // Everything beside the target whose name starts with ".out.": the lock
@@ -123,6 +124,7 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
     std::string in;
     int status;
     std::string error;  // standard error
+    FormatLimits limits = {};
   } cases[] = {
       {"graph dump does not parse", [&] { write_file(graph, "101 k 1999 GIDs: x\n"); }, in_, 3,
        "expected integer, not 'x' at 1:17"},  // as the module writes it
@@ -135,15 +137,20 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
       {"graph dump missing", [&] { fs::remove(graph); }, in_, 1,
        "refgrove preprocess: " + graph + ": No such file or directory\n" + left},
       {"input directory missing", [] {}, dir_.path() + "nothing", 1,
-       "refgrove preprocess: " + dir_.path() + "nothing: No such file or directory\n"},
-      {"input is a file", [] {}, graph, 1, "refgrove preprocess: " + graph + ": is not a directory\n"},
+       "refgrove preprocess: " + dir_.path() + "nothing: no such directory\n"},
+      {"input is a file", [] {}, graph, 1, "refgrove preprocess: " + graph + ": not a directory\n"},
+      {"more words than the data files hold", [] {}, in_, 1,
+       "refgrove preprocess: the dumps hold more distinct words than a data directory can: word ids have 24 bits, "
+       "so the abstracts and titles together can have at most 100 distinct words, which is about 5 documents like "
+       "those read so far\n" + left,
+       FormatLimits{std::numeric_limits<std::int32_t>::max(), 100}},
   };
   const DataFiles before = make_earlier_target();
   for (const auto& c : cases) {
     fs::remove_all(in_);
     fs::copy(REFGROVE_SAMPLE_DIR, in_);
     c.damage();
-    const ToolRun r = preprocess(c.in, target_);
+    const ToolRun r = preprocess(c.in, target_, false, false, c.limits);
     EXPECT_EQ(r.status, c.status) << c.what;
     EXPECT_EQ(r.err, c.error) << c.what;
     expect_target_unchanged(before, c.what);
@@ -234,6 +241,23 @@ TEST_F(SafePreprocessTest, TheSummarySaysWhatWasSkippedOrChanged) {
                                                     "  1 numbers beyond the int32 range (stored as the nearest int32)\n"
                                                     "  2 documents whose DID cannot be indexed (negative or out of "
                                                     "range: not found by DID)\n");
+}
+
+// In a log the module's messages come without their running counters,
+// which -v keeps ("\r" and the DID or record count, every thousand).
+TEST_F(SafePreprocessTest, InALogTheRunningCountersNeedVerbose) {
+  DumpGeneratorResult generated;
+  std::string error;
+  ASSERT_TRUE(generate_dumps(in_, {2000, 1}, &generated, &error)) << error;
+  for (const bool verbose : {false, true}) {
+    const ToolRun r = preprocess(in_, target_, false, verbose);
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.find("Preproc word data ... \n1. Reading words ... \n  - Reading "), 0u) << r.out;
+    EXPECT_NE(r.err.find("writing graph file"), std::string::npos) << r.err;
+    for (const std::string* text : {&r.out, &r.err}) {
+      EXPECT_EQ(text->find("\r1000") != std::string::npos, verbose) << verbose << ": " << *text;
+    }
+  }
 }
 
 // On a terminal a progress line replaces the module's messages, unless -v.

@@ -74,6 +74,12 @@ TEST(TokensCommandTest, FilesAndHelp) {
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
   EXPECT_EQ(RunTokens({path}, ""),
             "1\n1:0 - \"x\"\nstderr: unterminated string constant at 2:1, while reading '" + path + "'\n");
+  // A repeatable option takes one value per occurrence: FILE after it is
+  // still the file to read, not a second element.
+  for (const std::vector<std::string>& args : {std::vector<std::string>{"--element", "Title:", path},
+                                               std::vector<std::string>{path, "--element", "a", "--element", "b"}}) {
+    EXPECT_EQ(RunTokens(args, "stdin"), RunTokens({path}, "")) << args[0];
+  }
   std::remove(path.c_str());
   std::remove(tmpl);
   EXPECT_NE(RunTokens({"--help"}, "").find("Usage: refgrove tokens [OPTIONS] [FILE]"), std::string::npos);

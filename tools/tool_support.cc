@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <charconv>
 #include <filesystem>
 #include <sstream>
 
@@ -12,6 +13,41 @@ std::string as_dir(const std::string& path) {
   return path + "/";
 }
 
+std::string parse_decimal(const std::string& text, std::int64_t min, std::int64_t max, std::int64_t* value) {
+  const std::size_t digits_at = !text.empty() && text[0] == '-' ? 1 : 0;
+  const bool digits_only =
+      text.size() > digits_at && text.find_first_not_of("0123456789", digits_at) == std::string::npos;
+  if (!digits_only) return "expected a decimal number, not '" + text + "'";
+  std::int64_t v = 0;
+  const std::from_chars_result r = std::from_chars(text.data(), text.data() + text.size(), v);
+  if (r.ec == std::errc::result_out_of_range || v < min || v > max) {
+    const bool int32_range = min == std::numeric_limits<std::int32_t>::min() &&
+                             max == std::numeric_limits<std::int32_t>::max();
+    return text + " is beyond " + (int32_range ? "the int32 range, " : "the range ") + std::to_string(min) + " to " +
+           std::to_string(max);
+  }
+  *value = v;
+  return "";
+}
+
+CLI::Validator decimal(std::int64_t min, std::int64_t max) {
+  return CLI::Validator(
+      [min, max](std::string& arg) {
+        std::int64_t value = 0;
+        std::string reason = parse_decimal(arg, min, max, &value);
+        if (reason.empty()) arg = std::to_string(value);
+        return reason;
+      },
+      "");
+}
+
+std::string directory_problem(const std::string& path) {
+  std::error_code ec;
+  const std::filesystem::file_status status = std::filesystem::status(path, ec);
+  if (std::filesystem::is_directory(status)) return "";
+  return std::filesystem::exists(status) ? "not a directory" : "no such directory";
+}
+
 void add_data_dir_args(CLI::App* cmd, DataDirArgs* args) {
   cmd->add_flag("-v,--verbose", args->verbose, "show the loading messages");
   cmd->add_option("DIR", args->dir, "the data directory")->required();
@@ -19,6 +55,10 @@ void add_data_dir_args(CLI::App* cmd, DataDirArgs* args) {
 
 refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args, std::ostream& err) {
   const std::string dir = as_dir(args.dir);
+  if (const std::string problem = directory_problem(args.dir); !problem.empty()) {
+    err << "refgrove " << command << ": " << args.dir << ": " << problem << "\n";
+    return nullptr;
+  }
   for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
     std::error_code ec;
     if (!std::filesystem::is_regular_file(dir + name, ec)) {

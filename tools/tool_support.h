@@ -2,6 +2,8 @@
 #ifndef REFGROVE_TOOLS_TOOL_SUPPORT_H_
 #define REFGROVE_TOOLS_TOOL_SUPPORT_H_
 
+#include <cstdint>
+#include <limits>
 #include <ostream>
 #include <string>
 
@@ -9,11 +11,28 @@
 
 namespace CLI {
 class App;
-}
+class Validator;
+}  // namespace CLI
 
 // `path` with a trailing "/" (the library appends file names to directory
 // paths without a separator).
 std::string as_dir(const std::string& path);
+
+// Reads `text` as a decimal integer in [min, max]: an optional "-", then
+// digits only (leading zeros are still decimal: "0101" is 101). Returns the
+// reason it is not one ("expected a decimal number, not '0x41'", "99999999999
+// is beyond ..."), or an empty string with *value set.
+std::string parse_decimal(const std::string& text, std::int64_t min, std::int64_t max, std::int64_t* value);
+
+// The check of every numeric argument: the argument rewritten as plain
+// decimal digits (CLI11's own conversion would read "0101" as octal and
+// "0x41" as hex), or the reason it is not a decimal number in [min, max].
+CLI::Validator decimal(std::int64_t min = std::numeric_limits<std::int32_t>::min(),
+                       std::int64_t max = std::numeric_limits<std::int32_t>::max());
+
+// "no such directory" or "not a directory" when `path` names no directory;
+// empty when it does.
+std::string directory_problem(const std::string& path);
 
 // What every command reading a data directory takes: -v and DIR.
 struct DataDirArgs {
@@ -24,9 +43,9 @@ struct DataDirArgs {
 // Declares -v/--verbose and the positional DIR on `cmd`.
 void add_data_dir_args(CLI::App* cmd, DataDirArgs* args);
 
-// Loads the data directory args.dir. Checks first that the four data files
-// are there; on failure writes "refgrove <command>: ..." to `err` and returns
-// null. The loading messages go to `err` only with -v.
+// Loads the data directory args.dir. Checks first that it is a directory
+// and that the four data files are there; on failure writes
+// "refgrove <command>: ..." to `err` and returns null. The loading messages go to `err` only with -v.
 refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args, std::ostream& err);
 
 #endif  // REFGROVE_TOOLS_TOOL_SUPPORT_H_

@@ -17,6 +17,14 @@ cmake --install "$build" --prefix "$prefix" >/dev/null
 test -x "$prefix/bin/refgrove"
 test -f "$prefix/include/refgrove/refgrove.h"
 test -f "$prefix/include/refgrove/network.h"
+# The man page reads, and covers every command.
+man_page=$(MANWIDTH=100 man -l "$prefix/share/man/man1/refgrove.1" 2>/dev/null)
+for command in $("$prefix/bin/refgrove" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do
+  if ! grep -q "^   refgrove $command\$" <<<"$man_page"; then
+    echo "the man page has no section for refgrove $command" >&2
+    exit 1
+  fi
+done
 
 check() {  # check NAME PROGRAM: runs PROGRAM on a data directory of its own
   local out needed

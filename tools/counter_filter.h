@@ -1,0 +1,33 @@
+// CounterFilter: a stream buffer that passes text on to another stream
+// without the running counters of preprocessing ("\r" and a count, written
+// every thousand documents or records so that on a terminal each overwrites
+// the last). In a log they would run together as "10002000300040005000";
+// the line end that closes a run of them goes with them.
+//
+// Several threads may write through it at once, each through an ostream of
+// its own: every write reaches the target whole.
+#ifndef REFGROVE_TOOLS_COUNTER_FILTER_H_
+#define REFGROVE_TOOLS_COUNTER_FILTER_H_
+
+#include <mutex>
+#include <ostream>
+#include <streambuf>
+
+class CounterFilter : public std::streambuf {
+ public:
+  explicit CounterFilter(std::ostream& target) : target_(target) {}
+
+ protected:
+  int_type overflow(int_type c) override;
+  std::streamsize xsputn(const char* s, std::streamsize n) override;
+  int sync() override;
+
+ private:
+  void put(char ch);  // with mutex_ held
+
+  std::ostream& target_;
+  std::mutex mutex_;
+  bool in_counter_ = false;  // after a "\r", up to the first byte that is not a digit
+};
+
+#endif  // REFGROVE_TOOLS_COUNTER_FILTER_H_
