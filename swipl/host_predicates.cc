@@ -8,6 +8,7 @@
 
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
+#include "swipl/word_atoms.h"
 
 namespace refgrove::swipl {
 namespace {
@@ -32,6 +33,15 @@ foreign_t text_result(term_t args, int arity, control_t) {
   if (!get_int_input(args, &id) || (arity == 3 && !get_int_input(args + 1, &i))) return false;
   const char* text = nullptr;
   return lookup(current_data(), id, i, &text) && unify_text(args + arity - 1, text);
+}
+
+// refgrove_get_title_word/3 and refgrove_get_word/3, whose words come as
+// atoms made once per data set.
+template <bool (*unify)(term_t, const DataSetPtr&, int, int)>
+foreign_t word_result(term_t args, int, control_t) {
+  int did = 0, i = 0;
+  if (!get_int_input(args, &did) || !get_int_input(args + 1, &i)) return false;
+  return unify(args + 2, library_slot().current(), did, i);
 }
 
 int key_of(const RefgroveData& d, int did, int, const char** out) { return get_key(d, did, out); }
@@ -141,8 +151,8 @@ constexpr ForeignPredicate kPredicates[] = {
     {"refgrove_get_author_id", 3, guarded<author_id_pred>, false},
     {"refgrove_get_cite", 4, guarded<cite_pred>, false},
     {"refgrove_get_key", 2, guarded<text_result<key_of>>, false},
-    {"refgrove_get_title_word", 3, guarded<text_result<get_title_word>>, false},
-    {"refgrove_get_word", 3, guarded<text_result<get_word>>, false},
+    {"refgrove_get_title_word", 3, guarded<word_result<unify_title_word>>, false},
+    {"refgrove_get_word", 3, guarded<word_result<unify_word>>, false},
     {"refgrove_get_author", 3, guarded<text_result<get_author>>, false},
     {"refgrove_id2author", 2, guarded<text_result<name_of>>, false},
     {"refgrove_get_authors", 2, guarded<authors_pred>, false},
