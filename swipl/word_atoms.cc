@@ -51,7 +51,8 @@ WordAtoms::~WordAtoms() {
 const WordAtoms& WordAtoms::of(const DataSetPtr& set) {
   thread_local LastAsked last;
   if (last.atoms == nullptr || !same_owner(last.set, set)) {
-    last.atoms = set->derived().get<WordAtomsOfSet>([&set] { return WordAtomsOfSet{std::make_unique<WordAtoms>(*set)}; }).atoms.get();
+    const auto build = [&set] { return WordAtomsOfSet{std::make_unique<WordAtoms>(*set)}; };
+    last.atoms = set->derived().get<WordAtomsOfSet>(build).atoms.get();
     last.set = set;
   }
   return *last.atoms;
