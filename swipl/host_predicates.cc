@@ -9,6 +9,7 @@
 #include "core/predicate_table.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
+#include "swipl/word_atoms.h"
 
 namespace refgrove::swipl {
 namespace {
@@ -33,6 +34,15 @@ foreign_t text_result(term_t args, int arity, control_t) {
   if (!get_int_input(args, &id) || (arity == 3 && !get_int_input(args + 1, &i))) return false;
   const char* text = nullptr;
   return lookup(current_data(), id, i, &text) && unify_text(args + arity - 1, text);
+}
+
+// refgrove_get_title_word/3 and refgrove_get_word/3, whose words come as
+// atoms made once per data set.
+template <bool (*unify)(term_t, const DataSetPtr&, int, int)>
+foreign_t word_result(term_t args, int, control_t) {
+  int did = 0, i = 0;
+  if (!get_int_input(args, &did) || !get_int_input(args + 1, &i)) return false;
+  return unify(args + 2, loaded_set(), did, i);
 }
 
 int key_of(const RefgroveData& d, int did, int, const char** out) { return get_key(d, did, out); }
@@ -143,8 +153,8 @@ constexpr ForeignFunction refgrove_get_year = int_result<get_year>;
 constexpr ForeignFunction refgrove_get_author_id = author_id_pred;
 constexpr ForeignFunction refgrove_get_cite = cite_pred;
 constexpr ForeignFunction refgrove_get_key = text_result<key_of>;
-constexpr ForeignFunction refgrove_get_title_word = text_result<get_title_word>;
-constexpr ForeignFunction refgrove_get_word = text_result<get_word>;
+constexpr ForeignFunction refgrove_get_title_word = word_result<unify_title_word>;
+constexpr ForeignFunction refgrove_get_word = word_result<unify_word>;
 constexpr ForeignFunction refgrove_get_author = text_result<get_author>;
 constexpr ForeignFunction refgrove_id2author = text_result<name_of>;
 constexpr ForeignFunction refgrove_get_authors = authors_pred;

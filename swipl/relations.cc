@@ -13,8 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/lookup.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
+#include "swipl/word_atoms.h"
 
 namespace refgrove::swipl {
 namespace {
@@ -57,6 +59,7 @@ struct Walk {
   int outer = 0;   // DID (or author id) reached
   int inner = 0;   // position within its list
   std::vector<int> items;  // a precomputed list of solutions, for key lookups
+  Span<CitationInfo> cites;  // the citations of `fixed`, for its citations
   bool key_given = false;  // the key was bound: the solutions already match it
   bool has_next = false;
   Pair next;
@@ -108,12 +111,12 @@ bool step_documents(Walk& w, Pair* next) {
   return false;
 }
 
-// Citations of document `fixed`.
+// Citations of document `fixed`, read from its record, which start_cites
+// has found once for the whole walk.
 bool step_cites_of(Walk& w, Pair* next) {
-  int gid = 0;
-  if (!get_cite(w.data(), w.fixed, w.inner, &next->b, &gid)) return false;
+  if (w.inner >= w.cites.size()) return false;
   next->a = w.fixed;
-  ++w.inner;
+  next->b = w.cites[w.inner++].did;
   return true;
 }
 
@@ -257,6 +260,11 @@ bool start_cites(term_t args, Walk& w) {
   if (!get_wanted(args, &w.want_a) || !get_wanted(args + 1, &w.want_b)) return false;
   w.fixed = w.want_a.bound ? w.want_a.value : w.want_b.value;
   w.step = w.want_a.bound ? step_cites_of : w.want_b.bound ? step_cited_by : step_all_cites;
+  if (w.want_a.bound) {  // the record is found once, not once per answer
+    const RefgroveGraphData* r = w.want_a.in_range ? graph_record(w.data(), w.fixed) : nullptr;
+    if (r == nullptr) return false;
+    w.cites = r->citations;
+  }
   return true;
 }
 
@@ -304,9 +312,9 @@ bool start_author_by_name(term_t args, Walk& w) {
   return true;
 }
 
-// refgrove_title/2, refgrove_abstract/2, refgrove_authors/2: a list of
-// texts gathered with `count` and `get`; fails when `count` finds no part.
-// A text that the data lacks (an id outside its table) is left out.
+// refgrove_abstract/2, refgrove_authors/2: a list of texts gathered with
+// `count` and `get`; fails when `count` finds no part. A text that the data
+// lacks (an id outside its table) is left out.
 template <CountLookup count, TextLookup get>
 foreign_t text_list(term_t args, int, control_t) {
   int did = 0, n = 0;
@@ -319,6 +327,12 @@ foreign_t text_list(term_t args, int, control_t) {
     if (get(d, did, i, &text)) texts.emplace_back(text);
   }
   return unify_text_atoms(args + 1, texts);
+}
+
+// refgrove_title/2: the title's words as the atoms kept with the set.
+foreign_t title_list(term_t args, int, control_t) {
+  int did = 0;
+  return get_int_input(args, &did) && unify_title(args + 1, loaded_set(), did);
 }
 
 // An abstract is there whenever the document has word data, even empty.
@@ -334,7 +348,7 @@ constexpr ForeignPredicate kPredicates[] = {
     {"refgrove_author_document", 2, guarded<enumerate<start_author_document, bind_both>>, true},
     {"refgrove_author_named", 2, guarded<enumerate<start_author_by_name<get_author_named>, bind_second>>, true},
     {"refgrove_author_prefix", 2, guarded<enumerate<start_author_by_name<get_author_prefix>, bind_second>>, true},
-    {"refgrove_title", 2, guarded<text_list<title_length, get_title_word>>, false},
+    {"refgrove_title", 2, guarded<title_list>, false},
     {"refgrove_abstract", 2, guarded<text_list<abstract_size, get_abstract_word>>, false},
     {"refgrove_authors", 2, guarded<text_list<author_count, get_author>>, false},
 };

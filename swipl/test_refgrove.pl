@@ -487,6 +487,9 @@ query_until_done(Rounds) :-
         findall(X, refgrove_cites(X, 110), [115, 116, 119, 124, 127, 137]),
         refgrove_authors(115, ['P. Erdős', 'A. Rényi']),
         refgrove_abstract(107, ['Suffix'|_]),
+        refgrove_title(107, ['Memory', 'Efficient', 'Suffix', 'Arrays']),
+        refgrove_get_title_word(107, 3, 'Arrays'),
+        refgrove_get_word(101, 0, 'We'),
         aggregate_all(count, refgrove_document(_), 33),
         Next is Rounds + 1,
         query_until_done(Next)

@@ -1,0 +1,113 @@
+#include "swipl/word_atoms.h"
+
+#include <memory>
+#include <string_view>
+
+#include "core/lookup.h"
+#include "swipl/prolog_text.h"
+
+namespace refgrove::swipl {
+namespace {
+
+// The set's table without a lock on the way: each thread remembers the last
+// set it asked about and that set's table. The set is recognised by its
+// owner (the shared pointer's control block), which the weak pointer keeps
+// from being reused, so a new set at the address of a freed one is not
+// mistaken for it.
+struct LastAsked {
+  std::weak_ptr<const RefgroveData> set;
+  const WordAtoms* atoms = nullptr;
+};
+
+bool same_owner(const std::weak_ptr<const RefgroveData>& a, const DataSetPtr& b) {
+  return !a.owner_before(b) && !b.owner_before(a);
+}
+
+// What the set's derived structures hold for this file.
+struct WordAtomsOfSet {
+  std::unique_ptr<WordAtoms> atoms;
+};
+
+}  // namespace
+
+WordAtoms::WordAtoms(const RefgroveData& d)
+    : data_(d),
+      size_(d.word_data->word_table->count > 0 ? static_cast<std::uint32_t>(d.word_data->word_table->count) : 0),
+      atoms_(new std::atomic<atom_t>[size_]()),
+      titles_(d.did_index.size(), Span<WordId>{nullptr, -1}) {
+  for (std::size_t did = 0; did < titles_.size(); ++did) {
+    if (const RefgroveGraphData* r = graph_record(d, static_cast<int>(did))) titles_[did] = r->title;
+  }
+}
+
+WordAtoms::~WordAtoms() {
+  // A set freed at exit, after Prolog has cleaned up, has no atoms to give back.
+  if (!PL_is_initialised(nullptr, nullptr)) return;
+  for (std::uint32_t id = 0; id < size_; ++id) {
+    if (const atom_t a = atoms_[id].load(std::memory_order_relaxed)) PL_unregister_atom(a);
+  }
+}
+
+const WordAtoms& WordAtoms::of(const DataSetPtr& set) {
+  thread_local LastAsked last;
+  if (last.atoms == nullptr || !same_owner(last.set, set)) {
+    const auto build = [&set] { return WordAtomsOfSet{std::make_unique<WordAtoms>(*set)}; };
+    last.atoms = set->derived().get<WordAtomsOfSet>(build).atoms.get();
+    last.set = set;
+  }
+  return *last.atoms;
+}
+
+atom_t WordAtoms::make(std::uint32_t id) const {
+  const char* text = word_text(data_, id);
+  if (text == nullptr) return 0;
+  const std::string_view bytes(text);
+  const int rep = is_valid_utf8(bytes) ? REP_UTF8 : REP_ISO_LATIN_1;
+  const atom_t made = PL_new_atom_mbchars(rep, bytes.size(), bytes.data());
+  if (made == 0) return 0;
+  atom_t expected = 0;
+  if (atoms_[id].compare_exchange_strong(expected, made, std::memory_order_acq_rel)) return made;
+  PL_unregister_atom(made);  // another thread was first: the same atom, held once
+  return expected;
+}
+
+bool unify_title_word(term_t t, const DataSetPtr& set, int did, int i) {
+  if (!set) return false;
+  const WordAtoms& atoms = WordAtoms::of(set);
+  const Span<WordId>* title = atoms.title(did);
+  if (title == nullptr || i < 0 || i >= title->size()) return false;
+  const atom_t a = atoms.atom((*title)[i].id());
+  return a != 0 && PL_unify_atom(t, a);
+}
+
+bool unify_word(term_t t, const DataSetPtr& set, int did, int i) {
+  if (!set) return false;
+  const int w = word_index_of(*set, did);
+  if (w < 0) return false;
+  const WordRun run = word_run_at(*set, w);
+  std::uint32_t id = 0;
+  if (i < 0 || i >= run.count || !set->word_data->word_id_at(run.start + i, &id)) return false;
+  const atom_t a = WordAtoms::of(set).atom(id);
+  return a != 0 && PL_unify_atom(t, a);
+}
+
+bool unify_title(term_t t, const DataSetPtr& set, int did) {
+  if (!set) return false;
+  const WordAtoms& atoms = WordAtoms::of(set);
+  const Span<WordId>* title = atoms.title(did);
+  if (title == nullptr) return false;
+  const term_t tail = PL_copy_term_ref(t);
+  const term_t head = PL_new_term_ref();
+  for (const WordId word : *title) {
+    // A word outside the table is left out, as the texts are.
+    const atom_t a = atoms.atom(word.id());
+    if (a == 0) {
+      if (PL_exception(0) != 0) return false;
+      continue;
+    }
+    if (!PL_unify_list(tail, head, tail) || !PL_unify_atom(head, a)) return false;
+  }
+  return PL_unify_nil(tail);
+}
+
+}  // namespace refgrove::swipl
