@@ -5,7 +5,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <climits>
 #include <cstdio>
 #include <iomanip>
@@ -100,33 +99,41 @@ struct DistanceArgs {
 // The id of the author named `name`: the exact name, else the only one
 // that matches ignoring case.
 std::int32_t author_by_name(const RefgroveData& d, const std::string& name) {
-  const auto lower = [](std::string s) {
-    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
-    return s;
-  };
-  const std::string wanted = lower(name);
-  std::vector<std::int32_t> folded;
-  for (std::int32_t a = 0; a < get_nb_authors(d); ++a) {
-    const char* text = d.graph->author_name(a);
-    if (text == nullptr) continue;
-    if (name == text) return a;
-    if (lower(text) == wanted) folded.push_back(a);
+  int n = 0, id = 0;
+  author_named_count(d, name.c_str(), &n);
+  std::vector<std::int32_t> ids;
+  for (int i = 0; i < n && get_author_named(d, name.c_str(), i, &id); ++i) {
+    const char* text = nullptr;
+    if (id2author(d, id, &text) && name == text) return id;
+    ids.push_back(id);
   }
-  if (folded.size() == 1) return folded.front();
-  if (folded.empty()) throw NetworkArgumentError("no author named \"" + name + "\"");
-  throw NetworkArgumentError(std::to_string(folded.size()) + " authors are named \"" + name +
+  if (ids.size() == 1) return ids.front();
+  if (ids.empty()) throw NetworkArgumentError("no author named \"" + name + "\"");
+  throw NetworkArgumentError(std::to_string(ids.size()) + " authors are named \"" + name +
                              "\" but for case: give the exact name or the id");
+}
+
+// An author id as given, or the reason it is not one.
+std::string author_id_problem(const std::string& text, std::int64_t* id) {
+  const std::string problem = parse_decimal(text, INT32_MIN, INT32_MAX, id);
+  return problem.empty() ? problem : problem + " (use --names for names)";
+}
+
+// Author ids are checked with the other arguments, before any loading.
+void check_author_ids(const DistanceArgs& args) {
+  std::int64_t id = 0;
+  for (const std::string& text : args.authors) {
+    if (const std::string problem = author_id_problem(text, &id); !args.names && !problem.empty()) {
+      throw CLI::ValidationError("AUTHOR", problem);
+    }
+  }
 }
 
 std::int32_t author_arg(const RefgroveData& d, const std::string& text, bool names) {
   if (names) return author_by_name(d, text);
-  std::size_t used = 0;
-  try {
-    const long id = std::stol(text, &used);
-    if (used == text.size() && id >= INT32_MIN && id <= INT32_MAX) return static_cast<std::int32_t>(id);
-  } catch (const std::logic_error&) {
-  }
-  throw NetworkArgumentError("an author id is a number, not \"" + text + "\" (use --names for names)");
+  std::int64_t id = 0;
+  author_id_problem(text, &id);
+  return static_cast<std::int32_t>(id);
 }
 
 int run_distance(const DistanceArgs& args, CommandContext& ctx) {
@@ -251,12 +258,12 @@ const char kComponentsHelp[] =
 }  // namespace
 
 void add_network_commands(CLI::App& app, CommandContext& ctx) {
-  const auto limit = CLI::Range(std::int64_t{0}, std::int64_t{1000000000});
+  const CLI::Validator limit = decimal(0, 1000000000);
 
   auto rank = std::make_shared<RankArgs>();
   CLI::App* cmd = add_network_command(app, "rank", "rank documents by citations or PageRank", kRankHelp, &rank->dir);
   cmd->add_option("--by", rank->by)->check(CLI::IsMember({"citations", "pagerank"}))->capture_default_str();
-  cmd->add_option("--limit", rank->limit, "how many")->check(limit)->capture_default_str();
+  cmd->add_option("--limit", rank->limit, "how many")->transform(limit)->capture_default_str();
   cmd->add_option("--years", rank->years, "only documents of these years")->type_name("FROM-TO");
   cmd->callback([&ctx, rank] { ctx.status = run_rank(*rank, ctx); });
 
@@ -265,14 +272,17 @@ void add_network_commands(CLI::App& app, CommandContext& ctx) {
                             &distance->dir);
   cmd->add_option("AUTHOR", distance->authors, "two author ids (names with --names)")->required()->expected(2);
   cmd->add_flag("--names", distance->names, "the authors are given by name");
-  cmd->callback([&ctx, distance] { ctx.status = run_distance(*distance, ctx); });
+  cmd->callback([&ctx, distance] {
+    check_author_ids(*distance);
+    ctx.status = run_distance(*distance, ctx);
+  });
 
   auto hood = std::make_shared<NeighbourhoodArgs>();
   cmd = add_network_command(app, "neighbourhood", "the documents around a document", kNeighbourhoodHelp, &hood->dir);
-  cmd->add_option("DID", hood->did, "the document")->required();
-  cmd->add_option("--hops", hood->hops, "how far")->check(limit)->capture_default_str();
+  cmd->add_option("DID", hood->did, "the document")->required()->transform(decimal());
+  cmd->add_option("--hops", hood->hops, "how far")->transform(limit)->capture_default_str();
   cmd->add_option("--direction", hood->direction)->check(CLI::IsMember({"in", "out", "both"}))->capture_default_str();
-  cmd->add_option("--limit", hood->limit, "how many documents")->check(limit)->capture_default_str();
+  cmd->add_option("--limit", hood->limit, "how many documents")->transform(limit)->capture_default_str();
   cmd->add_option("--format", hood->format)
       ->check(CLI::IsMember({"tsv", "json", "graphml", "dot"}))
       ->capture_default_str();
@@ -281,14 +291,14 @@ void add_network_commands(CLI::App& app, CommandContext& ctx) {
   auto like = std::make_shared<SimilarArgs>();
   cmd = add_network_command(app, "similar", "documents like a document, by shared citations", kSimilarHelp,
                             &like->dir);
-  cmd->add_option("DID", like->did, "the document")->required();
+  cmd->add_option("DID", like->did, "the document")->required()->transform(decimal());
   cmd->add_option("--by", like->by)->check(CLI::IsMember({"cocitation", "coupling"}))->capture_default_str();
-  cmd->add_option("--limit", like->limit, "how many")->check(limit)->capture_default_str();
+  cmd->add_option("--limit", like->limit, "how many")->transform(limit)->capture_default_str();
   cmd->callback([&ctx, like] { ctx.status = run_similar(*like, ctx); });
 
   auto components = std::make_shared<ComponentsArgs>();
   cmd = add_network_command(app, "components", "connected components of the citation and co-author graphs",
                             kComponentsHelp, &components->dir);
-  cmd->add_option("--largest", components->largest, "how many sizes to show")->check(limit)->capture_default_str();
+  cmd->add_option("--largest", components->largest, "how many sizes to show")->transform(limit)->capture_default_str();
   cmd->callback([&ctx, components] { ctx.status = run_components(*components, ctx); });
 }
