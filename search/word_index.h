@@ -81,6 +81,8 @@ class WordIndex {
   // Documents with at least one word, and their mean number of words.
   std::size_t document_count() const { return documents_; }
   double average_length() const { return average_length_; }
+  // One more than the largest DID the index may hold.
+  std::size_t did_limit() const { return lengths_.size(); }
   // Number of words of `did` (0 outside the data set).
   std::uint32_t length(std::int32_t did) const;
 
