@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <functional>
 #include <numeric>
 #include <unordered_map>
 
@@ -94,6 +95,7 @@ class WordIndex::Builder {
     }
     index_.term_text_start_.push_back(index_.term_chars_.size());
     index_.term_chars_.shrink_to_fit();
+    index_.hash_terms();
   }
 
   void count_documents() {
@@ -151,7 +153,30 @@ class WordIndex::Builder {
 
 WordIndex::WordIndex(const RefgroveData& d) { Builder(d, *this).build(); }
 
+void WordIndex::hash_terms() {
+  std::size_t slots = 16;
+  while (slots < 2 * term_count()) slots *= 2;
+  term_slots_.assign(slots, 0);
+  for (Term t = 0; t < term_count(); ++t) {
+    std::size_t at = std::hash<std::string_view>()(term_text(t)) & (slots - 1);
+    while (term_slots_[at] != 0) at = (at + 1) & (slots - 1);
+    term_slots_[at] = t + 1;
+  }
+}
+
+WordIndex::Term WordIndex::exact_term(std::string_view folded) const {
+  const std::size_t mask = term_slots_.size() - 1;
+  for (std::size_t at = std::hash<std::string_view>()(folded) & mask; term_slots_[at] != 0; at = (at + 1) & mask) {
+    if (term_text(term_slots_[at] - 1) == folded) return term_slots_[at] - 1;
+  }
+  return static_cast<Term>(term_count());
+}
+
 WordIndex::TermRange WordIndex::find(std::string_view folded, bool prefix) const {
+  if (!prefix) {
+    const Term t = exact_term(folded);
+    return t == term_count() ? TermRange{} : TermRange{t, t + 1};
+  }
   // The first term in [lo, term_count()) for which `past` holds, `past`
   // being false then true along the terms' byte order.
   const auto first_past = [&](Term lo, auto past) {
@@ -163,9 +188,7 @@ WordIndex::TermRange WordIndex::find(std::string_view folded, bool prefix) const
     return lo;
   };
   const Term first = first_past(0, [&](std::string_view text) { return text >= folded; });
-  const Term last = first_past(first, [&](std::string_view text) {
-    return prefix ? !text.starts_with(folded) : text != folded;
-  });
+  const Term last = first_past(first, [&](std::string_view text) { return !text.starts_with(folded); });
   return TermRange{first, last};
 }
 
@@ -187,7 +210,7 @@ std::uint32_t WordIndex::frequency_at(std::size_t posting) const {
 
 std::size_t WordIndex::memory_bytes() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
-  return bytes(term_of_word_) + term_chars_.capacity() + bytes(term_text_start_) + bytes(term_postings_) +
+  return bytes(term_of_word_) + term_chars_.capacity() + bytes(term_text_start_) + bytes(term_slots_) + bytes(term_postings_) +
          bytes(term_chunks_) + bytes(chunks_) + bytes(low_) + bytes(frequency_) + bytes(large_frequencies_) +
          bytes(lengths_) + sizeof(*this);
 }
