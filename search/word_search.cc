@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 #include <queue>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -209,7 +210,12 @@ std::vector<QueryTerm> parse_query(std::string_view query) {
     if (piece == "*") throw SearchUsageError("a lone \"*\" is no search term: give the start of a word before it");
     const bool prefix = piece.ends_with('*');
     QueryTerm term{fold_word(prefix ? piece.substr(0, piece.size() - 1) : piece), prefix};
-    if (seen.insert(term.folded + (prefix ? "*" : "")).second) terms.push_back(std::move(term));
+    if (!seen.insert(term.folded + (prefix ? "*" : "")).second) continue;
+    if (terms.size() == kMaxQueryTerms) {
+      throw SearchUsageError("too many search terms: a query has at most " + std::to_string(kMaxQueryTerms) +
+                             " distinct terms");
+    }
+    terms.push_back(std::move(term));
   }
   if (terms.empty()) throw SearchUsageError("empty query: give at least one search term");
   return terms;
@@ -221,14 +227,18 @@ const WordIndex& word_index(const RefgroveData& d) {
 
 std::vector<SearchHit> search(const WordIndex& index, std::span<const QueryTerm> terms, SearchMode mode,
                               std::size_t limit) {
-  const Scorer scorer(index);
-  std::vector<MatchedTerm> matched;
+  std::vector<WordIndex::TermRange> ranges;
   for (const QueryTerm& term : terms) {
     const WordIndex::TermRange range = index.find(term.folded, term.prefix);
-    if (range.first == range.last) {
-      if (mode == SearchMode::kAnd) return {};
-      continue;
+    if (range.first < range.last) {
+      ranges.push_back(range);
+    } else if (mode == SearchMode::kAnd) {
+      return {};
     }
+  }
+  const Scorer scorer(index);
+  std::vector<MatchedTerm> matched;
+  for (const WordIndex::TermRange range : ranges) {
     TermPostings postings(index, range);
     const double idf = scorer.idf(postings.size());
     matched.push_back(MatchedTerm{std::move(postings), idf});

@@ -99,8 +99,8 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %
 %   @error instantiation_error if Query is unbound.
 %   @error type_error(text, Query) if Query is neither atom nor string.
-%   @error domain_error(refgrove_query, Query) if Query has no term or a
-%   term is a lone `*`.
+%   @error domain_error(refgrove_query, Query) if Query has no term, a
+%   term is a lone `*` or it has more than 1,024 distinct terms.
 
 refgrove_search(Query, Did) :-
     '$refgrove_search'(Query, and, 0, Hits),
