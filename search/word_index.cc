@@ -4,7 +4,6 @@
 #include <limits>
 #include <functional>
 #include <numeric>
-#include <unordered_map>
 
 #include "core/lookup.h"
 #include "search/text_folding.h"
@@ -32,12 +31,14 @@ class WordIndex::Builder {
     index_.lengths_.assign(d_.did_index.size(), 0);
     std::vector<std::uint64_t> postings(terms, 0), chunks(terms, 0);
     last_did_.assign(terms, -1);
-    for_each_document([&](std::int32_t did, std::uint32_t t) {
-      ++index_.lengths_[static_cast<std::size_t>(did)];
-      if (last_did_[t] == did) return;
-      if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) ++chunks[t];
-      last_did_[t] = did;
-      ++postings[t];
+    for_each_document([&](std::int32_t did, const std::vector<std::uint32_t>& words) {
+      index_.lengths_[static_cast<std::size_t>(did)] = static_cast<std::uint32_t>(words.size());
+      for (const std::uint32_t t : words) {
+        if (last_did_[t] == did) continue;
+        if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) ++chunks[t];
+        last_did_[t] = did;
+        ++postings[t];
+      }
     });
     count_documents();
     allocate(postings, chunks);
@@ -45,27 +46,28 @@ class WordIndex::Builder {
   }
 
  private:
-  // Calls visit(did, term) for every word with a text of every document, in
-  // ascending DID order, title first.
+  // Calls visit(did, terms) for every document with the terms of its words
+  // that have a text, title first, in ascending DID order.
   template <class Visit>
   void for_each_document(Visit visit) const {
     const std::vector<std::uint32_t>& term_of = index_.term_of_word_;
-    const auto term = [&](std::uint32_t id) { return id < term_of.size() ? term_of[id] : kNoTerm; };
+    const auto add = [&](std::uint32_t id, std::vector<std::uint32_t>& out) {
+      if (id < term_of.size() && term_of[id] != kNoTerm) out.push_back(term_of[id]);
+    };
     const WordData& words = *d_.word_data;
+    std::vector<std::uint32_t> terms;
     for (std::int32_t did = 0; static_cast<std::size_t>(did) < d_.did_index.size(); ++did) {
+      terms.clear();
       if (const RefgroveGraphData* r = graph_record(d_, did)) {
-        for (std::int32_t i = 0; i < r->title.size(); ++i) {
-          const std::uint32_t t = term(r->title[i].id());
-          if (t != kNoTerm) visit(did, t);
-        }
+        for (std::int32_t i = 0; i < r->title.size(); ++i) add(r->title[i].id(), terms);
       }
       const AbstractRun run = abstract_run(d_, did);
       for (std::int64_t k = 0; k < run.words; ++k) {
         std::uint32_t id = 0;
         if (!words.word_id_at_byte(run.start + std::int64_t{kWordIdBytes} * k, &id)) break;
-        const std::uint32_t t = term(id);
-        if (t != kNoTerm) visit(did, t);
+        add(id, terms);
       }
+      if (!terms.empty()) visit(did, terms);
     }
   }
 
@@ -116,33 +118,40 @@ class WordIndex::Builder {
     starts(postings, index_.term_postings_);
     starts(chunks, index_.term_chunks_);
     index_.low_.resize(index_.term_postings_.back());
-    index_.frequency_.assign(index_.term_postings_.back(), 0);
+    index_.frequency_.resize(index_.term_postings_.back());
     index_.chunks_.resize(index_.term_chunks_.back() + 1);
     index_.chunks_.back() = Chunk{0, index_.term_postings_.back()};
   }
 
+  // Counts each term of a document, then writes one posting per distinct
+  // term, so that the posting arrays are written once per posting rather
+  // than once per word.
   void fill(std::vector<std::uint64_t>& next_posting, std::vector<std::uint64_t>& next_chunk) {
     std::copy(index_.term_postings_.begin(), index_.term_postings_.end() - 1, next_posting.begin());
     std::copy(index_.term_chunks_.begin(), index_.term_chunks_.end() - 1, next_chunk.begin());
     std::fill(last_did_.begin(), last_did_.end(), -1);
-    std::unordered_map<std::uint64_t, std::uint32_t> large;  // posting -> frequency, from 255 on
-    for_each_document([&](std::int32_t did, std::uint32_t t) {
-      if (last_did_[t] != did) {
+    std::vector<std::uint32_t> count(last_did_.size(), 0), distinct;
+    for_each_document([&](std::int32_t did, const std::vector<std::uint32_t>& words) {
+      distinct.clear();
+      for (const std::uint32_t t : words) {
+        if (last_did_[t] == did) {
+          ++count[t];
+          continue;
+        }
         if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) {
           index_.chunks_[next_chunk[t]++] = Chunk{static_cast<std::uint32_t>(high_part(did)), next_posting[t]};
         }
         last_did_[t] = did;
-        index_.low_[next_posting[t]++] = static_cast<std::uint16_t>(did & 0xFFFF);
+        count[t] = 1;
+        distinct.push_back(t);
       }
-      const std::uint64_t p = next_posting[t] - 1;
-      std::uint8_t& f = index_.frequency_[p];
-      if (f < kLargeFrequency) {
-        if (++f == kLargeFrequency) large[p] = kLargeFrequency;
-      } else {
-        ++large[p];
+      for (const std::uint32_t t : distinct) {
+        const std::uint64_t p = next_posting[t]++;
+        index_.low_[p] = static_cast<std::uint16_t>(did & 0xFFFF);
+        index_.frequency_[p] = static_cast<std::uint8_t>(std::min<std::uint32_t>(count[t], kLargeFrequency));
+        if (count[t] >= kLargeFrequency) index_.large_frequencies_.emplace_back(p, count[t]);
       }
     });
-    index_.large_frequencies_.assign(large.begin(), large.end());
     std::sort(index_.large_frequencies_.begin(), index_.large_frequencies_.end());
   }
 
