@@ -5,7 +5,7 @@
 #   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
 #   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h,
-#   network.h
+#   network.h, search.h
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
@@ -29,6 +29,7 @@ install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
 install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)
 install(FILES preproc/refgrove_preproc.h DESTINATION ${REFGROVE_INCLUDE_DIR}/preproc)
 install(FILES network/refgrove_network.h DESTINATION ${REFGROVE_INCLUDE_DIR} RENAME network.h)
+install(FILES search/refgrove_search.h DESTINATION ${REFGROVE_INCLUDE_DIR} RENAME search.h)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tools/refgrove.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # The way up from a directory below the prefix to the prefix itself

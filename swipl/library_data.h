@@ -75,6 +75,7 @@ foreign_t load_pred(term_t args, int arity, control_t control);
 foreign_t preproc_pred(term_t args, int arity, control_t control);
 
 std::span<const ForeignPredicate> network_predicates();
+std::span<const ForeignPredicate> search_predicates();
 
 }  // namespace refgrove::swipl
 

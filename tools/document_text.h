@@ -31,7 +31,4 @@ struct DocumentText {
 // Document `did` of `d`; the fields of a half the document lacks are empty.
 DocumentText document_text(const RefgroveData& d, int did);
 
-// `bytes` as UTF-8, as described above.
-std::string as_utf8(std::string_view bytes);
-
 #endif  // REFGROVE_TOOLS_DOCUMENT_TEXT_H_

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "search/text_folding.h"
 #include "tools/commands.h"
 #include "tools/network_formats.h"
 #include "tools/document_text.h"

@@ -2,7 +2,7 @@
 # Installs a build into a temporary prefix and builds and runs a small
 # program against the installed files, through pkg-config and through
 # find_package. The program preprocesses the sample dumps, loads them and
-# asks for one document. The pkg-config file must give the project's version
+# asks for one document and searches a word. The pkg-config file must give the project's version
 # and paths without "//".
 # Usage: run.sh BUILD_DIR SAMPLE_DIR/ C_COMPILER CXX_COMPILER GENERATOR VERSION
 set -euo pipefail
@@ -11,11 +11,12 @@ here=$(cd "$(dirname "$0")" && pwd)
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 prefix=$tmp/prefix
-expected="107: chen95 1995; 33 documents, 539 words, 21 authors"
+expected="107: chen95 1995; 33 documents, 539 words, 21 authors; suffix: 1 found, best 107"
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 test -x "$prefix/bin/refgrove"
 test -f "$prefix/include/refgrove/refgrove.h"
+test -f "$prefix/include/refgrove/search.h"
 test -f "$prefix/include/refgrove/network.h"
 # The man page reads, and covers every command.
 man_page=$(MANWIDTH=100 man -l "$prefix/share/man/man1/refgrove.1" 2>/dev/null)
