@@ -1,11 +1,8 @@
 // `refgrove export DIR [--format jsonl|csv] [-o FILE]`: every document of a
 // data directory, in ascending DID order, as JSON lines or as CSV.
 //
-// The dumps hold bytes, not text: keys, names and words may be Latin-1,
-// UTF-8 or anything else. Both formats are written as UTF-8: a byte
-// sequence that is valid UTF-8 is kept, and every other byte is read as the
-// Latin-1 character of that value (the dumps' own encoding), so nothing is
-// lost and the output is always valid.
+// Both formats are written as UTF-8 (core/document_text.h): nothing of the
+// dumps' bytes is lost and the output is always valid.
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
@@ -18,56 +15,11 @@
 #include <string_view>
 #include <vector>
 
+#include "core/document_text.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
 namespace {
-
-// Length of the valid UTF-8 sequence at the start of `s` (shortest form, no
-// surrogates, at most U+10FFFF), or 0.
-std::size_t utf8_sequence_length(std::string_view s) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(s[i]); };
-  const unsigned char b = byte(0);
-  if (b < 0x80) return 1;
-  std::size_t n = 0;
-  unsigned char lo = 0x80, hi = 0xBF;  // the range of the second byte
-  if (b >= 0xC2 && b <= 0xDF) {
-    n = 2;
-  } else if (b >= 0xE0 && b <= 0xEF) {
-    n = 3;
-    if (b == 0xE0) lo = 0xA0;
-    if (b == 0xED) hi = 0x9F;
-  } else if (b >= 0xF0 && b <= 0xF4) {
-    n = 4;
-    if (b == 0xF0) lo = 0x90;
-    if (b == 0xF4) hi = 0x8F;
-  } else {
-    return 0;
-  }
-  if (s.size() < n || byte(1) < lo || byte(1) > hi) return 0;
-  for (std::size_t i = 2; i < n; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  }
-  return n;
-}
-
-std::string as_utf8(std::string_view bytes) {
-  std::string text;
-  text.reserve(bytes.size());
-  while (!bytes.empty()) {
-    const std::size_t n = utf8_sequence_length(bytes);
-    if (n > 0) {
-      text.append(bytes.substr(0, n));
-      bytes.remove_prefix(n);
-      continue;
-    }
-    const unsigned char latin1 = static_cast<unsigned char>(bytes[0]);
-    text += static_cast<char>(0xC0 | (latin1 >> 6));
-    text += static_cast<char>(0x80 | (latin1 & 0x3F));
-    bytes.remove_prefix(1);
-  }
-  return text;
-}
 
 // One document as exported, its texts already UTF-8.
 struct ExportedDocument {
@@ -80,41 +32,24 @@ struct ExportedDocument {
   std::string abstract;        // the abstract's words joined by blanks
 };
 
-// Joins `count` words given by `get` with blanks.
-template <typename Get>
-std::string join_words(int count, Get get) {
-  std::string text;
-  for (int i = 0; i < count; ++i) {
-    const char* word = nullptr;
-    if (!get(i, &word)) break;
-    if (i > 0) text += ' ';
-    text += word;
-  }
-  return as_utf8(text);
-}
-
 ExportedDocument gather(const RefgroveData& d, int did) {
   ExportedDocument doc;
   doc.did = did;
-  const char* key = nullptr;
-  if (refgrove::get_key(d, did, &key)) doc.key = as_utf8(key);
+  doc.key = refgrove::key_text(d, did);
   int n = 0;
   if (refgrove::get_year(d, did, &n) && n != -1) doc.year = n;
-  refgrove::title_length(d, did, &n);
-  doc.title = join_words(n, [&](int i, const char** w) { return refgrove::get_title_word(d, did, i, w); });
+  doc.title = refgrove::title_text(d, did);
   refgrove::author_count(d, did, &n);
   for (int i = 0; i < n; ++i) {
     const char* name = nullptr;
-    if (refgrove::get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
+    if (refgrove::get_author(d, did, i, &name)) doc.authors.push_back(refgrove::as_utf8(name));
   }
   refgrove::cite_count(d, did, &n);
   for (int i = 0; i < n; ++i) {
     int cited = 0, gid = 0;
     if (refgrove::get_cite(d, did, i, &cited, &gid)) doc.citations.push_back(cited);
   }
-  n = 0;
-  refgrove::abstract_length(d, did, &n);
-  doc.abstract = join_words(n, [&](int i, const char** w) { return refgrove::get_abstract_word(d, did, i, w); });
+  doc.abstract = refgrove::abstract_text(d, did);
   return doc;
 }
 

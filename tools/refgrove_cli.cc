@@ -23,6 +23,9 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   add_export_command(app, ctx);
   add_check_command(app, ctx);
   add_generate_command(app, ctx);
+#ifdef REFGROVE_SERVE
+  add_serve_command(app, ctx);
+#endif
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& e) {  // --help, --version
