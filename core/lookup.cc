@@ -1,5 +1,7 @@
 #include "core/lookup.h"
 
+#include <algorithm>
+
 const RefgroveGraphData* graph_record(const RefgroveData& d, int did) {
   const WordGraphDataIds* e = d.entry(did);
   if (e == nullptr || e->graph_index < 0) return nullptr;
@@ -15,6 +17,17 @@ WordRun word_run_at(const RefgroveData& d, int w) {
   const std::vector<DocumentWordInfo>& headers = d.word_data->doc_info;
   const std::int64_t start = headers[static_cast<std::size_t>(w)].offset;
   return WordRun{start, headers[static_cast<std::size_t>(w) + 1].offset - start};
+}
+
+AbstractRun abstract_run(const RefgroveData& d, int did) {
+  const int w = word_index_of(d, did);
+  if (w < 0) return {};
+  const std::vector<DocumentWordInfo>& headers = d.word_data->doc_info;
+  const std::int64_t start = headers[static_cast<std::size_t>(w)].offset;
+  const std::int64_t end = std::min<std::int64_t>(headers[static_cast<std::size_t>(w) + 1].offset,
+                                                  d.word_data->mapped_bytes());
+  if (start < 0 || end <= start) return {};
+  return AbstractRun{start, (end - start) / kWordIdBytes};
 }
 
 const char* word_text(const RefgroveData& d, std::uint32_t id) {

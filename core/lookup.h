@@ -25,6 +25,16 @@ int word_index_of(const RefgroveData& d, int did);
 // entry of doc_info).
 WordRun word_run_at(const RefgroveData& d, int w);
 
+// The real abstract of `did`: `words` word ids from byte `start` of
+// "word-data", its header's offset read as the byte position it is, up to
+// the next header's offset and no further than the mapping reaches. Empty
+// for a DID without word data.
+struct AbstractRun {
+  std::int64_t start = 0;
+  std::int64_t words = 0;
+};
+AbstractRun abstract_run(const RefgroveData& d, int did);
+
 // The text of a word id or an author id, or null outside its table.
 const char* word_text(const RefgroveData& d, std::uint32_t id);
 const char* author_text(const RefgroveData& d, int author_id);

@@ -46,24 +46,6 @@ std::span<const std::int32_t> key_docs(const RefgroveData& d, const char* key) {
   return d.key_docs().find(*d.graph, key);
 }
 
-// The byte range of `did`'s abstract in "word-data": from its header's
-// offset to the next header's, cut to the mapped file.
-struct ByteRun {
-  std::int64_t start = 0;
-  std::int64_t words = 0;
-};
-
-ByteRun abstract_bytes(const RefgroveData& d, int did) {
-  const int w = word_index_of(d, did);
-  if (w < 0) return {};
-  const std::vector<DocumentWordInfo>& headers = d.word_data->doc_info;
-  const std::int64_t start = headers[static_cast<std::size_t>(w)].offset;
-  const std::int64_t end = std::min<std::int64_t>(headers[static_cast<std::size_t>(w) + 1].offset,
-                                                  d.word_data->mapped_bytes());
-  if (start < 0 || end <= start) return {};
-  return ByteRun{start, (end - start) / kWordIdBytes};
-}
-
 }  // namespace
 
 void last_did(const RefgroveData& d, int* out) { *out = static_cast<int>(d.did_index.size()); }
@@ -189,11 +171,11 @@ int get_key_doc(const RefgroveData& d, const char* key, int i, int* did) {
 }
 
 int abstract_length(const RefgroveData& d, int did, int* out) {
-  return give_count(static_cast<std::size_t>(abstract_bytes(d, did).words), out);
+  return give_count(static_cast<std::size_t>(abstract_run(d, did).words), out);
 }
 
 int get_abstract_word(const RefgroveData& d, int did, int i, const char** out) {
-  const ByteRun run = abstract_bytes(d, did);
+  const AbstractRun run = abstract_run(d, did);
   std::uint32_t id = 0;
   if (!in_range(i, run.words) || !d.word_data->word_id_at_byte(run.start + std::int64_t{kWordIdBytes} * i, &id)) {
     return 0;
