@@ -3,7 +3,7 @@
 # package). Layout under the prefix:
 #   bin/refgrove
 #   <libdir>/refgrove.so
-#   include/refgrove/refgrove.h, include/refgrove/search.h
+#   include/refgrove/refgrove.h, include/refgrove/search.h, include/refgrove/network.h
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
@@ -22,6 +22,7 @@ install(TARGETS refgrove_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS refgrove LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES core/refgrove.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
 install(FILES search/refgrove_search.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refgrove RENAME search.h)
+install(FILES network/refgrove_network.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/refgrove RENAME network.h)
 
 # The way up from a directory below the prefix to the prefix itself.
 function(refgrove_path_to_prefix out dir)

@@ -47,7 +47,10 @@ TEST_F(ModuleTest, ExportsItsCInterfaceAndNothingElse) {
                          "get_author", "get_authors", "word_count", "get_word", "id2author", "get_nb_authors",
                          "stats", "author_distance", "printdoc", "print_author", "abstract_length",
                          "get_abstract_word", "cited_by_count", "get_cited_by", "author_doc_count", "get_author_doc",
-                         "key_doc_count", "get_key_doc"}) {
+                         "key_doc_count", "get_key_doc", "citation_count", "pagerank", "ranked",
+                         "collaboration_distance", "collaboration_path", "citation_distance", "neighbourhood",
+                         "neighbourhood_edges", "similar", "component_count", "author_component_count", "component",
+                         "author_component"}) {
     fn<void>("refgrove_" + std::string(op) + "_1");
   }
 }

@@ -60,6 +60,7 @@ struct ForeignPredicate {
 std::span<const ForeignPredicate> host_predicates();
 std::span<const ForeignPredicate> relation_predicates();
 std::span<const ForeignPredicate> loading_predicates();
+std::span<const ForeignPredicate> network_predicates();
 
 }  // namespace refgrove::swipl
 

@@ -377,3 +377,88 @@ query_until_done(Rounds) :-
 :- end_tests(refgrove_loading).
 
 :- initialization((at_halt(cleanup_all))).
+
+:- begin_tests(refgrove_network, [setup(load_sample)]).
+
+% The documents with a graph record, and the distinct ones citing Did.
+graph_document(Did) :-
+    refgrove_document(Did),
+    refgrove_has_graph_info(Did).
+
+citing_documents(Did, Citing) :-
+    setof(C, (refgrove_cites(C, Did), graph_document(C)), Citing),
+    !.
+citing_documents(_, []).
+
+test(citation_counts_agree_with_cites) :-
+    forall(graph_document(Did),
+           (   citing_documents(Did, Citing),
+               length(Citing, N),
+               assertion(refgrove_citation_count(Did, N))
+           )).
+
+test(ranking_enumerates_best_first_then_stops) :-
+    findall(D-S, refgrove_ranked(citations, D, S), All),
+    aggregate_all(count, graph_document(_), Nodes),
+    assertion(length(All, Nodes)),
+    refgrove_ranked(citations, Top, []),
+    assertion(length(Top, 10)),
+    assertion(append(Top, _, All)),
+    last(All, LastDid-LastScore),
+    refgrove_ranked(citations, LastDid, Score),
+    assertion(Score == LastScore),
+    findall(S, refgrove_ranked(pagerank, _, S), Scores),
+    sum_list(Scores, Sum),
+    assertion(abs(Sum - 1.0) < 1.0e-9).
+
+test(ranking_by_years, Years == [1995]) :-
+    refgrove_ranked(pagerank, Pairs, [limit(100), years(1995, 1995)]),
+    setof(Y, D^S^(member(D-S, Pairs), refgrove_get_year(D, Y)), Years).
+
+test(neighbourhood_defaults_to_one_hop_both_ways, Expected == Got) :-
+    refgrove_neighbourhood(110, Nodes, _, []),
+    citing_documents(110, Citing),
+    findall(C, (refgrove_cites(110, C), graph_document(C)), Cited),
+    append(Citing, Cited, Around),
+    sort(Around, Expected),
+    findall(D, member(D-1, Nodes), Got0),
+    msort(Got0, Got).
+
+test(neighbourhood_limits) :-
+    refgrove_neighbourhood(110, [110-0], [], [hops(0)]),
+    refgrove_neighbourhood(110, [], [], [limit(0)]),
+    refgrove_neighbourhood(110, Nodes, _, [hops(1000000000), limit(1000000000), direction(in)]),
+    assertion(Nodes = [110-0|_]).
+
+test(paths_and_distances) :-
+    refgrove_get_authors(115, [A, B]),
+    refgrove_collaboration_distance(A, B, 1),
+    refgrove_collaboration_path(A, B, [A, 115, B]),
+    refgrove_collaboration_distance(A, A, 0),
+    refgrove_citation_distance(115, 110, 1),
+    \+ refgrove_citation_distance(110, 115, _),
+    refgrove_citation_distance(110, 115, 1, [direction(both)]).
+
+test(similar_and_component) :-
+    refgrove_similar(110, coupling, Pairs, [limit(3)]),
+    assertion(length(Pairs, 3)),
+    refgrove_component(110, Id, Size),
+    assertion((Id == 0, Size > 1)).
+
+test(unknown_documents_fail) :-
+    \+ refgrove_citation_count(99999, _),
+    \+ refgrove_pagerank(-1, _),
+    \+ refgrove_neighbourhood(99999, _, _, []),
+    \+ refgrove_similar(99999, cocitation, _, []),
+    \+ refgrove_component(99999, _, _),
+    \+ refgrove_collaboration_distance(0, 1000000, _).
+
+test(bad_ranking, error(domain_error(refgrove_option, rank))) :- refgrove_ranked(rank, _, []).
+test(reversed_years, error(domain_error(year_range, 2000-1990))) :-
+    refgrove_ranked(pagerank, _, [years(2000, 1990)]).
+test(bad_direction, error(domain_error(refgrove_option, up))) :-
+    refgrove_neighbourhood(110, _, _, [direction(up)]).
+test(negative_hops, error(type_error(nonneg, -1))) :- refgrove_neighbourhood(110, _, _, [hops(-1)]).
+test(unbound_did, error(instantiation_error)) :- refgrove_pagerank(_, _).
+
+:- end_tests(refgrove_network).

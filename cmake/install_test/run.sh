@@ -15,6 +15,7 @@ expected="107: chen95 1995; 33 documents, 539 words, 21 authors"
 cmake --install "$build" --prefix "$prefix" >/dev/null
 test -x "$prefix/bin/refgrove"
 test -f "$prefix/include/refgrove/refgrove.h"
+test -f "$prefix/include/refgrove/network.h"
 
 check() {  # check NAME PROGRAM: runs PROGRAM on a data directory of its own
   local out needed

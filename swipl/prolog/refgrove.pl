@@ -65,3 +65,203 @@ prolog:message(error(refgrove_error(Reason), _)) -->
 message_lines([]) --> [].
 message_lines([Line]) --> !, [ '~s'-[Line] ].
 message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
+
+		 /*******************************
+		 *       CITATION NETWORK       *
+		 *******************************/
+
+/* The analyses of the citation network. The citation graph has the
+   documents with a graph record as its nodes and one edge per distinct
+   (citing, cited) pair of them, self-citations included; the co-author
+   graph links two authors when both are authors of one graph record. What
+   the analyses need is built on first use and released on reload.
+*/
+
+:- use_module(library(error)).
+:- use_module(library(lists)).
+:- use_module(library(option)).
+
+:- export(refgrove_citation_count/2).
+:- export(refgrove_pagerank/2).
+:- export(refgrove_ranked/3).
+:- export(refgrove_collaboration_distance/3).
+:- export(refgrove_collaboration_path/3).
+:- export(refgrove_citation_distance/3).
+:- export(refgrove_citation_distance/4).
+:- export(refgrove_neighbourhood/4).
+:- export(refgrove_similar/4).
+:- export(refgrove_component/3).
+
+%!  refgrove_citation_count(+Did, -N) is semidet.
+%
+%   N is the number of distinct documents citing Did (its in-degree in
+%   the citation graph). Fails when Did has no graph record.
+%
+%   ```
+%   ?- refgrove_citation_count(101, N).
+%   N = 6.
+%   ```
+
+%!  refgrove_pagerank(+Did, -Score) is semidet.
+%
+%   Score is the PageRank of Did: damping 0.85, uniform teleport, the
+%   rank of documents citing nothing spread over all documents, scores
+%   summing to 1, each within 1e-9 of the exact value. Fails when Did has
+%   no graph record.
+%
+%   ```
+%   ?- refgrove_pagerank(101, Score).
+%   Score = 0.1148...
+%   ```
+
+%!  refgrove_ranked(+By, -Did, -Score) is nondet.
+%!  refgrove_ranked(+By, -Pairs, +Options) is det.
+%
+%   Documents ranked by `citations` (Score is the citation count) or by
+%   `pagerank`, best first, ties by ascending DID. The first form
+%   enumerates all documents with a graph record on backtracking; the
+%   second gives the best ones as a list of Did-Score pairs. Options:
+%
+%     - limit(+N)
+%       At most N pairs (default 10).
+%     - years(+From, +To)
+%       Only documents whose year lies in From..To.
+%
+%   @error domain_error(refgrove_option, By) for another ranking.
+%   @error domain_error(year_range, From-To) when From > To.
+%
+%   ```
+%   ?- refgrove_ranked(citations, Pairs, [limit(2)]).
+%   Pairs = [101-6.0, 100-5.0].
+%   ```
+
+refgrove_ranked(By, Pairs, Options) :-
+    is_list(Options),
+    !,
+    option(limit(Limit), Options, 10),
+    must_be(nonneg, Limit),
+    (   option(years(From, To), Options)
+    ->  must_be(integer, From),
+        must_be(integer, To),
+        (   From =< To
+        ->  true
+        ;   domain_error(year_range, From-To)
+        )
+    ;   From = -0x80000000,
+        To = 0x7fffffff
+    ),
+    '$refgrove_ranked'(By, Limit, From, To, Pairs).
+refgrove_ranked(By, Did, Score) :-
+    refgrove_last_did(All),
+    '$refgrove_ranked'(By, All, -0x80000000, 0x7fffffff, Pairs),
+    member(Did-Score, Pairs).
+
+%!  refgrove_collaboration_distance(+A, +B, -D) is semidet.
+%
+%   D is the number of links of a shortest path between the authors with
+%   ids A and B in the co-author graph (0 when A == B). Fails when they
+%   are unconnected or either id names no author.
+%
+%   ```
+%   ?- refgrove_collaboration_distance(0, 5, D).
+%   D = 2.
+%   ```
+
+%!  refgrove_collaboration_path(+A, +B, -Path) is semidet.
+%
+%   Path is a shortest collaboration path from author A to author B,
+%   author ids and DIDs alternating, `[A, D1, X, D2, B]`: each DID is a
+%   document that the authors beside it wrote together. Fails as
+%   refgrove_collaboration_distance/3.
+%
+%   ```
+%   ?- refgrove_collaboration_path(0, 5, Path).
+%   Path = [0, 100, 2, 104, 5].
+%   ```
+
+%!  refgrove_citation_distance(+From, +To, -D) is semidet.
+%!  refgrove_citation_distance(+From, +To, -D, +Options) is semidet.
+%
+%   D is the length of a shortest path from paper From to paper To
+%   following citations from citing to cited, or, with the option
+%   direction(both), ignoring their direction (direction(out) is the
+%   default). Fails when To cannot be reached or either DID has no graph
+%   record.
+%
+%   @error domain_error(refgrove_option, Dir) for another direction.
+%
+%   ```
+%   ?- refgrove_citation_distance(105, 100, D).
+%   D = 1.
+%   ```
+
+refgrove_citation_distance(From, To, D) :-
+    '$refgrove_citation_distance'(From, To, out, D).
+refgrove_citation_distance(From, To, D, Options) :-
+    option(direction(Dir), Options, out),
+    '$refgrove_citation_distance'(From, To, Dir, D).
+
+%!  refgrove_neighbourhood(+Did, -Nodes, -Edges, +Options) is semidet.
+%
+%   Nodes are the documents within K hops of Did as Did-Hops pairs: Did
+%   itself first, then the closest, then by citation count descending,
+%   then by ascending DID. Edges are the citations among them as
+%   Citing-Cited pairs, by citing then cited DID. Fails when Did has no
+%   graph record. Options:
+%
+%     - hops(+K)
+%       How far to go (default 1).
+%     - direction(+Dir)
+%       Follow citations `out` (to the cited), `in` (to the citing) or
+%       `both` ways (default).
+%     - limit(+L)
+%       At most L nodes (default 100).
+%
+%   @error domain_error(refgrove_option, Dir) for another direction.
+%
+%   ```
+%   ?- refgrove_neighbourhood(105, Nodes, Edges, [direction(out)]).
+%   Nodes = [105-0, 100-1],
+%   Edges = [105-100].
+%   ```
+
+refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
+    option(hops(Hops), Options, 1),
+    must_be(nonneg, Hops),
+    option(direction(Dir), Options, both),
+    option(limit(Limit), Options, 100),
+    must_be(nonneg, Limit),
+    '$refgrove_neighbourhood'(Did, Hops, Dir, Limit, Nodes, Edges).
+
+%!  refgrove_similar(+Did, +By, -Pairs, +Options) is semidet.
+%
+%   Pairs are the documents most like Did as Did-Count pairs, by count
+%   descending, then by ascending DID, Did itself left out. By
+%   `cocitation` counts the distinct documents citing both; by
+%   `coupling` the distinct documents both cite. Fails when Did has no
+%   graph record. Options: limit(+N), at most N pairs (default 10).
+%
+%   @error domain_error(refgrove_option, By) for another measure.
+%
+%   ```
+%   ?- refgrove_similar(100, cocitation, Pairs, [limit(2)]).
+%   Pairs = [101-3, 102-1].
+%   ```
+
+refgrove_similar(Did, By, Pairs, Options) :-
+    option(limit(Limit), Options, 10),
+    must_be(nonneg, Limit),
+    '$refgrove_similar'(Did, By, Limit, Pairs).
+
+%!  refgrove_component(+Did, -Id, -Size) is semidet.
+%
+%   Id is the weakly connected component of the citation graph holding
+%   Did and Size its number of documents. Components are numbered from 0
+%   by size descending, then by their smallest DID, so 0 is the largest.
+%   Fails when Did has no graph record.
+%
+%   ```
+%   ?- refgrove_component(100, Id, Size).
+%   Id = 0,
+%   Size = 30.
+%   ```

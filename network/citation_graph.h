@@ -1,0 +1,109 @@
+// CitationGraph: the citation network of a loaded data set, as adjacency
+// arrays in both directions over dense node numbers.
+//
+// Its nodes are the documents that have a graph record (the record a DID's
+// index entry names), numbered by ascending DID. There is one edge per
+// distinct (citing, cited) pair of such documents, self-citations included;
+// citations of DIDs without a record are left out. A document's citation
+// count is its in-degree here.
+//
+// The graph is built from the set on first use and kept with it (see
+// DerivedStructures), so it is released on reload and shared by all threads.
+#ifndef REFGROVE_NETWORK_CITATION_GRAPH_H_
+#define REFGROVE_NETWORK_CITATION_GRAPH_H_
+
+#include <cstdint>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "core/data_set.h"
+
+namespace refgrove {
+
+// A bad argument of an analysis (a DID without a graph record, an unknown
+// author, a reversed year range, an unknown option value); the message is
+// for people.
+class NetworkArgumentError : public std::invalid_argument {
+ public:
+  using std::invalid_argument::invalid_argument;
+};
+
+// Which citations a walk follows: from citing to cited (out), from cited to
+// citing (in), or either way (both).
+enum class Direction { out, in, both };
+
+// Lists of int32 per node: the list of node v is items[offsets[v] ..
+// offsets[v + 1]).
+struct Adjacency {
+  std::vector<std::int64_t> offsets{0};
+  std::vector<std::int32_t> items;
+
+  std::span<const std::int32_t> operator[](std::int32_t v) const {
+    const auto at = static_cast<std::size_t>(v);
+    return {items.data() + offsets[at], items.data() + offsets[at + 1]};
+  }
+  std::int32_t size() const { return static_cast<std::int32_t>(offsets.size() - 1); }
+
+  // The lists of `sources` read the other way round: for every v in the list
+  // of u, u in the list of v. Lists come out in ascending order of u.
+  static Adjacency transposed(const Adjacency& sources, std::int32_t nodes);
+};
+
+class CitationGraph {
+ public:
+  explicit CitationGraph(const RefgroveData& d);
+
+  // The graph of `d`, built on first use.
+  static const CitationGraph& of(const RefgroveData& d);
+
+  std::int32_t size() const { return static_cast<std::int32_t>(dids_.size()); }
+  std::int64_t edge_count() const { return static_cast<std::int64_t>(cited_.items.size()); }
+
+  // The node of `did`, or -1 when it has no graph record.
+  std::int32_t node(std::int64_t did) const {
+    if (did < 0 || did >= static_cast<std::int64_t>(node_of_did_.size())) return -1;
+    return node_of_did_[static_cast<std::size_t>(did)];
+  }
+  // The node of `did`; throws NetworkArgumentError when it has none.
+  std::int32_t require_node(std::int64_t did) const;
+  std::int32_t did(std::int32_t node) const { return dids_[static_cast<std::size_t>(node)]; }
+
+  // The nodes cited by `v` and those citing it, each in ascending order.
+  std::span<const std::int32_t> cited(std::int32_t v) const { return cited_[v]; }
+  std::span<const std::int32_t> citing(std::int32_t v) const { return citing_[v]; }
+  std::int32_t citation_count(std::int32_t v) const { return static_cast<std::int32_t>(citing(v).size()); }
+
+  // Calls f(w) for every neighbour w of v in direction `dir` (with `both`, a
+  // node both citing and cited by v comes twice).
+  template <class F>
+  void for_each_neighbour(std::int32_t v, Direction dir, F f) const {
+    if (dir != Direction::in)
+      for (const std::int32_t w : cited(v)) f(w);
+    if (dir != Direction::out)
+      for (const std::int32_t w : citing(v)) f(w);
+  }
+
+  // The record year of node v (-1 when unknown).
+  std::int32_t year(std::int32_t v) const { return years_[static_cast<std::size_t>(v)]; }
+
+  // Bytes held by this graph.
+  std::size_t memory() const;
+
+ private:
+  std::vector<std::int32_t> dids_;         // node -> DID, ascending
+  std::vector<std::int32_t> node_of_did_;  // DID -> node or -1
+  std::vector<std::int32_t> years_;        // node -> year
+  Adjacency cited_;                        // node -> cited nodes
+  Adjacency citing_;                       // node -> citing nodes
+};
+
+// The text of a direction ("out", "in", "both") and back; from_text throws
+// NetworkArgumentError for any other text.
+const char* to_text(Direction dir);
+Direction direction_from_text(const std::string& text);
+
+}  // namespace refgrove
+
+#endif  // REFGROVE_NETWORK_CITATION_GRAPH_H_

@@ -1,0 +1,127 @@
+#include "network/ranking.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "network/citation_graph.h"
+
+namespace refgrove {
+namespace {
+
+constexpr double kDamping = 0.85;
+// The iteration is a contraction by kDamping in the L1 norm, so the distance
+// to the fixed point is at most kDamping / (1 - kDamping) times the last
+// step; stopping at 1e-10 leaves room below 1e-9 for rounding.
+constexpr double kMaxError = 1e-10;
+
+struct PageRankOfSet {
+  std::vector<double> scores;
+};
+
+const std::vector<double>& pagerank_scores(const RefgroveData& d) {
+  const CitationGraph& g = CitationGraph::of(d);
+  return d.derived().get<PageRankOfSet>([&] { return PageRankOfSet{compute_pagerank(g).scores}; }).scores;
+}
+
+double score_of(const RefgroveData& d, RankBy by, std::int32_t v) {
+  if (by == RankBy::citations) return CitationGraph::of(d).citation_count(v);
+  return pagerank_scores(d)[static_cast<std::size_t>(v)];
+}
+
+// All nodes, best first: by score descending, then by node (which is DID
+// order).
+template <RankBy By>
+struct RankOrder {
+  std::vector<std::int32_t> nodes;
+};
+
+template <RankBy By>
+const std::vector<std::int32_t>& rank_order(const RefgroveData& d) {
+  const CitationGraph& g = CitationGraph::of(d);
+  return d.derived()
+      .get<RankOrder<By>>([&] {
+        RankOrder<By> order;
+        order.nodes.resize(static_cast<std::size_t>(g.size()));
+        std::iota(order.nodes.begin(), order.nodes.end(), 0);
+        std::vector<double> score(order.nodes.size());
+        for (const std::int32_t v : order.nodes) score[static_cast<std::size_t>(v)] = score_of(d, By, v);
+        std::stable_sort(order.nodes.begin(), order.nodes.end(), [&](std::int32_t a, std::int32_t b) {
+          return score[static_cast<std::size_t>(a)] > score[static_cast<std::size_t>(b)];
+        });
+        return order;
+      })
+      .nodes;
+}
+
+}  // namespace
+
+const char* to_text(RankBy by) { return by == RankBy::citations ? "citations" : "pagerank"; }
+
+RankBy rank_by_from_text(const std::string& text) {
+  for (const RankBy by : {RankBy::citations, RankBy::pagerank})
+    if (text == to_text(by)) return by;
+  throw NetworkArgumentError("unknown ranking \"" + text + "\" (citations or pagerank)");
+}
+
+PageRankScores compute_pagerank(const CitationGraph& g) {
+  const auto n = static_cast<std::size_t>(g.size());
+  PageRankScores result;
+  if (n == 0) return result;
+  std::vector<double> x(n, 1.0 / static_cast<double>(n));
+  std::vector<double> next(n);
+  std::vector<double> share(n);  // x[u] / out-degree of u, 0 for a dangling node
+  std::vector<double> inverse_degree(n);
+  for (std::size_t u = 0; u < n; ++u) {
+    const auto degree = g.cited(static_cast<std::int32_t>(u)).size();
+    inverse_degree[u] = degree == 0 ? 0.0 : 1.0 / static_cast<double>(degree);
+  }
+  for (;;) {
+    double dangling = 0.0;
+    for (std::size_t u = 0; u < n; ++u) {
+      if (inverse_degree[u] == 0.0) dangling += x[u];
+      share[u] = x[u] * inverse_degree[u];
+    }
+    const double base = ((1.0 - kDamping) + kDamping * dangling) / static_cast<double>(n);
+    double step = 0.0;
+    for (std::size_t v = 0; v < n; ++v) {
+      double sum = 0.0;
+      for (const std::int32_t u : g.citing(static_cast<std::int32_t>(v))) sum += share[static_cast<std::size_t>(u)];
+      next[v] = base + kDamping * sum;
+      step += std::fabs(next[v] - x[v]);
+    }
+    x.swap(next);
+    ++result.iterations;
+    if (step * kDamping / (1.0 - kDamping) <= kMaxError) break;
+  }
+  result.scores = std::move(x);
+  return result;
+}
+
+std::int32_t citation_count(const RefgroveData& d, std::int32_t did) {
+  const CitationGraph& g = CitationGraph::of(d);
+  return g.citation_count(g.require_node(did));
+}
+
+double pagerank(const RefgroveData& d, std::int32_t did) {
+  return score_of(d, RankBy::pagerank, CitationGraph::of(d).require_node(did));
+}
+
+std::vector<RankedDocument> ranked(const RefgroveData& d, RankBy by, std::int64_t k,
+                                   std::optional<YearRange> years) {
+  if (years && years->from > years->to)
+    throw NetworkArgumentError("reversed year range " + std::to_string(years->from) + "-" +
+                               std::to_string(years->to));
+  const CitationGraph& g = CitationGraph::of(d);
+  const std::vector<std::int32_t>& order =
+      by == RankBy::citations ? rank_order<RankBy::citations>(d) : rank_order<RankBy::pagerank>(d);
+  std::vector<RankedDocument> top;
+  for (const std::int32_t v : order) {
+    if (static_cast<std::int64_t>(top.size()) >= k) break;
+    if (years && (g.year(v) < years->from || g.year(v) > years->to)) continue;
+    top.push_back({g.did(v), score_of(d, by, v)});
+  }
+  return top;
+}
+
+}  // namespace refgrove
