@@ -31,10 +31,8 @@ std::size_t parse_choice(std::string_view text, std::string_view name, std::init
 YearRange parse_years(std::string_view text) {
   const std::size_t dash = text.find('-');
   if (dash == std::string_view::npos || dash == 0) throw bad_parameter("years", "FROM-TO (years from 0 to 9999)");
-  YearRange range;
-  range.from = parse_int(text.substr(0, dash), "years", 0, 9999);
-  range.to = parse_int(text.substr(dash + 1), "years", range.from, 9999);
-  return range;
+  const int from = parse_int(text.substr(0, dash), "years", 0, 9999);
+  return YearRange{from, parse_int(text.substr(dash + 1), "years", from, 9999)};
 }
 
 }  // namespace refgrove::web

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "network/ranking.h"
+
 namespace refgrove::web {
 
 // Answered as {"error": what()} with this HTTP status: 400 for a bad
@@ -30,9 +32,6 @@ int parse_int(std::string_view text, std::string_view name, int lo, int hi);
 // The position of `text` among `choices`, else a 400 naming `name`.
 std::size_t parse_choice(std::string_view text, std::string_view name, std::initializer_list<std::string_view> choices);
 
-struct YearRange {
-  int from = 0, to = 0;  // both included
-};
 // "FROM-TO", FROM <= TO, years from 0 to 9999.
 YearRange parse_years(std::string_view text);
 

@@ -10,7 +10,9 @@
 #include "web/api_params.h"
 #include "web/connection_threads.h"
 #include "web/page_files.h"
+#include "web/network_api.h"
 #include "web/paper_api.h"
+#include "web/search_api.h"
 
 namespace refgrove::web {
 namespace {
@@ -50,10 +52,55 @@ httplib::Server::Handler api(const DataSetSlot& slot, Answer answer) {
 // The id in the route's first group: a non-negative int32.
 int path_id(const httplib::Request& req, const char* name) { return parse_int(req.matches[1].str(), name, 0, INT_MAX); }
 
+// The query parameter `name`, or `fallback` when the request has none.
+std::string param(const httplib::Request& req, const char* name, const char* fallback) {
+  return req.has_param(name) ? req.get_param_value(name) : fallback;
+}
+
+std::string required_param(const httplib::Request& req, const char* name) {
+  if (!req.has_param(name)) throw ApiError(400, std::string(name) + " is missing");
+  return req.get_param_value(name);
+}
+
+constexpr int kMaxLimit = 1000;
+
+int limit_param(const httplib::Request& req, const char* fallback) {
+  return parse_int(param(req, "limit", fallback), "limit", 1, kMaxLimit);
+}
+
+Json search_answer(const RefgroveData& d, const httplib::Request& req) {
+  constexpr SearchMode kModes[] = {SearchMode::kAnd, SearchMode::kOr};
+  const SearchMode mode = kModes[parse_choice(param(req, "mode", "and"), "mode", {"and", "or"})];
+  return search_json(d, required_param(req, "q"), mode, limit_param(req, "20"));
+}
+
+Json neighbourhood_answer(const RefgroveData& d, const httplib::Request& req) {
+  NeighbourhoodOptions options;
+  options.hops = parse_int(param(req, "hops", "1"), "hops", 1, 3);
+  constexpr Direction kDirections[] = {Direction::out, Direction::in, Direction::both};
+  options.direction = kDirections[parse_choice(param(req, "direction", "both"), "direction", {"out", "in", "both"})];
+  options.limit = limit_param(req, "100");
+  return neighbourhood_json(d, path_id(req, "DID"), options);
+}
+
+Json path_answer(const RefgroveData& d, const httplib::Request& req) {
+  return path_json(d, parse_int(required_param(req, "from"), "from", 0, INT_MAX),
+                   parse_int(required_param(req, "to"), "to", 0, INT_MAX));
+}
+
+Json rank_answer(const RefgroveData& d, const httplib::Request& req) {
+  constexpr RankBy kRankings[] = {RankBy::citations, RankBy::pagerank};
+  const RankBy by = kRankings[parse_choice(param(req, "by", "citations"), "by", {"citations", "pagerank"})];
+  std::optional<YearRange> years;
+  if (req.has_param("years")) years = parse_years(req.get_param_value("years"));
+  return rank_json(d, by, limit_param(req, "20"), years);
+}
+
 }  // namespace
 
 ExplorerServer::ExplorerServer(const DataSetSlot& slot) : slot_(slot) {
   server_.new_task_queue = [] { return new ConnectionThreads(kMaxThreads, kThreadIdleTime); };
+  server_.set_tcp_nodelay(true);  // answers are single small writes: no waiting for ACKs
   server_.set_keep_alive_timeout(kTimeoutSeconds);
   server_.set_read_timeout(kTimeoutSeconds);
   server_.set_write_timeout(kTimeoutSeconds);
@@ -76,6 +123,10 @@ void ExplorerServer::add_api_routes() {
   server_.Get("/api/author/([^/]*)", api(slot_, [](const RefgroveData& d, const httplib::Request& req) {
                 return author_json(d, path_id(req, "author id"));
               }));
+  server_.Get("/api/search", api(slot_, search_answer));
+  server_.Get("/api/neighbourhood/([^/]*)", api(slot_, neighbourhood_answer));
+  server_.Get("/api/path", api(slot_, path_answer));
+  server_.Get("/api/rank", api(slot_, rank_answer));
   server_.Get("/api/.*", [](const httplib::Request&, httplib::Response& res) {
     send_error(res, 404, "no such API endpoint");
   });

@@ -11,6 +11,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <map>
@@ -21,6 +22,11 @@
 #include "core/data_view.h"
 #include "core/document_text.h"
 #include "testing/data_files.h"
+#include "network/distance.h"
+#include "network/neighbourhood.h"
+#include "network/ranking.h"
+#include "network/similarity.h"
+#include "search/word_search.h"
 #include "web/serve.h"
 
 namespace refgrove::web {
@@ -138,7 +144,21 @@ TEST(ExplorerApi, EveryPaperAnswersWhatTheOperationsGive) {
     cited_by_count(d, did, &n);
     for (int i = 0, citing = 0; i < n; ++i) cited_by.push_back((get_cited_by(d, did, i, &citing), citing));
     EXPECT_EQ(dids_of(p.at("cites")), cites);
+    cited_by.erase(std::unique(cited_by.begin(), cited_by.end()), cited_by.end());  // a paper citing twice
     EXPECT_EQ(dids_of(p.at("cited_by")), cited_by);
+    EXPECT_EQ(p.at("citation_count"), cited_by.size());
+    if (!has_graph_info(d, did)) {
+      EXPECT_TRUE(p.at("pagerank").is_null());
+      continue;
+    }
+    EXPECT_EQ(p.at("pagerank"), pagerank(d, did));
+    const auto similar_dids = [&](SimilarBy by) {
+      std::vector<int> dids;
+      for (const SimilarDocument& s : similar(d, did, by, 10)) dids.push_back(s.did);
+      return dids;
+    };
+    EXPECT_EQ(dids_of(p.at("similar").at("cocitation")), similar_dids(SimilarBy::cocitation));
+    EXPECT_EQ(dids_of(p.at("similar").at("coupling")), similar_dids(SimilarBy::coupling));
   }
 }
 
@@ -168,6 +188,104 @@ TEST(ExplorerApi, EveryAuthorHasTheirPapersAndCoauthorsBothWays) {
   EXPECT_GE(shared.size(), 2u);
 }
 
+TEST(ExplorerApi, SearchFindsWordsKeysAndAuthors) {
+  const RefgroveData& d = sample().data();
+  const struct {
+    std::string query, mode;
+    std::string key;     // a key expected among "keys", or ""
+    std::string author;  // an author expected among "authors", or ""
+  } cases[] = {
+      {"graph*", "and", "", ""},           {"graph citation", "or", "", ""}, {"graph citation", "and", "", ""},
+      {"chen95", "and", "chen95", ""},     {"lee", "and", "", "A. Lee"},     {"erd%C5%91s", "and", "", "P. Erdős"},
+      {"baeza-yates", "or", "", "R. Baeza-Yates"},
+  };
+  for (const auto& c : cases) {
+    const std::string path = "/api/search?q=" + c.query + "&mode=" + c.mode + "&limit=5";
+    const JsonValue r = get_json(path);
+    std::vector<int> expected;
+    const std::string query = r.at("query");
+    for (const SearchHit& hit : search(d, query, c.mode == "and" ? SearchMode::kAnd : SearchMode::kOr, 5)) {
+      expected.push_back(hit.did);
+    }
+    EXPECT_EQ(dids_of(r.at("hits")), expected) << path;
+    if (!c.key.empty()) {
+      EXPECT_EQ(r.at("keys").at(0).at("key"), c.key) << path;
+    }
+    if (!c.author.empty()) {
+      EXPECT_EQ(r.at("authors").at(0).at("name"), c.author) << path;
+    }
+  }
+}
+
+TEST(ExplorerApi, NeighbourhoodsAreTheNetworksOwn) {
+  const RefgroveData& d = sample().data();
+  for (const int did : sample_dids()) {
+    if (!has_graph_info(d, did)) continue;
+    for (const char* direction : {"out", "in", "both"}) {
+      for (const int hops : {1, 2}) {
+        const std::string path = "/api/neighbourhood/" + std::to_string(did) + "?hops=" + std::to_string(hops) +
+                                 "&direction=" + direction + "&limit=8";
+        const JsonValue n = get_json(path);
+        const Neighbourhood expected = neighbourhood(d, did, {hops, direction_from_text(direction), 8});
+        std::vector<int> dids, edges, shown_edges;
+        for (const NeighbourNode& node : expected.nodes) dids.push_back(node.did);
+        for (const CitationEdge& e : expected.edges) edges.insert(edges.end(), {e.citing, e.cited});
+        for (const JsonValue& l : n.at("links")) shown_edges.insert(shown_edges.end(), {l.at("source"), l.at("target")});
+        EXPECT_EQ(dids_of(n.at("nodes")), dids) << path;
+        EXPECT_EQ(shown_edges, edges) << path;
+      }
+    }
+  }
+}
+
+TEST(ExplorerApi, PathsBetweenEveryTwoAuthors) {
+  const RefgroveData& d = sample().data();
+  for (int a = 0; a < get_nb_authors(d); ++a) {
+    for (int b = 0; b < get_nb_authors(d); ++b) {
+      const std::string path = "/api/path?from=" + std::to_string(a) + "&to=" + std::to_string(b);
+      const JsonValue r = get_json(path);
+      const std::optional<CollaborationPath> expected = collaboration_path(d, a, b);
+      if (!expected) {
+        EXPECT_TRUE(r.at("distance").is_null()) << path;
+        continue;
+      }
+      std::vector<int> authors;
+      for (const JsonValue& author : r.at("path")) authors.push_back(author.at("id"));
+      EXPECT_EQ(r.at("distance"), expected->documents.size()) << path;
+      EXPECT_EQ(authors, std::vector<int>(expected->authors.begin(), expected->authors.end())) << path;
+      EXPECT_EQ(dids_of(r.at("papers")), std::vector<int>(expected->documents.begin(), expected->documents.end()));
+    }
+  }
+}
+
+TEST(ExplorerApi, RankingsByBothMeasuresAndYears) {
+  const RefgroveData& d = sample().data();
+  const struct {
+    std::string query;
+    RankBy by;
+    std::optional<YearRange> years;
+  } cases[] = {
+      {"by=citations&limit=5", RankBy::citations, {}},
+      {"by=pagerank&limit=5", RankBy::pagerank, {}},
+      {"by=pagerank&limit=1000&years=1995-1997", RankBy::pagerank, YearRange{1995, 1997}},
+      {"limit=3&years=1996-1996", RankBy::citations, YearRange{1996, 1996}},
+      {"years=3000-4000", RankBy::citations, YearRange{3000, 4000}},
+  };
+  for (const auto& c : cases) {
+    const JsonValue r = get_json("/api/rank?" + c.query);
+    std::vector<int> expected;
+    for (const RankedDocument& doc : ranked(d, c.by, r.at("papers").size() + 1, c.years)) expected.push_back(doc.did);
+    expected.resize(r.at("papers").size());
+    EXPECT_EQ(dids_of(r.at("papers")), expected) << c.query;
+    for (const JsonValue& p : r.at("papers")) {
+      EXPECT_EQ(p.at("citations"), citation_count(d, p.at("did"))) << c.query;
+      if (c.years) {
+        EXPECT_TRUE(p.at("year") >= c.years->from && p.at("year") <= c.years->to) << c.query;
+      }
+    }
+  }
+}
+
 TEST(ExplorerApi, BadRequestsGetAnErrorOfTheirKind) {
   const struct {
     std::string path;
@@ -184,6 +302,24 @@ TEST(ExplorerApi, BadRequestsGetAnErrorOfTheirKind) {
       {"/api/author/abc", 400},
       {"/api/nothing", 404},
       {"/api/paper/101/more", 404},
+      {"/api/search", 400},                 // no q
+      {"/api/search?q=", 400},
+      {"/api/search?q=*", 400},
+      {"/api/search?q=graph&mode=xor", 400},
+      {"/api/search?q=graph&limit=0", 400},
+      {"/api/search?q=graph&limit=1001", 400},
+      {"/api/neighbourhood/110?hops=0", 400},
+      {"/api/neighbourhood/110?hops=4", 400},
+      {"/api/neighbourhood/110?direction=up", 400},
+      {"/api/neighbourhood/110?limit=-5", 400},
+      {"/api/neighbourhood/5", 404},
+      {"/api/neighbourhood/x", 400},
+      {"/api/path?from=1", 400},
+      {"/api/path?from=1&to=x", 400},
+      {"/api/path?from=1&to=99999", 404},
+      {"/api/rank?by=fame", 400},
+      {"/api/rank?years=1999-1995", 400},
+      {"/api/rank?years=1999", 400},
   };
   for (const auto& c : cases) {
     const Reply reply = get(c.path);

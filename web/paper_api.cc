@@ -7,6 +7,7 @@
 #include "core/data_view.h"
 #include "core/document_text.h"
 #include "web/api_params.h"
+#include "web/network_api.h"
 
 namespace refgrove::web {
 namespace {
@@ -28,22 +29,6 @@ std::vector<int> author_ids(const RefgroveData& d, int did) {
   return ids;
 }
 
-Json author_ref(const RefgroveData& d, int author_id) {
-  return {{"id", author_id}, {"name", author_name_text(d, author_id)}};
-}
-
-// The documents given by a counted getter, as paper_refs.
-template <typename Count, typename Get>
-Json paper_list(const RefgroveData& d, Count count, Get get) {
-  int n = 0;
-  count(&n);
-  Json list = Json::array();
-  for (int i = 0; i < n; ++i) {
-    int did = 0;
-    if (get(i, &did)) list.push_back(paper_ref(d, did));
-  }
-  return list;
-}
 
 }  // namespace
 
@@ -57,6 +42,10 @@ void require_author(const RefgroveData& d, int author_id) {
   if (author_id < 0 || author_id >= get_nb_authors(d)) {
     throw ApiError(404, "no author has id " + std::to_string(author_id));
   }
+}
+
+Json author_ref(const RefgroveData& d, int author_id) {
+  return {{"id", author_id}, {"name", author_name_text(d, author_id)}};
 }
 
 Json paper_ref(const RefgroveData& d, int did) {
@@ -83,16 +72,15 @@ Json paper_json(const RefgroveData& d, int did) {
   require_document(d, did);
   Json paper = paper_summary(d, did);
   paper["abstract"] = abstract_text(d, did);
-  paper["cites"] = paper_list(
-      d, [&](int* n) { return cite_count(d, did, n); },
-      [&](int i, int* cited) {
-        int gid = 0;
-        return get_cite(d, did, i, cited, &gid);
-      });
-  paper["cited_by"] = paper_list(
-      d, [&](int* n) { return cited_by_count(d, did, n); },
-      [&](int i, int* citing) { return get_cited_by(d, did, i, citing); });
-  paper["citation_count"] = paper["cited_by"].size();
+  int n = 0;
+  cite_count(d, did, &n);
+  Json cites = Json::array();
+  for (int i = 0; i < n; ++i) {
+    int cited = 0, gid = 0;
+    if (get_cite(d, did, i, &cited, &gid)) cites.push_back(paper_ref(d, cited));
+  }
+  paper["cites"] = std::move(cites);
+  add_network_figures(d, did, paper);
   return paper;
 }
 

@@ -17,6 +17,8 @@ using Json = nlohmann::ordered_json;
 void require_document(const RefgroveData& d, int did);
 void require_author(const RefgroveData& d, int author_id);
 
+// {"id", "name"}: an author where it is listed.
+Json author_ref(const RefgroveData& d, int author_id);
 // {"did", "year", "title"}: a document where it is listed.
 Json paper_ref(const RefgroveData& d, int did);
 // paper_ref with "key" and "authors" [{"id", "name"}].
@@ -25,8 +27,8 @@ Json paper_summary(const RefgroveData& d, int did);
 // /api/stats: {"documents", "words", "authors", "last_did"}.
 Json stats_json(const RefgroveData& d);
 
-// /api/paper/{did}: paper_summary with "abstract", "citation_count", "cites"
-// and "cited_by" (paper_refs, in the record's order and by citing DID).
+// /api/paper/{did}: paper_summary with "abstract", "cites" (paper_refs in
+// the record's order) and the network's figures (add_network_figures).
 Json paper_json(const RefgroveData& d, int did);
 
 // /api/author/{id}: {"id", "name", "papers" (paper_refs by DID),

@@ -6,7 +6,10 @@
 #include <thread>
 
 #include "core/data_set.h"
+#include "network/coauthor_graph.h"
+#include "network/ranking.h"
 #include "web/explorer_server.h"
+#include "web/search_api.h"
 
 namespace refgrove::web {
 namespace {
@@ -54,6 +57,9 @@ void prepare_for_serving(const RefgroveData& d) {
   d.cited_by();
   d.author_docs();
   d.key_docs();
+  CoauthorGraph::of(d);
+  ranked(d, RankBy::pagerank, 1);  // computes every score
+  prepare_search(d);
 }
 
 std::string server_url(const std::string& host, int port) {

@@ -29,6 +29,10 @@ function yearText(year) {
   return year === null ? "year unknown" : String(year);
 }
 
+function citedText(count) {
+  return count === 0 ? "Not cited" : count === 1 ? "Cited once" : `Cited ${count} times`;
+}
+
 function paperLink(paper) {
   return el("a", {href: paperHref(paper.did)}, paper.title || `DID ${paper.did}`);
 }
@@ -108,7 +112,8 @@ async function paperView(did, params) {
       el("h1", {}, p.title || `DID ${p.did}`),
       el("p", {class: "meta"}, `DID ${p.did}`, p.key ? ` · key ${p.key}` : "", ` · ${yearText(p.year)}`),
       el("p", {class: "authors"}, authorLinks(p.authors)),
-      el("p", {class: "figures"}, `Cited ${p.citation_count} times · PageRank ${p.pagerank.toPrecision(3)}`),
+      el("p", {class: "figures"}, citedText(p.citation_count),
+         p.pagerank === null ? "" : ` · PageRank ${p.pagerank.toPrecision(3)}`),
       p.abstract ? el("p", {class: "abstract"}, p.abstract) : el("p", {class: "empty"}, "No abstract.")),
     neighbourhoodPanel(did, params),
     el("div", {class: "columns"},
@@ -155,8 +160,11 @@ async function collaborationPath(from, to) {
   if (r.path.length === 0) return el("p", {class: "empty"}, "These authors are not connected by co-authorship.");
   const steps = [];
   r.path.forEach((a, i) => {
-    if (i > 0) steps.push(el("span", {class: "arrow"}, " → "));
-    steps.push(el("a", {href: authorHref(a.id)}, a.name));
+    if (i > 0) {  // the arrow leads to the paper the two wrote together
+      const shared = r.papers[i - 1];
+      steps.push(" ", el("a", {class: "arrow", href: paperHref(shared.did), title: shared.title}, "→"), " ");
+    }
+    steps.push(el("a", {class: "author", href: authorHref(a.id)}, a.name));
   });
   return el("p", {class: "path"}, `Distance ${r.distance}: `, steps);
 }
