@@ -2,7 +2,9 @@
 
 #include <signal.h>
 
+#include <chrono>
 #include <exception>
+#include <iomanip>
 #include <thread>
 
 #include "core/data_set.h"
@@ -82,9 +84,11 @@ int serve(const ServeOptions& options, const std::function<DataSetPtr()>& load, 
   std::thread serving([&server] { server.run(); });
   out << "Serving on " << server_url(options.host, port) << " (Ctrl-C stops; SIGHUP reloads)" << std::endl;
   while (signals.wait() == SIGHUP) {
+    const auto start = std::chrono::steady_clock::now();
     if (DataSetPtr next = load_prepared(load, err)) {
       slot.replace(std::move(next));
-      err << "refgrove serve: reloaded" << std::endl;
+      const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
+      err << "refgrove serve: reloaded in " << std::fixed << std::setprecision(1) << took.count() << " s" << std::endl;
     } else {
       err << "refgrove serve: reload failed; the data set loaded before is still served" << std::endl;
     }

@@ -248,8 +248,8 @@ function drawNeighbourhood(container, n) {
   node.append("title").text((d) => d.title || `DID ${d.did}`);
 
   const simulation = d3.forceSimulation(nodes)
-    .force("link", d3.forceLink(links).id((d) => d.did).distance(70))
-    .force("charge", d3.forceManyBody().strength(-220))
+    .force("link", d3.forceLink(links).id((d) => d.did).distance(90))
+    .force("charge", d3.forceManyBody().strength(-400))
     .force("collide", d3.forceCollide().radius((d) => radius(d) + 3))
     .force("x", d3.forceX()).force("y", d3.forceY());
   const centre = nodes.find((d) => d.did === n.center);
