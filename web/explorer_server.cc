@@ -3,6 +3,7 @@
 #include <climits>
 #include <csignal>
 #include <functional>
+#include <stdexcept>
 
 #include <sys/socket.h>
 
@@ -36,7 +37,8 @@ void send_error(httplib::Response& res, int status, const std::string& message) 
 using Answer = std::function<Json(const RefgroveData&, const httplib::Request&)>;
 
 // An API route's handler: the answer computed on the slot's current set, or
-// the ApiError it throws.
+// the ApiError it throws. The layers below report a bad argument that the
+// parameters' checks let through as an invalid_argument: a 400 too.
 httplib::Server::Handler api(const DataSetSlot& slot, Answer answer) {
   return [&slot, answer = std::move(answer)](const httplib::Request& req, httplib::Response& res) {
     const DataSetPtr& set = slot.current();
@@ -45,6 +47,8 @@ httplib::Server::Handler api(const DataSetSlot& slot, Answer answer) {
       send_json(res, 200, answer(*set, req));
     } catch (const ApiError& e) {
       send_error(res, e.status(), e.what());
+    } catch (const std::invalid_argument& e) {
+      send_error(res, 400, e.what());
     }
   };
 }
