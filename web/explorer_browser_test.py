@@ -150,7 +150,8 @@ def main():
             if browser:
                 browser.quit()
             server.terminate()
-            server.wait(timeout=TIMEOUT)
+            status = server.wait(timeout=TIMEOUT)
+        assert status == 0, f"refgrove serve ended with status {status} after SIGTERM"
     print("explorer in the browser: 1 passed, 0 failed")
 
 
