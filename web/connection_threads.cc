@@ -1,5 +1,6 @@
 #include "web/connection_threads.h"
 
+#include <system_error>
 #include <thread>
 
 namespace refgrove::web {
@@ -15,8 +16,12 @@ void ConnectionThreads::enqueue(std::function<void()> task) {
   if (idle_ >= tasks_.size()) {
     task_ready_.notify_one();
   } else if (threads_ < max_threads_) {
-    ++threads_;
-    std::thread([this] { work(); }).detach();
+    try {
+      std::thread([this] { work(); }).detach();
+      ++threads_;
+    } catch (const std::system_error&) {
+      // The system has no thread to give: the task waits for one of ours.
+    }
   }
 }
 

@@ -1,5 +1,6 @@
 #include "web/search_api.h"
 
+#include <cctype>
 #include <vector>
 
 #include "core/data_view.h"
