@@ -106,7 +106,7 @@ async function searchView(params) {
 async function paperView(did, params) {
   const p = await api(`paper/${did}`);
   document.title = `${p.title || p.did} – refgrove explorer`;
-  const similar = (list) => paperList(list, (s) => el("span", {class: "score"}, ` ${s.score}`));
+  const similar = (list, what) => paperList(list, (s) => el("span", {class: "score"}, ` · ${s.score} ${what}`));
   show(
     el("article", {class: "paper"},
       el("h1", {}, p.title || `DID ${p.did}`),
@@ -120,8 +120,8 @@ async function paperView(did, params) {
       section(`Cites (${p.cites.length})`, paperList(p.cites)),
       section(`Cited by (${p.cited_by.length})`, paperList(p.cited_by))),
     el("div", {class: "columns"},
-      section("Similar by co-citation", similar(p.similar.cocitation)),
-      section("Similar by coupling", similar(p.similar.coupling))));
+      section("Similar by co-citation", similar(p.similar.cocitation, "citing both")),
+      section("Similar by coupling", similar(p.similar.coupling, "shared references"))));
 }
 
 async function authorView(id, params) {
