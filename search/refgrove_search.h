@@ -22,8 +22,8 @@ extern "C" {
 #endif
 
 /* Sets *out to the number of documents that match `query` and returns 1; for
- * a query that cannot be run (null, no term, a lone "*") sets *out to 0 and
- * returns 0. */
+ * a query that cannot be run (null, no term, a lone "*", more than 1,024
+ * distinct terms) sets *out to 0 and returns 0. */
 REFGROVE_VISIBLE int refgrove_search_count_1(const char* query, int any, int* out);
 
 /* Writes the best min(n, count) hits of `query` to dids[0..] and

@@ -54,6 +54,19 @@ void append_utf8(std::string& out, char32_t c) {
 
 bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
+// `text` decoded, each character mapped by `map`, encoded as UTF-8.
+template <class Map>
+std::string recode(std::string_view text, Map map) {
+  std::string out;
+  out.reserve(text.size());
+  while (!text.empty()) {
+    std::size_t length = 1;
+    append_utf8(out, map(decode_character(text, &length)));
+    text.remove_prefix(length);
+  }
+  return out;
+}
+
 }  // namespace
 
 char32_t fold_code_point(char32_t c) {
@@ -67,16 +80,11 @@ char32_t fold_code_point(char32_t c) {
   return c;
 }
 
-std::string fold_word(std::string_view word) {
-  std::string folded;
-  folded.reserve(word.size());
-  while (!word.empty()) {
-    std::size_t length = 1;
-    append_utf8(folded, fold_code_point(decode_character(word, &length)));
-    word.remove_prefix(length);
-  }
-  return folded;
+std::string as_utf8(std::string_view text) {
+  return recode(text, [](char32_t c) { return c; });
 }
+
+std::string fold_word(std::string_view word) { return recode(word, fold_code_point); }
 
 std::vector<std::string_view> split_terms(std::string_view text) {
   std::vector<std::string_view> terms;

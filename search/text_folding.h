@@ -26,6 +26,10 @@
 
 namespace refgrove {
 
+// The bytes `text` as UTF-8, decoded as above: valid sequences kept, every
+// other byte the Latin-1 character of its value.
+std::string as_utf8(std::string_view text);
+
 // The lowered code point of `c` (see above).
 char32_t fold_code_point(char32_t c);
 

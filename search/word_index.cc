@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <limits>
+#include <functional>
 #include <numeric>
-#include <unordered_map>
 
 #include "core/lookup.h"
 #include "search/text_folding.h"
@@ -31,12 +31,14 @@ class WordIndex::Builder {
     index_.lengths_.assign(d_.did_index.size(), 0);
     std::vector<std::uint64_t> postings(terms, 0), chunks(terms, 0);
     last_did_.assign(terms, -1);
-    for_each_document([&](std::int32_t did, std::uint32_t t) {
-      ++index_.lengths_[static_cast<std::size_t>(did)];
-      if (last_did_[t] == did) return;
-      if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) ++chunks[t];
-      last_did_[t] = did;
-      ++postings[t];
+    for_each_document([&](std::int32_t did, const std::vector<std::uint32_t>& words) {
+      index_.lengths_[static_cast<std::size_t>(did)] = static_cast<std::uint32_t>(words.size());
+      for (const std::uint32_t t : words) {
+        if (last_did_[t] == did) continue;
+        if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) ++chunks[t];
+        last_did_[t] = did;
+        ++postings[t];
+      }
     });
     count_documents();
     allocate(postings, chunks);
@@ -44,27 +46,28 @@ class WordIndex::Builder {
   }
 
  private:
-  // Calls visit(did, term) for every word with a text of every document, in
-  // ascending DID order, title first.
+  // Calls visit(did, terms) for every document with the terms of its words
+  // that have a text, title first, in ascending DID order.
   template <class Visit>
   void for_each_document(Visit visit) const {
     const std::vector<std::uint32_t>& term_of = index_.term_of_word_;
-    const auto term = [&](std::uint32_t id) { return id < term_of.size() ? term_of[id] : kNoTerm; };
+    const auto add = [&](std::uint32_t id, std::vector<std::uint32_t>& out) {
+      if (id < term_of.size() && term_of[id] != kNoTerm) out.push_back(term_of[id]);
+    };
     const WordData& words = *d_.word_data;
+    std::vector<std::uint32_t> terms;
     for (std::int32_t did = 0; static_cast<std::size_t>(did) < d_.did_index.size(); ++did) {
+      terms.clear();
       if (const RefgroveGraphData* r = graph_record(d_, did)) {
-        for (std::int32_t i = 0; i < r->title.size(); ++i) {
-          const std::uint32_t t = term(r->title[i].id());
-          if (t != kNoTerm) visit(did, t);
-        }
+        for (std::int32_t i = 0; i < r->title.size(); ++i) add(r->title[i].id(), terms);
       }
       const AbstractRun run = abstract_run(d_, did);
       for (std::int64_t k = 0; k < run.words; ++k) {
         std::uint32_t id = 0;
         if (!words.word_id_at_byte(run.start + std::int64_t{kWordIdBytes} * k, &id)) break;
-        const std::uint32_t t = term(id);
-        if (t != kNoTerm) visit(did, t);
+        add(id, terms);
       }
+      if (!terms.empty()) visit(did, terms);
     }
   }
 
@@ -94,6 +97,7 @@ class WordIndex::Builder {
     }
     index_.term_text_start_.push_back(index_.term_chars_.size());
     index_.term_chars_.shrink_to_fit();
+    index_.hash_terms();
   }
 
   void count_documents() {
@@ -114,33 +118,40 @@ class WordIndex::Builder {
     starts(postings, index_.term_postings_);
     starts(chunks, index_.term_chunks_);
     index_.low_.resize(index_.term_postings_.back());
-    index_.frequency_.assign(index_.term_postings_.back(), 0);
+    index_.frequency_.resize(index_.term_postings_.back());
     index_.chunks_.resize(index_.term_chunks_.back() + 1);
     index_.chunks_.back() = Chunk{0, index_.term_postings_.back()};
   }
 
+  // Counts each term of a document, then writes one posting per distinct
+  // term, so that the posting arrays are written once per posting rather
+  // than once per word.
   void fill(std::vector<std::uint64_t>& next_posting, std::vector<std::uint64_t>& next_chunk) {
     std::copy(index_.term_postings_.begin(), index_.term_postings_.end() - 1, next_posting.begin());
     std::copy(index_.term_chunks_.begin(), index_.term_chunks_.end() - 1, next_chunk.begin());
     std::fill(last_did_.begin(), last_did_.end(), -1);
-    std::unordered_map<std::uint64_t, std::uint32_t> large;  // posting -> frequency, from 255 on
-    for_each_document([&](std::int32_t did, std::uint32_t t) {
-      if (last_did_[t] != did) {
+    std::vector<std::uint32_t> count(last_did_.size(), 0), distinct;
+    for_each_document([&](std::int32_t did, const std::vector<std::uint32_t>& words) {
+      distinct.clear();
+      for (const std::uint32_t t : words) {
+        if (last_did_[t] == did) {
+          ++count[t];
+          continue;
+        }
         if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) {
           index_.chunks_[next_chunk[t]++] = Chunk{static_cast<std::uint32_t>(high_part(did)), next_posting[t]};
         }
         last_did_[t] = did;
-        index_.low_[next_posting[t]++] = static_cast<std::uint16_t>(did & 0xFFFF);
+        count[t] = 1;
+        distinct.push_back(t);
       }
-      const std::uint64_t p = next_posting[t] - 1;
-      std::uint8_t& f = index_.frequency_[p];
-      if (f < kLargeFrequency) {
-        if (++f == kLargeFrequency) large[p] = kLargeFrequency;
-      } else {
-        ++large[p];
+      for (const std::uint32_t t : distinct) {
+        const std::uint64_t p = next_posting[t]++;
+        index_.low_[p] = static_cast<std::uint16_t>(did & 0xFFFF);
+        index_.frequency_[p] = static_cast<std::uint8_t>(std::min<std::uint32_t>(count[t], kLargeFrequency));
+        if (count[t] >= kLargeFrequency) index_.large_frequencies_.emplace_back(p, count[t]);
       }
     });
-    index_.large_frequencies_.assign(large.begin(), large.end());
     std::sort(index_.large_frequencies_.begin(), index_.large_frequencies_.end());
   }
 
@@ -151,7 +162,30 @@ class WordIndex::Builder {
 
 WordIndex::WordIndex(const RefgroveData& d) { Builder(d, *this).build(); }
 
+void WordIndex::hash_terms() {
+  std::size_t slots = 16;
+  while (slots < 2 * term_count()) slots *= 2;
+  term_slots_.assign(slots, 0);
+  for (Term t = 0; t < term_count(); ++t) {
+    std::size_t at = std::hash<std::string_view>()(term_text(t)) & (slots - 1);
+    while (term_slots_[at] != 0) at = (at + 1) & (slots - 1);
+    term_slots_[at] = t + 1;
+  }
+}
+
+WordIndex::Term WordIndex::exact_term(std::string_view folded) const {
+  const std::size_t mask = term_slots_.size() - 1;
+  for (std::size_t at = std::hash<std::string_view>()(folded) & mask; term_slots_[at] != 0; at = (at + 1) & mask) {
+    if (term_text(term_slots_[at] - 1) == folded) return term_slots_[at] - 1;
+  }
+  return static_cast<Term>(term_count());
+}
+
 WordIndex::TermRange WordIndex::find(std::string_view folded, bool prefix) const {
+  if (!prefix) {
+    const Term t = exact_term(folded);
+    return t == term_count() ? TermRange{} : TermRange{t, t + 1};
+  }
   // The first term in [lo, term_count()) for which `past` holds, `past`
   // being false then true along the terms' byte order.
   const auto first_past = [&](Term lo, auto past) {
@@ -163,9 +197,7 @@ WordIndex::TermRange WordIndex::find(std::string_view folded, bool prefix) const
     return lo;
   };
   const Term first = first_past(0, [&](std::string_view text) { return text >= folded; });
-  const Term last = first_past(first, [&](std::string_view text) {
-    return prefix ? !text.starts_with(folded) : text != folded;
-  });
+  const Term last = first_past(first, [&](std::string_view text) { return !text.starts_with(folded); });
   return TermRange{first, last};
 }
 
@@ -187,7 +219,7 @@ std::uint32_t WordIndex::frequency_at(std::size_t posting) const {
 
 std::size_t WordIndex::memory_bytes() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
-  return bytes(term_of_word_) + term_chars_.capacity() + bytes(term_text_start_) + bytes(term_postings_) +
+  return bytes(term_of_word_) + term_chars_.capacity() + bytes(term_text_start_) + bytes(term_slots_) + bytes(term_postings_) +
          bytes(term_chunks_) + bytes(chunks_) + bytes(low_) + bytes(frequency_) + bytes(large_frequencies_) +
          bytes(lengths_) + sizeof(*this);
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 #include <queue>
+#include <string>
 #include <unordered_set>
 #include <utility>
 
@@ -11,6 +12,10 @@
 
 namespace refgrove {
 namespace {
+
+// Prefix lists holding more than one posting per this many DIDs are merged
+// in an array over all DIDs rather than by sorting.
+constexpr std::size_t kDenseMergeRatio = 16;
 
 // The documents holding any of the terms of `range`, ascending, with the
 // number of their words that those terms match. A single term is read in
@@ -24,20 +29,10 @@ class TermPostings {
       size_ = index.posting_count(range.first);
       return;
     }
-    for (WordIndex::Term t = range.first; t < range.last; ++t) {
-      for (WordIndex::Cursor c(index, t); !c.done(); c.next()) merged_.emplace_back(c.did(), c.frequency());
-    }
-    std::sort(merged_.begin(), merged_.end());
-    std::size_t kept = 0;
-    for (const auto& [did, frequency] : merged_) {
-      if (kept > 0 && merged_[kept - 1].first == did) {
-        merged_[kept - 1].second += frequency;
-      } else {
-        merged_[kept++] = {did, frequency};
-      }
-    }
-    merged_.resize(kept);
-    size_ = kept;
+    std::size_t total = 0;
+    for (WordIndex::Term t = range.first; t < range.last; ++t) total += index.posting_count(t);
+    total > index.did_limit() / kDenseMergeRatio ? merge_densely(index, range) : merge_by_sorting(index, range);
+    size_ = merged_.size();
   }
 
   std::size_t size() const { return size_; }
@@ -56,6 +51,38 @@ class TermPostings {
   }
 
  private:
+  // Sorts the postings of all the terms, then adds up those of one DID.
+  void merge_by_sorting(const WordIndex& index, WordIndex::TermRange range) {
+    for (WordIndex::Term t = range.first; t < range.last; ++t) {
+      for (WordIndex::Cursor c(index, t); !c.done(); c.next()) merged_.emplace_back(c.did(), c.frequency());
+    }
+    std::sort(merged_.begin(), merged_.end());
+    std::size_t kept = 0;
+    for (const auto& [did, frequency] : merged_) {
+      if (kept > 0 && merged_[kept - 1].first == did) {
+        merged_[kept - 1].second += frequency;
+      } else {
+        merged_[kept++] = {did, frequency};
+      }
+    }
+    merged_.resize(kept);
+  }
+
+  // Adds up the frequencies in an array over all DIDs: for prefixes whose
+  // lists are long, where sorting them would cost more than a pass over
+  // the DIDs.
+  void merge_densely(const WordIndex& index, WordIndex::TermRange range) {
+    std::vector<std::uint32_t> frequencies(index.did_limit(), 0);
+    for (WordIndex::Term t = range.first; t < range.last; ++t) {
+      for (WordIndex::Cursor c(index, t); !c.done(); c.next()) {
+        frequencies[static_cast<std::size_t>(c.did())] += c.frequency();
+      }
+    }
+    for (std::size_t did = 0; did < frequencies.size(); ++did) {
+      if (frequencies[did] > 0) merged_.emplace_back(static_cast<std::int32_t>(did), frequencies[did]);
+    }
+  }
+
   std::optional<WordIndex::Cursor> cursor_;
   std::vector<std::pair<std::int32_t, std::uint32_t>> merged_;
   std::size_t at_ = 0;
@@ -183,7 +210,12 @@ std::vector<QueryTerm> parse_query(std::string_view query) {
     if (piece == "*") throw SearchUsageError("a lone \"*\" is no search term: give the start of a word before it");
     const bool prefix = piece.ends_with('*');
     QueryTerm term{fold_word(prefix ? piece.substr(0, piece.size() - 1) : piece), prefix};
-    if (seen.insert(term.folded + (prefix ? "*" : "")).second) terms.push_back(std::move(term));
+    if (!seen.insert(term.folded + (prefix ? "*" : "")).second) continue;
+    if (terms.size() == kMaxQueryTerms) {
+      throw SearchUsageError("too many search terms: a query has at most " + std::to_string(kMaxQueryTerms) +
+                             " distinct terms");
+    }
+    terms.push_back(std::move(term));
   }
   if (terms.empty()) throw SearchUsageError("empty query: give at least one search term");
   return terms;
@@ -195,14 +227,18 @@ const WordIndex& word_index(const RefgroveData& d) {
 
 std::vector<SearchHit> search(const WordIndex& index, std::span<const QueryTerm> terms, SearchMode mode,
                               std::size_t limit) {
-  const Scorer scorer(index);
-  std::vector<MatchedTerm> matched;
+  std::vector<WordIndex::TermRange> ranges;
   for (const QueryTerm& term : terms) {
     const WordIndex::TermRange range = index.find(term.folded, term.prefix);
-    if (range.first == range.last) {
-      if (mode == SearchMode::kAnd) return {};
-      continue;
+    if (range.first < range.last) {
+      ranges.push_back(range);
+    } else if (mode == SearchMode::kAnd) {
+      return {};
     }
+  }
+  const Scorer scorer(index);
+  std::vector<MatchedTerm> matched;
+  for (const WordIndex::TermRange range : ranges) {
     TermPostings postings(index, range);
     const double idf = scorer.idf(postings.size());
     matched.push_back(MatchedTerm{std::move(postings), idf});

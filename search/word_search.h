@@ -43,12 +43,16 @@ struct SearchHit {
   double score;
 };
 
-// A query that cannot be run: it has no term, or a term is a lone "*". The
-// message is for people.
+// A query that cannot be run: it has no term, a term is a lone "*", or it
+// has more than kMaxQueryTerms distinct terms. The message is for people.
 class SearchUsageError : public std::invalid_argument {
  public:
   using std::invalid_argument::invalid_argument;
 };
+
+// Bounds the work and memory of one query: each prefix term may hold a
+// merged list as long as the data set's documents.
+inline constexpr std::size_t kMaxQueryTerms = 1024;
 
 inline constexpr double kBm25K1 = 1.2;
 inline constexpr double kBm25B = 0.75;

@@ -237,10 +237,11 @@ TEST(WordSearchTest, HugeAndMalformedQueriesEndWithAnAnswer) {
   varied_documents().write(dir.path());
   const refgrove::DataSetPtr d = load_silently(dir.path());
   std::string many_terms;
-  for (int i = 0; i < 100000; ++i) many_terms += "w" + std::to_string(i) + (i % 3 ? " " : "* ");
+  for (int i = 0; i < 100000; ++i) many_terms += "w" + std::to_string(i % 1023) + (i % 1023 % 3 ? " " : "* ");
   many_terms += "black";
-  EXPECT_TRUE(refgrove::search(*d, many_terms, SearchMode::kAnd, 10).empty());
+  EXPECT_TRUE(refgrove::search(*d, many_terms, SearchMode::kAnd, 10).empty()) << "1023 distinct terms and black";
   EXPECT_EQ(refgrove::search(*d, many_terms, SearchMode::kOr, 0).size(), scan(*d, "black", SearchMode::kOr, 0).size());
+  EXPECT_THROW(refgrove::search(*d, many_terms + " w1023", SearchMode::kOr, 0), refgrove::SearchUsageError);
   const std::string long_term(1 << 20, 'B');
   EXPECT_TRUE(refgrove::search(*d, long_term, SearchMode::kAnd, 10).empty());
   EXPECT_TRUE(refgrove::search(*d, long_term + "*", SearchMode::kOr, 10).empty());

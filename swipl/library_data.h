@@ -61,6 +61,7 @@ std::span<const ForeignPredicate> host_predicates();
 std::span<const ForeignPredicate> relation_predicates();
 std::span<const ForeignPredicate> loading_predicates();
 std::span<const ForeignPredicate> network_predicates();
+std::span<const ForeignPredicate> search_predicates();
 
 }  // namespace refgrove::swipl
 

@@ -462,3 +462,114 @@ test(negative_hops, error(type_error(nonneg, -1))) :- refgrove_neighbourhood(110
 test(unbound_did, error(instantiation_error)) :- refgrove_pagerank(_, _).
 
 :- end_tests(refgrove_network).
+:- begin_tests(refgrove_search).
+
+% BM25 over every document's folded title and abstract words, scanned
+% here term by term: Did-Score pairs, best first.
+scan_search(Query, Mode, Hits) :-
+    split_string(Query, " ", " ", Parts),
+    exclude(==(""), Parts, Strings),
+    maplist([S, T]>>(atom_string(A, S), downcase_atom(A, T)), Strings, Terms0),
+    list_to_set(Terms0, Terms),
+    findall(D-Ws, doc_words(D, Ws), Docs),
+    length(Docs, N),
+    aggregate_all(sum(L), (member(_-Ws, Docs), length(Ws, L)), Total),
+    Avg is Total / N,
+    maplist(term_idf(Docs, N), Terms, Idfs),
+    findall(Key-(D-S),
+            ( member(D-Ws, Docs),
+              doc_score(Terms, Idfs, Ws, Avg, 0.0, S, 0, Found),
+              length(Terms, NT),
+              ( Mode == and -> Found =:= NT ; Found > 0 ),
+              NegS is -S, Key = NegS-D ),
+            Keyed),
+    msort(Keyed, Sorted),
+    pairs_values(Sorted, Hits).
+
+doc_words(D, Words) :-
+    refgrove_document(D),
+    ( refgrove_title(D, T) -> true ; T = [] ),
+    ( refgrove_abstract(D, A) -> true ; A = [] ),
+    append(T, A, W0),
+    W0 \== [],
+    maplist(downcase_atom, W0, Words).
+
+matches(Term, Word) :-
+    (   atom_concat(Prefix, '*', Term)
+    ->  sub_atom(Word, 0, _, _, Prefix)
+    ;   Word == Term
+    ).
+
+term_idf(Docs, N, T, Idf) :-
+    aggregate_all(count, (member(_-Ws, Docs), once((member(W, Ws), matches(T, W)))), Nt),
+    Idf is log(1 + (N - Nt + 0.5) / (Nt + 0.5)).
+
+doc_score([], [], _, _, S, S, F, F).
+doc_score([T|Ts], [Idf|Idfs], Ws, Avg, S0, S, F0, F) :-
+    aggregate_all(count, (member(W, Ws), matches(T, W)), Tf),
+    length(Ws, Len),
+    (   Tf > 0
+    ->  S1 is S0 + Idf * Tf * (1.2 + 1) / (Tf + 1.2 * (1 - 0.75 + 0.75 * Len / Avg)),
+        F1 is F0 + 1
+    ;   S1 = S0, F1 = F0
+    ),
+    doc_score(Ts, Idfs, Ws, Avg, S1, S, F1, F).
+
+same_hits(Hits, Expected) :-
+    pairs_keys(Hits, Dids), pairs_keys(Expected, Dids),
+    pairs_values(Hits, Scores), pairs_values(Expected, ExpectedScores),
+    maplist([A, B]>>(abs(A - B) =< 1.0e-9 * abs(B)), Scores, ExpectedScores).
+
+test(hits_as_scanned, [forall(( member(Q, ["graph", "GRAPH", "random graphs", "gr*", "the of",
+                                          "ERDŐS", "graph graph", "absent", 'r* c*'] ),
+                                member(Mode, [and, or]) ))]) :-
+    load_sample,
+    scan_search(Q, Mode, Expected),
+    refgrove_search(Q, Hits, [limit(0), mode(Mode)]),
+    assertion(same_hits(Hits, Expected)),
+    refgrove_search(Q, Top, [mode(Mode)]),
+    length(Expected, NE), NT is min(10, NE), length(Prefix, NT), append(Prefix, _, Expected),
+    assertion(same_hits(Top, Prefix)),
+    (   Mode == and
+    ->  findall(D, refgrove_search(Q, D), Dids),
+        assertion(pairs_keys(Expected, Dids))
+    ;   true
+    ).
+
+test(errors) :-
+    load_sample,
+    catch(refgrove_search(_, _), E1, true),
+    assertion(E1 = error(instantiation_error, _)),
+    catch(refgrove_search(f(x), _), E2, true),
+    assertion(E2 = error(type_error(text, f(x)), _)),
+    forall(member(Q, ['', "  ", '*', 'graph *']),
+           ( catch(refgrove_search(Q, _), E, true),
+             assertion(E = error(domain_error(refgrove_query, Q), _)) )),
+    catch(refgrove_search(graph, _, [limit(-1)]), E3, true),
+    assertion(E3 = error(type_error(nonneg, -1), _)),
+    catch(refgrove_search(graph, _, [mode(xor)]), E4, true),
+    assertion(E4 = error(type_error(oneof([and, or]), xor), _)).
+
+% Threads search while the main thread reloads: every answer stays that
+% of the sample.
+:- dynamic searching_done/0.
+
+test(threads_search_during_reloads, [cleanup(retractall(searching_done))]) :-
+    load_sample,
+    data_dir(Dir),
+    refgrove_search('graph*', Expected, [limit(0), mode(or)]),
+    findall(T, (between(1, 4, _), thread_create(search_until_done(Expected, 0), T, [])), Threads),
+    forall(between(1, 100, _), silently(refgrove_load(Dir))),
+    assertz(searching_done),
+    maplist(thread_join, Threads, Statuses),
+    assertion(maplist(==(true), Statuses)).
+
+search_until_done(Expected, Rounds) :-
+    (   searching_done
+    ->  Rounds > 0
+    ;   refgrove_search('graph*', Expected, [limit(0), mode(or)]),
+        Next is Rounds + 1,
+        search_until_done(Expected, Next)
+    ).
+
+:- end_tests(refgrove_search).

@@ -40,6 +40,8 @@ void add_data_commands(CLI::App& app, CommandContext& ctx);
 void add_lookup_commands(CLI::App& app, CommandContext& ctx);
 // `refgrove export`: a data directory as JSON lines or CSV.
 void add_export_command(CLI::App& app, CommandContext& ctx);
+// `refgrove search`: documents by their words, ranked.
+void add_search_command(CLI::App& app, CommandContext& ctx);
 // `refgrove check`: the consistency of a data directory.
 void add_check_command(CLI::App& app, CommandContext& ctx);
 // `refgrove generate`: synthetic text dumps.

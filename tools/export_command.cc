@@ -1,8 +1,11 @@
 // `refgrove export DIR [--format jsonl|csv] [-o FILE]`: every document of a
 // data directory, in ascending DID order, as JSON lines or as CSV.
 //
-// Both formats are written as UTF-8 (core/document_text.h): nothing of the
-// dumps' bytes is lost and the output is always valid.
+// The dumps hold bytes, not text: keys, names and words may be Latin-1,
+// UTF-8 or anything else. Both formats are written as UTF-8: a byte
+// sequence that is valid UTF-8 is kept, and every other byte is read as the
+// Latin-1 character of that value (the dumps' own encoding), so nothing is
+// lost and the output is always valid.
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
@@ -15,7 +18,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/document_text.h"
+#include "search/text_folding.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
@@ -32,13 +35,28 @@ struct ExportedDocument {
   std::string abstract;        // the abstract's words joined by blanks
 };
 
+// Joins `count` words given by `get` with blanks.
+template <typename Get>
+std::string join_words(int count, Get get) {
+  std::string text;
+  for (int i = 0; i < count; ++i) {
+    const char* word = nullptr;
+    if (!get(i, &word)) break;
+    if (i > 0) text += ' ';
+    text += word;
+  }
+  return refgrove::as_utf8(text);
+}
+
 ExportedDocument gather(const RefgroveData& d, int did) {
   ExportedDocument doc;
   doc.did = did;
-  doc.key = refgrove::key_text(d, did);
+  const char* key = nullptr;
+  if (refgrove::get_key(d, did, &key)) doc.key = refgrove::as_utf8(key);
   int n = 0;
   if (refgrove::get_year(d, did, &n) && n != -1) doc.year = n;
-  doc.title = refgrove::title_text(d, did);
+  refgrove::title_length(d, did, &n);
+  doc.title = join_words(n, [&](int i, const char** w) { return refgrove::get_title_word(d, did, i, w); });
   refgrove::author_count(d, did, &n);
   for (int i = 0; i < n; ++i) {
     const char* name = nullptr;
@@ -49,7 +67,9 @@ ExportedDocument gather(const RefgroveData& d, int did) {
     int cited = 0, gid = 0;
     if (refgrove::get_cite(d, did, i, &cited, &gid)) doc.citations.push_back(cited);
   }
-  doc.abstract = refgrove::abstract_text(d, did);
+  n = 0;
+  refgrove::abstract_length(d, did, &n);
+  doc.abstract = join_words(n, [&](int i, const char** w) { return refgrove::get_abstract_word(d, did, i, w); });
   return doc;
 }
 

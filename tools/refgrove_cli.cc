@@ -21,6 +21,7 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   add_data_commands(app, ctx);
   add_lookup_commands(app, ctx);
   add_export_command(app, ctx);
+  add_search_command(app, ctx);
   add_check_command(app, ctx);
   add_generate_command(app, ctx);
 #ifdef REFGROVE_SERVE

@@ -20,7 +20,7 @@
 #include <thread>
 
 #include "core/data_view.h"
-#include "core/document_text.h"
+#include "web/document_text.h"
 #include "testing/data_files.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "core/data_view.h"
-#include "core/document_text.h"
 #include "search/text_folding.h"
 #include "web/api_params.h"
 

@@ -2,7 +2,7 @@
 # Installs a build into a temporary prefix and builds and runs a small
 # program against the installed files, through pkg-config and through
 # find_package. The program preprocesses the sample dumps, loads them and
-# asks for one document.
+# asks for one document and searches a word.
 # Usage: run.sh BUILD_DIR SAMPLE_DIR/ C_COMPILER CXX_COMPILER GENERATOR
 set -euo pipefail
 build=$1 sample=$2 cc=$3 cxx=$4 generator=$5
@@ -10,12 +10,13 @@ here=$(cd "$(dirname "$0")" && pwd)
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
 prefix=$tmp/prefix
-expected="107: chen95 1995; 33 documents, 539 words, 21 authors"
+expected="107: chen95 1995; 33 documents, 539 words, 21 authors; suffix: 1 found, best 107"
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 test -x "$prefix/bin/refgrove"
 test -f "$prefix/include/refgrove/refgrove.h"
 test -f "$prefix/include/refgrove/network.h"
+test -f "$prefix/include/refgrove/search.h"
 
 check() {  # check NAME PROGRAM: runs PROGRAM on a data directory of its own
   local out needed

@@ -1,10 +1,11 @@
 /* A program that uses the installed C interface: preprocesses the dumps of
  * argv[1] into the new directory argv[2], loads it and prints what it knows
- * about one document. Also compiled as C++. */
+ * about one document and the best hit of a search. Also compiled as C++. */
 #include <stdio.h>
 #include <sys/stat.h>
 
 #include <refgrove/refgrove.h>
+#include <refgrove/search.h>
 
 int main(int argc, char** argv) {
   if (argc != 4) {
@@ -24,6 +25,13 @@ int main(int argc, char** argv) {
     return 1;
   }
   refgrove_stats_1(&docs, &words, &authors);
-  printf("%d: %s %d; %d documents, %d words, %d authors\n", did, key, year, docs, words, authors);
+  int hits = 0, best = 0;
+  double score = 0;
+  if (!refgrove_search_count_1("suffix", 0, &hits) || refgrove_search_1("suffix", 0, 1, &best, &score) != 1) {
+    fprintf(stderr, "search failed\n");
+    return 1;
+  }
+  printf("%d: %s %d; %d documents, %d words, %d authors; suffix: %d found, best %d\n", did, key, year, docs, words,
+         authors, hits, best);
   return 0;
 }

@@ -265,3 +265,73 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   Id = 0,
 %   Size = 30.
 %   ```
+
+		 /*******************************
+		 *        SEARCH BY WORDS       *
+		 *******************************/
+
+:- export(refgrove_search/2).             % +Query, -Did
+:- export(refgrove_search/3).             % +Query, -Hits, +Options
+
+:- use_module(library(error), [must_be/2]).
+:- use_module(library(lists), [member/2]).
+:- use_module(library(option), [option/3]).
+
+%!  refgrove_search(+Query, -Did) is nondet.
+%
+%   True when document Did holds every term of Query in its title or
+%   abstract, enumerating the documents best first by their BM25 score
+%   (equal scores by ascending Did).
+%
+%   Query is an atom or string of terms separated by white space. A term
+%   matches a word equal to it ignoring case (ASCII letters and the Latin
+%   letters of Latin-1 and Latin Extended-A); a term ending in `*`
+%   matches every word that starts with the rest. Before any
+%   refgrove_load/1 nothing matches. For example:
+%
+%   ```
+%   ?- refgrove_search('graph*', Did).
+%   Did = 134 ;
+%   Did = 115 ;
+%   ...
+%   ```
+%
+%   @error instantiation_error if Query is unbound.
+%   @error type_error(text, Query) if Query is neither atom nor string.
+%   @error domain_error(refgrove_query, Query) if Query has no term, a
+%   term is a lone `*` or it has more than 1,024 distinct terms.
+
+refgrove_search(Query, Did) :-
+    '$refgrove_search'(Query, and, 0, Hits),
+    member(Did-_, Hits).
+
+%!  refgrove_search(+Query, -Hits, +Options) is det.
+%
+%   Hits is the list of Did-Score pairs of the documents matching Query
+%   (see refgrove_search/2), best first. Options:
+%
+%     - limit(+N)
+%       At most N hits (default 10); `limit(0)` gives all of them.
+%     - mode(+Mode)
+%       `and` (default): documents holding every term; `or`: documents
+%       holding at least one.
+%
+%   For example:
+%
+%   ```
+%   ?- refgrove_search("random graphs", Hits, [limit(2), mode(or)]).
+%   Hits = [115-5.9498581206548184, 145-2.3694336634643034].
+%   ```
+%
+%   @error instantiation_error, type_error(text, Query) and
+%   domain_error(refgrove_query, Query) as refgrove_search/2.
+%   @error type_error(nonneg, N) for a limit that is no natural number.
+%   @error type_error(oneof([and,or]), Mode) for another mode.
+
+refgrove_search(Query, Hits, Options) :-
+    must_be(list, Options),
+    option(limit(Limit), Options, 10),
+    must_be(nonneg, Limit),
+    option(mode(Mode), Options, and),
+    must_be(oneof([and, or]), Mode),
+    '$refgrove_search'(Query, Mode, Limit, Hits).

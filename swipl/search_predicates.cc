@@ -1,0 +1,62 @@
+// The search predicate under refgrove_search/2,3 (prolog/refgrove.pl):
+// '$refgrove_search'(+Query, +Mode, +Limit, -Hits), Mode `and` or `or`
+// (checked by the Prolog side), Limit 0 for all hits, Hits a list of
+// Did-Score pairs best first.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "search/word_search.h"
+#include "swipl/library_data.h"
+
+namespace refgrove::swipl {
+namespace {
+
+bool get_query(term_t t, std::string* query) {
+  if (PL_is_variable(t)) return PL_instantiation_error(t);
+  if (!PL_is_atom(t) && !PL_is_string(t)) return PL_type_error("text", t);
+  char* chars = nullptr;
+  std::size_t length = 0;
+  if (!PL_get_nchars(t, &length, &chars, CVT_ATOM | CVT_STRING | REP_UTF8 | CVT_EXCEPTION)) return false;
+  query->assign(chars, length);
+  return true;
+}
+
+bool unify_hits(term_t t, const std::vector<SearchHit>& hits) {
+  const term_t tail = PL_copy_term_ref(t);
+  const term_t head = PL_new_term_ref();
+  const functor_t pair = PL_new_functor(PL_new_atom("-"), 2);
+  for (const SearchHit& hit : hits) {
+    if (!PL_unify_list(tail, head, tail) ||
+        !PL_unify_term(head, PL_FUNCTOR, pair, PL_INT, static_cast<int>(hit.did), PL_FLOAT, hit.score)) {
+      return false;
+    }
+  }
+  return PL_unify_nil(tail);
+}
+
+foreign_t search_hits(term_t args, int, control_t) {
+  std::string query;
+  char* mode = nullptr;
+  std::int64_t limit = 0;
+  if (!get_query(args, &query) || !PL_get_atom_chars(args + 1, &mode)) return false;
+  if (!PL_get_int64(args + 2, &limit) || limit < 0) limit = 0;  // beyond int64: all hits
+  std::vector<QueryTerm> terms;
+  try {
+    terms = parse_query(query);
+  } catch (const SearchUsageError&) {
+    return PL_domain_error("refgrove_query", args);
+  }
+  const SearchMode search_mode = std::string(mode) == "or" ? SearchMode::kOr : SearchMode::kAnd;
+  return unify_hits(args + 3, search(word_index(current_data()), terms, search_mode, static_cast<std::size_t>(limit)));
+}
+
+constexpr ForeignPredicate kPredicates[] = {
+    {"$refgrove_search", 4, guarded<search_hits>, false},
+};
+
+}  // namespace
+
+std::span<const ForeignPredicate> search_predicates() { return kPredicates; }
+
+}  // namespace refgrove::swipl
