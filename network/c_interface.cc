@@ -53,8 +53,8 @@ int give(const Items& items, int room, Put put) {
   return static_cast<int>(items.size());
 }
 
-Neighbourhood neighbourhood_of(int did, int hops, int direction, int limit) {
-  return neighbourhood(loaded(), did, {hops, require_direction(direction), limit});
+Neighbourhood neighbourhood_of(int did, int hops, int direction, int limit, bool edges) {
+  return neighbourhood(loaded(), did, {hops, require_direction(direction), limit, edges});
 }
 
 int give_component(const ComponentOf& c, int* id, int* size) {
@@ -96,12 +96,7 @@ int refgrove_collaboration_path_1(int a, int b, int room, int* path) {
       [&] {
         const std::optional<CollaborationPath> p = collaboration_path(loaded(), a, b);
         if (!p) return -1;
-        std::vector<int> items;
-        for (std::size_t i = 0; i < p->authors.size(); ++i) {
-          if (i > 0) items.push_back(p->documents[i - 1]);
-          items.push_back(p->authors[i]);
-        }
-        return give(items, room, [&](std::size_t i, int item) { path[i] = item; });
+        return give(p->alternating(), room, [&](std::size_t i, int item) { path[i] = item; });
       },
       -1);
 }
@@ -114,7 +109,7 @@ int refgrove_citation_distance_1(int from, int to, int direction) {
 int refgrove_neighbourhood_1(int did, int hops, int direction, int limit, int room, int* dids, int* hop_counts) {
   return answer(
       [&] {
-        return give(neighbourhood_of(did, hops, direction, limit).nodes, room,
+        return give(neighbourhood_of(did, hops, direction, limit, false).nodes, room,
                     [&](std::size_t i, const NeighbourNode& n) {
                       dids[i] = n.did;
                       hop_counts[i] = n.hops;
@@ -126,7 +121,7 @@ int refgrove_neighbourhood_1(int did, int hops, int direction, int limit, int ro
 int refgrove_neighbourhood_edges_1(int did, int hops, int direction, int limit, int room, int* citing, int* cited) {
   return answer(
       [&] {
-        return give(neighbourhood_of(did, hops, direction, limit).edges, room,
+        return give(neighbourhood_of(did, hops, direction, limit, true).edges, room,
                     [&](std::size_t i, const CitationEdge& e) {
                       citing[i] = e.citing;
                       cited[i] = e.cited;

@@ -26,6 +26,9 @@ CitationGraph::CitationGraph(const RefgroveData& d) : node_of_did_(d.did_index.s
   }
   years_.reserve(dids_.size());
   cited_.offsets.reserve(dids_.size() + 1);
+  std::size_t citations = 0;
+  for (const std::int32_t did : dids_) citations += static_cast<std::size_t>(graph_record(d, did)->citations.size());
+  cited_.items.reserve(citations);
   for (const std::int32_t did : dids_) {
     const RefgroveGraphData& record = *graph_record(d, did);
     years_.push_back(record.year);

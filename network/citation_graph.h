@@ -74,6 +74,19 @@ class CitationGraph {
   std::span<const std::int32_t> cited(std::int32_t v) const { return cited_[v]; }
   std::span<const std::int32_t> citing(std::int32_t v) const { return citing_[v]; }
   std::int32_t citation_count(std::int32_t v) const { return static_cast<std::int32_t>(citing(v).size()); }
+  // Asks the cache for what is kept of node v (its DID and the places of
+  // its lists), and once that is there, for the start of its list of cited
+  // nodes: a caller about to visit many nodes asks for all of them first,
+  // so that the misses overlap instead of coming one after another.
+  void prefetch_node(std::int32_t v) const {
+    const auto at = static_cast<std::size_t>(v);
+    __builtin_prefetch(&dids_[at]);
+    __builtin_prefetch(&cited_.offsets[at]);
+    __builtin_prefetch(&citing_.offsets[at]);
+  }
+  void prefetch_cited(std::int32_t v) const {
+    __builtin_prefetch(cited_.items.data() + cited_.offsets[static_cast<std::size_t>(v)]);
+  }
 
   // Calls f(w) for every neighbour w of v in direction `dir` (with `both`, a
   // node both citing and cited by v comes twice).

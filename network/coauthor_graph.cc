@@ -35,9 +35,4 @@ void CoauthorGraph::require_author(std::int64_t author) const {
   if (!is_author(author)) throw NetworkArgumentError("no author with id " + std::to_string(author));
 }
 
-std::size_t CoauthorGraph::memory() const {
-  const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
-  return bytes(authors_.offsets) + bytes(authors_.items) + bytes(documents_.offsets) + bytes(documents_.items);
-}
-
 }  // namespace refgrove

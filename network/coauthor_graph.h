@@ -38,8 +38,6 @@ class CoauthorGraph {
   // The citation-graph nodes the author wrote, ascending.
   std::span<const std::int32_t> documents(std::int32_t author) const { return documents_[author]; }
 
-  std::size_t memory() const;
-
  private:
   Adjacency authors_;    // document node -> authors
   Adjacency documents_;  // author -> document nodes

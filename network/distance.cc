@@ -14,6 +14,15 @@ Direction reversed(Direction dir) {
 
 }  // namespace
 
+std::vector<std::int32_t> CollaborationPath::alternating() const {
+  std::vector<std::int32_t> items;
+  for (std::size_t i = 0; i < authors.size(); ++i) {
+    if (i > 0) items.push_back(documents[i - 1]);
+    items.push_back(authors[i]);
+  }
+  return items;
+}
+
 // The search runs over authorship: authors are nodes 0 .. A - 1 and document
 // v is node A + v, so every other node of a path is a shared document.
 std::optional<CollaborationPath> collaboration_path(const RefgroveData& d, std::int32_t a, std::int32_t b) {
@@ -29,8 +38,11 @@ std::optional<CollaborationPath> collaboration_path(const RefgroveData& d, std::
       for (const std::int32_t author : coauthors.authors(v - authors)) f(author);
     }
   };
+  const auto degree = [&](int, std::int32_t v) -> std::int64_t {
+    return v < authors ? coauthors.documents(v).size() : coauthors.authors(v - authors).size();
+  };
   const std::vector<std::int32_t> nodes =
-      shortest_path(authors + citations.size(), a, b, neighbours, neighbours);
+      shortest_path(authors + citations.size(), a, b, neighbours, neighbours, degree);
   if (nodes.empty()) return std::nullopt;
   CollaborationPath path;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -53,7 +65,11 @@ std::optional<std::vector<std::int32_t>> citation_path(const RefgroveData& d, st
   const std::int32_t t = g.require_node(to);
   const auto forward = [&](std::int32_t v, auto f) { g.for_each_neighbour(v, dir, f); };
   const auto backward = [&](std::int32_t v, auto f) { g.for_each_neighbour(v, reversed(dir), f); };
-  std::vector<std::int32_t> nodes = shortest_path(g.size(), s, t, forward, backward);
+  const auto degree = [&](int side, std::int32_t v) -> std::int64_t {
+    const Direction d = side == 0 ? dir : reversed(dir);
+    return (d != Direction::in ? g.cited(v).size() : 0) + (d != Direction::out ? g.citing(v).size() : 0);
+  };
+  std::vector<std::int32_t> nodes = shortest_path(g.size(), s, t, forward, backward, degree);
   if (nodes.empty()) return std::nullopt;
   for (std::int32_t& v : nodes) v = g.did(v);
   return nodes;

@@ -18,6 +18,9 @@ namespace refgrove {
 struct CollaborationPath {
   std::vector<std::int32_t> authors;
   std::vector<std::int32_t> documents;
+
+  // Authors and documents alternating: [a, d1, x, d2, b].
+  std::vector<std::int32_t> alternating() const;
 };
 
 // The collaboration path between authors a and b (a single author for a ==

@@ -16,6 +16,7 @@ struct NeighbourhoodOptions {
   std::int64_t hops = 1;
   Direction direction = Direction::both;
   std::int64_t limit = 100;
+  bool edges = true;  // false: the nodes only
 };
 
 struct NeighbourNode {
@@ -33,7 +34,8 @@ struct Neighbourhood {
   // The centre first, then the closest first, then by citation count
   // descending, then by ascending DID; at most `limit` of them.
   std::vector<NeighbourNode> nodes;
-  // The citations among those nodes, by citing DID, then cited DID.
+  // The citations among those nodes, by citing DID, then cited DID (none
+  // when not asked for).
   std::vector<CitationEdge> edges;
 };
 

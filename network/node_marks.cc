@@ -19,4 +19,10 @@ NodeMarks& NodeMarks::fresh(std::size_t n) {
   return marks;
 }
 
+NodeBits& NodeBits::take(std::size_t n) {
+  thread_local NodeBits bits;
+  if (bits.words_.size() < (n + 63) / 64) bits.words_.resize((n + 63) / 64, 0);
+  return bits;
+}
+
 }  // namespace refgrove

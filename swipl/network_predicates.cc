@@ -109,13 +109,7 @@ foreign_t collaboration_path_pred(term_t args, int, control_t) {
   if (!get_int_input(args, &a) || !get_int_input(args + 1, &b)) return false;
   return answered([&] {
     const std::optional<CollaborationPath> path = collaboration_path(current_data(), a, b);
-    if (!path) return false;
-    std::vector<int> items;
-    for (std::size_t i = 0; i < path->authors.size(); ++i) {
-      if (i > 0) items.push_back(path->documents[i - 1]);
-      items.push_back(path->authors[i]);
-    }
-    return unify_int_list(args + 2, items);
+    return path && unify_int_list(args + 2, path->alternating());
   });
 }
 

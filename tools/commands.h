@@ -44,6 +44,9 @@ void add_export_command(CLI::App& app, CommandContext& ctx);
 void add_search_command(CLI::App& app, CommandContext& ctx);
 // `refgrove check`: the consistency of a data directory.
 void add_check_command(CLI::App& app, CommandContext& ctx);
+// `refgrove rank`, `distance`, `neighbourhood`, `similar`, `components`:
+// the analyses of the citation network.
+void add_network_commands(CLI::App& app, CommandContext& ctx);
 // `refgrove generate`: synthetic text dumps.
 void add_generate_command(CLI::App& app, CommandContext& ctx);
 

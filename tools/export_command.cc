@@ -20,6 +20,7 @@
 
 #include "search/text_folding.h"
 #include "tools/commands.h"
+#include "tools/network_formats.h"
 #include "tools/tool_support.h"
 
 namespace {
@@ -132,6 +133,8 @@ struct ExportArgs {
 };
 
 void export_documents(const RefgroveData& d, const std::string& format, std::ostream& out) {
+  if (format == "graphml") return write_graphml(whole_citation_graph(d), out);
+  if (format == "edges") return write_edge_list(whole_citation_graph(d), out);
   const bool csv = format == "csv";
   if (csv) out << kCsvHeader;
   int end = 0;
@@ -177,6 +180,9 @@ const char kHelp[] =
     "holding a comma, a quote or a line break quoted with their quotes\n"
     "doubled; authors joined by \"; \", citations by blanks, an unknown year\n"
     "empty.\n"
+    "graphml: the citation graph (documents with a graph record, one edge per\n"
+    "distinct citation among them) for networkx, igraph or Gephi.\n"
+    "edges: the same edges as CITING<TAB>CITED lines.\n"
     "\n"
     "Texts are written as UTF-8: byte sequences of the dumps that are valid\n"
     "UTF-8 are kept, every other byte is read as a Latin-1 character.\n"
@@ -191,8 +197,8 @@ void add_export_command(CLI::App& app, CommandContext& ctx) {
   cmd->footer(kHelp);
   auto args = std::make_shared<ExportArgs>();
   add_data_dir_args(cmd, &args->dir);
-  cmd->add_option("--format", args->format, "jsonl or csv")
-      ->check(CLI::IsMember({"jsonl", "csv"}))
+  cmd->add_option("--format", args->format, "jsonl, csv, graphml or edges")
+      ->check(CLI::IsMember({"jsonl", "csv", "graphml", "edges"}))
       ->capture_default_str();
   cmd->add_option("-o,--output", args->output, "the file to write (default: standard output)")->type_name("FILE");
   cmd->callback([&ctx, args] { ctx.status = run_export(*args, ctx); });

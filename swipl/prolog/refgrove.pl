@@ -99,7 +99,7 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %
 %   ```
 %   ?- refgrove_citation_count(101, N).
-%   N = 6.
+%   N = 4.
 %   ```
 
 %!  refgrove_pagerank(+Did, -Score) is semidet.
@@ -111,7 +111,7 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %
 %   ```
 %   ?- refgrove_pagerank(101, Score).
-%   Score = 0.1148...
+%   Score = 0.18188335914905276.
 %   ```
 
 %!  refgrove_ranked(+By, -Did, -Score) is nondet.
@@ -119,8 +119,10 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %
 %   Documents ranked by `citations` (Score is the citation count) or by
 %   `pagerank`, best first, ties by ascending DID. The first form
-%   enumerates all documents with a graph record on backtracking; the
-%   second gives the best ones as a list of Did-Score pairs. Options:
+%   enumerates all documents with a graph record on backtracking, leaving
+%   no choice point after the last; the second gives the best ones as a
+%   list of Did-Score pairs (the two are told apart by the third argument,
+%   a list of options in the second). Options:
 %
 %     - limit(+N)
 %       At most N pairs (default 10).
@@ -132,7 +134,7 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %
 %   ```
 %   ?- refgrove_ranked(citations, Pairs, [limit(2)]).
-%   Pairs = [101-6.0, 100-5.0].
+%   Pairs = [110-6, 118-5].
 %   ```
 
 refgrove_ranked(By, Pairs, Options) :-
@@ -163,8 +165,8 @@ refgrove_ranked(By, Did, Score) :-
 %   are unconnected or either id names no author.
 %
 %   ```
-%   ?- refgrove_collaboration_distance(0, 5, D).
-%   D = 2.
+%   ?- refgrove_collaboration_distance(3, 14, D).
+%   D = 3.
 %   ```
 
 %!  refgrove_collaboration_path(+A, +B, -Path) is semidet.
@@ -175,8 +177,8 @@ refgrove_ranked(By, Did, Score) :-
 %   refgrove_collaboration_distance/3.
 %
 %   ```
-%   ?- refgrove_collaboration_path(0, 5, Path).
-%   Path = [0, 100, 2, 104, 5].
+%   ?- refgrove_collaboration_path(3, 14, Path).
+%   Path = [3, 110, 7, 137, 13, 124, 14].
 %   ```
 
 %!  refgrove_citation_distance(+From, +To, -D) is semidet.
@@ -191,7 +193,7 @@ refgrove_ranked(By, Did, Score) :-
 %   @error domain_error(refgrove_option, Dir) for another direction.
 %
 %   ```
-%   ?- refgrove_citation_distance(105, 100, D).
+%   ?- refgrove_citation_distance(115, 110, D).
 %   D = 1.
 %   ```
 
@@ -221,8 +223,8 @@ refgrove_citation_distance(From, To, D, Options) :-
 %
 %   ```
 %   ?- refgrove_neighbourhood(105, Nodes, Edges, [direction(out)]).
-%   Nodes = [105-0, 100-1],
-%   Edges = [105-100].
+%   Nodes = [105-0, 101-1],
+%   Edges = [105-101].
 %   ```
 
 refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
@@ -244,8 +246,8 @@ refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
 %   @error domain_error(refgrove_option, By) for another measure.
 %
 %   ```
-%   ?- refgrove_similar(100, cocitation, Pairs, [limit(2)]).
-%   Pairs = [101-3, 102-1].
+%   ?- refgrove_similar(110, coupling, Pairs, [limit(2)]).
+%   Pairs = [118-1, 119-1].
 %   ```
 
 refgrove_similar(Did, By, Pairs, Options) :-
@@ -261,9 +263,9 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   Fails when Did has no graph record.
 %
 %   ```
-%   ?- refgrove_component(100, Id, Size).
+%   ?- refgrove_component(110, Id, Size).
 %   Id = 0,
-%   Size = 30.
+%   Size = 31.
 %   ```
 
 		 /*******************************
