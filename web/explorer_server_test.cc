@@ -20,13 +20,13 @@
 #include <thread>
 
 #include "core/data_view.h"
-#include "web/document_text.h"
-#include "testing/data_files.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
 #include "network/ranking.h"
 #include "network/similarity.h"
 #include "search/word_search.h"
+#include "testing/data_files.h"
+#include "web/document_text.h"
 #include "web/serve.h"
 
 namespace refgrove::web {
