@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "core/data_view.h"
-#include "core/test_documents.h"
+#include "testing/test_documents.h"
 #include "search/refgrove_search.h"
 #include "search/text_folding.h"
 #include "testing/data_files.h"

@@ -52,4 +52,7 @@ void add_network_commands(CLI::App& app, CommandContext& ctx);
 // `refgrove generate`: synthetic text dumps.
 void add_generate_command(CLI::App& app, CommandContext& ctx);
 
+// `refgrove serve`: the web explorer (native builds only).
+void add_serve_command(CLI::App& app, CommandContext& ctx);
+
 #endif  // REFGROVE_TOOLS_COMMANDS_H_

@@ -1,0 +1,32 @@
+-- wrk script of scripts/serve-bench: random papers and neighbourhoods of
+-- the DIDs listed in the file DIDS (one a line), until each thread has had
+-- its share of REQUESTS answers. A thread that has had them stops and
+-- writes a file into DONE_DIR: wrk itself would wait out its duration, so
+-- scripts/serve-bench interrupts it once every thread is done.
+local dids = {}
+local total = tonumber(os.getenv("REQUESTS"))
+local threads = tonumber(os.getenv("THREADS"))
+local answered = 0
+
+function init(args)
+  math.randomseed(os.time() + tonumber(tostring({}):match("0x(%x+)"), 16))
+  for line in io.lines(os.getenv("DIDS")) do
+    dids[#dids + 1] = line
+  end
+end
+
+function request()
+  local did = dids[math.random(#dids)]
+  if math.random() < 0.5 then
+    return wrk.format("GET", "/api/paper/" .. did)
+  end
+  return wrk.format("GET", "/api/neighbourhood/" .. did .. "?hops=1&direction=both&limit=100")
+end
+
+function response(status, headers, body)
+  answered = answered + 1
+  if answered == math.ceil(total / threads) then
+    wrk.thread:stop()
+    io.open(os.getenv("DONE_DIR") .. "/" .. tostring({}):match("0x(%x+)"), "w"):close()
+  end
+end

@@ -1,0 +1,46 @@
+#include "web/document_text.h"
+
+#include "core/data_view.h"
+#include "search/text_folding.h"
+
+namespace refgrove::web {
+namespace {
+
+// Joins `count` words given by `get` with blanks.
+template <typename Get>
+std::string join_words(int count, Get get) {
+  std::string text;
+  for (int i = 0; i < count; ++i) {
+    const char* word = nullptr;
+    if (!get(i, &word)) break;
+    if (i > 0) text += ' ';
+    text += word;
+  }
+  return as_utf8(text);
+}
+
+}  // namespace
+
+std::string key_text(const RefgroveData& d, int did) {
+  const char* key = nullptr;
+  return get_key(d, did, &key) ? as_utf8(key) : std::string();
+}
+
+std::string title_text(const RefgroveData& d, int did) {
+  int n = 0;
+  title_length(d, did, &n);
+  return join_words(n, [&](int i, const char** w) { return get_title_word(d, did, i, w); });
+}
+
+std::string abstract_text(const RefgroveData& d, int did) {
+  int n = 0;
+  abstract_length(d, did, &n);
+  return join_words(n, [&](int i, const char** w) { return get_abstract_word(d, did, i, w); });
+}
+
+std::string author_name_text(const RefgroveData& d, int author_id) {
+  const char* name = nullptr;
+  return id2author(d, author_id, &name) ? as_utf8(name) : std::string();
+}
+
+}  // namespace refgrove::web

@@ -1,0 +1,92 @@
+#include "web/network_api.h"
+
+#include "network/citation_graph.h"
+#include "network/distance.h"
+#include "network/similarity.h"
+#include "web/api_params.h"
+
+namespace refgrove::web {
+namespace {
+
+constexpr int kSimilarShown = 10;
+
+// The node of a document that must have a citation record.
+std::int32_t require_node(const RefgroveData& d, int did) {
+  require_document(d, did);
+  const std::int32_t node = CitationGraph::of(d).node(did);
+  if (node < 0) throw ApiError(404, "DID " + std::to_string(did) + " has no citation record");
+  return node;
+}
+
+Json with_figures(const RefgroveData& d, int did) {
+  Json paper = paper_ref(d, did);
+  paper["citations"] = citation_count(d, did);
+  paper["pagerank"] = pagerank(d, did);
+  return paper;
+}
+
+Json similar_list(const RefgroveData& d, int did, SimilarBy by) {
+  Json list = Json::array();
+  for (const SimilarDocument& s : similar(d, did, by, kSimilarShown)) {
+    Json paper = paper_ref(d, s.did);
+    paper["score"] = s.count;
+    list.push_back(std::move(paper));
+  }
+  return list;
+}
+
+}  // namespace
+
+void add_network_figures(const RefgroveData& d, int did, Json& paper) {
+  const CitationGraph& graph = CitationGraph::of(d);
+  const std::int32_t node = graph.node(did);
+  Json cited_by = Json::array();
+  Json similar = {{"cocitation", Json::array()}, {"coupling", Json::array()}};
+  paper["citation_count"] = 0;
+  paper["pagerank"] = nullptr;
+  if (node >= 0) {
+    for (const std::int32_t citing : graph.citing(node)) cited_by.push_back(paper_ref(d, graph.did(citing)));
+    paper["citation_count"] = graph.citation_count(node);
+    paper["pagerank"] = pagerank(d, did);
+    similar = {{"cocitation", similar_list(d, did, SimilarBy::cocitation)},
+               {"coupling", similar_list(d, did, SimilarBy::coupling)}};
+  }
+  paper["cited_by"] = std::move(cited_by);
+  paper["similar"] = std::move(similar);
+}
+
+Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptions& options) {
+  require_node(d, did);
+  const Neighbourhood n = neighbourhood(d, did, options);
+  Json nodes = Json::array();
+  for (const NeighbourNode& node : n.nodes) {
+    Json paper = paper_ref(d, node.did);
+    paper["citations"] = citation_count(d, node.did);
+    paper["hops"] = node.hops;
+    nodes.push_back(std::move(paper));
+  }
+  Json links = Json::array();
+  for (const CitationEdge& e : n.edges) links.push_back({{"source", e.citing}, {"target", e.cited}});
+  return {{"center", did}, {"nodes", std::move(nodes)}, {"links", std::move(links)}};
+}
+
+Json path_json(const RefgroveData& d, int from, int to) {
+  require_author(d, from);
+  require_author(d, to);
+  Json answer = {{"from", from}, {"to", to}, {"distance", nullptr}, {"path", Json::array()}, {"papers", Json::array()}};
+  const std::optional<CollaborationPath> path = collaboration_path(d, from, to);
+  if (!path) return answer;
+  answer["distance"] = path->documents.size();
+  for (const std::int32_t author : path->authors) answer["path"].push_back(author_ref(d, author));
+  for (const std::int32_t did : path->documents) answer["papers"].push_back(paper_ref(d, did));
+  return answer;
+}
+
+Json rank_json(const RefgroveData& d, RankBy by, int limit, std::optional<YearRange> years) {
+  Json papers = Json::array();
+  for (const RankedDocument& r : ranked(d, by, limit, years)) papers.push_back(with_figures(d, r.did));
+  Json range = years ? Json{{"from", years->from}, {"to", years->to}} : Json();
+  return {{"by", to_text(by)}, {"years", std::move(range)}, {"papers", std::move(papers)}};
+}
+
+}  // namespace refgrove::web

@@ -1,0 +1,116 @@
+#include "web/paper_api.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "core/data_view.h"
+#include "web/document_text.h"
+#include "web/api_params.h"
+#include "web/network_api.h"
+
+namespace refgrove::web {
+namespace {
+
+Json year_of(const RefgroveData& d, int did) {
+  int year = -1;
+  if (get_year(d, did, &year) && year != -1) return year;
+  return nullptr;
+}
+
+std::vector<int> author_ids(const RefgroveData& d, int did) {
+  int n = 0;
+  author_count(d, did, &n);
+  std::vector<int> ids;
+  for (int i = 0; i < n; ++i) {
+    int id = 0;
+    if (get_author_id(d, did, i, &id)) ids.push_back(id);
+  }
+  return ids;
+}
+
+
+}  // namespace
+
+void require_document(const RefgroveData& d, int did) {
+  if (!has_graph_info(d, did) && !has_word_info(d, did)) {
+    throw ApiError(404, "no document has DID " + std::to_string(did));
+  }
+}
+
+void require_author(const RefgroveData& d, int author_id) {
+  if (author_id < 0 || author_id >= get_nb_authors(d)) {
+    throw ApiError(404, "no author has id " + std::to_string(author_id));
+  }
+}
+
+Json author_ref(const RefgroveData& d, int author_id) {
+  return {{"id", author_id}, {"name", author_name_text(d, author_id)}};
+}
+
+Json paper_ref(const RefgroveData& d, int did) {
+  return {{"did", did}, {"year", year_of(d, did)}, {"title", title_text(d, did)}};
+}
+
+Json paper_summary(const RefgroveData& d, int did) {
+  Json paper = paper_ref(d, did);
+  paper["key"] = key_text(d, did);
+  Json authors = Json::array();
+  for (const int id : author_ids(d, did)) authors.push_back(author_ref(d, id));
+  paper["authors"] = std::move(authors);
+  return paper;
+}
+
+Json stats_json(const RefgroveData& d) {
+  int docs = 0, words = 0, authors = 0, last = 0;
+  stats(&d, &docs, &words, &authors);
+  last_did(d, &last);
+  return {{"documents", docs}, {"words", words}, {"authors", authors}, {"last_did", last}};
+}
+
+Json paper_json(const RefgroveData& d, int did) {
+  require_document(d, did);
+  Json paper = paper_summary(d, did);
+  paper["abstract"] = abstract_text(d, did);
+  int n = 0;
+  cite_count(d, did, &n);
+  Json cites = Json::array();
+  for (int i = 0; i < n; ++i) {
+    int cited = 0, gid = 0;
+    if (get_cite(d, did, i, &cited, &gid)) cites.push_back(paper_ref(d, cited));
+  }
+  paper["cites"] = std::move(cites);
+  add_network_figures(d, did, paper);
+  return paper;
+}
+
+Json author_json(const RefgroveData& d, int author_id) {
+  require_author(d, author_id);
+  Json author = author_ref(d, author_id);
+  std::map<int, int> shared;  // co-author id -> papers shared
+  int n = 0;
+  author_doc_count(d, author_id, &n);
+  Json papers = Json::array();
+  for (int i = 0; i < n; ++i) {
+    int did = 0;
+    if (!get_author_doc(d, author_id, i, &did)) continue;
+    papers.push_back(paper_ref(d, did));
+    const std::vector<int> ids = author_ids(d, did);
+    for (const int id : std::set<int>(ids.begin(), ids.end())) {
+      if (id != author_id) ++shared[id];
+    }
+  }
+  std::vector<std::pair<int, int>> coauthors(shared.begin(), shared.end());
+  std::stable_sort(coauthors.begin(), coauthors.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
+  Json list = Json::array();
+  for (const auto& [id, count] : coauthors) {
+    Json coauthor = author_ref(d, id);
+    coauthor["shared"] = count;
+    list.push_back(std::move(coauthor));
+  }
+  author["papers"] = std::move(papers);
+  author["coauthors"] = std::move(list);
+  return author;
+}
+
+}  // namespace refgrove::web
