@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "core/data_view.h"
+#include "core/document_text.h"
 #include "search/text_folding.h"
 #include "search/word_search.h"
 
@@ -44,23 +45,8 @@ struct Query {
 
 // A document's title and abstract words as one text.
 std::string body(const RefgroveData& d, int did) {
-  std::string text;
-  int n = 0;
-  const char* w = nullptr;
-  const auto add = [&](const char* word) {
-    if (!text.empty()) text += ' ';
-    text += word;
-  };
-  refgrove::title_length(d, did, &n);
-  for (int i = 0; i < n; ++i) {
-    if (refgrove::get_title_word(d, did, i, &w)) add(w);
-  }
-  n = 0;
-  refgrove::abstract_length(d, did, &n);
-  for (int i = 0; i < n; ++i) {
-    if (refgrove::get_abstract_word(d, did, i, &w)) add(w);
-  }
-  return refgrove::as_utf8(text);
+  const std::string title = refgrove::title_text(d, did), abstract = refgrove::abstract_text(d, did);
+  return title.empty() || abstract.empty() ? title + abstract : title + " " + abstract;
 }
 
 class Fts5 {

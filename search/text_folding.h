@@ -2,10 +2,9 @@
 // so that a term typed in Prolog, on the command line or in C finds the same
 // words.
 //
-// The dumps hold bytes, not text. A word is decoded the way `refgrove export`
-// writes it: every valid UTF-8 sequence (shortest form, no surrogates, at
-// most U+10FFFF) is the character it encodes, and every other byte is the
-// Latin-1 character of that value. Each character is then lowered:
+// A word is decoded as every text refgrove hands out (core/utf8_text.h:
+// valid UTF-8 as it is, every other byte as Latin-1), and each character
+// is then lowered:
 //
 //   A-Z                        -> a-z
 //   U+00C0-U+00DE but U+00D7   -> +0x20 (À -> à ... Þ -> þ)
@@ -24,11 +23,9 @@
 #include <string_view>
 #include <vector>
 
-namespace refgrove {
+#include "core/utf8_text.h"
 
-// The bytes `text` as UTF-8, decoded as above: valid sequences kept, every
-// other byte the Latin-1 character of its value.
-std::string as_utf8(std::string_view text);
+namespace refgrove {
 
 // The lowered code point of `c` (see above).
 char32_t fold_code_point(char32_t c);

@@ -1,6 +1,6 @@
 // `refgrove export DIR [--format jsonl|csv] [-o FILE]`: every document of a
 // data directory, in ascending DID order, as JSON lines or as CSV.
-// Both formats are written as UTF-8 (see document_text.h).
+// Both formats are written as UTF-8 (see core/utf8_text.h).
 #include <CLI/CLI.hpp>
 
 #include <cerrno>
@@ -16,12 +16,12 @@
 #include "search/text_folding.h"
 #include "tools/commands.h"
 #include "tools/network_formats.h"
-#include "tools/document_text.h"
+#include "core/document_text.h"
 #include "tools/tool_support.h"
 
 namespace {
 
-void write_json_line(const DocumentText& doc, std::ostream& out) {
+void write_json_line(const refgrove::DocumentText& doc, std::ostream& out) {
   nlohmann::ordered_json j = {{"did", doc.did},       {"key", doc.key},
                               {"year", nullptr},      {"title", doc.title},
                               {"authors", doc.authors}, {"citations", doc.citations},
@@ -58,7 +58,7 @@ std::string join(const std::vector<T>& items, const char* separator) {
 
 const char kCsvHeader[] = "did,key,year,title,authors,citations,abstract\r\n";
 
-void write_csv_record(const DocumentText& doc, std::ostream& out) {
+void write_csv_record(const refgrove::DocumentText& doc, std::ostream& out) {
   const std::string fields[] = {std::to_string(doc.did),
                                 doc.key,
                                 doc.year ? std::to_string(*doc.year) : "",
@@ -88,7 +88,7 @@ void export_documents(const RefgroveData& d, const std::string& format, std::ost
   refgrove::last_did(d, &end);
   for (int did = 0; did < end && out; ++did) {
     if (!refgrove::has_graph_info(d, did) && !refgrove::has_word_info(d, did)) continue;
-    const DocumentText doc = document_text(d, did);
+    const refgrove::DocumentText doc = refgrove::document_text(d, did);
     csv ? write_csv_record(doc, out) : write_json_line(doc, out);
   }
 }

@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "search/text_folding.h"
+#include "core/document_text.h"
+#include "core/utf8_text.h"
 #include "search/word_search.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
@@ -34,20 +35,13 @@ struct ShownDocument {
 
 ShownDocument shown(const RefgroveData& d, int did) {
   ShownDocument doc;
-  int n = 0;
-  const char* text = nullptr;
-  refgrove::title_length(d, did, &n);
-  std::string title;
-  for (int i = 0; i < n; ++i) {
-    if (!refgrove::get_title_word(d, did, i, &text)) continue;
-    if (!title.empty()) title += ' ';
-    title += text;
-  }
-  doc.title = refgrove::as_utf8(title);
+  doc.title = refgrove::title_text(d, did);
   if (!refgrove::get_year(d, did, &doc.year)) doc.year = -1;
+  int n = 0;
   refgrove::author_count(d, did, &n);
+  const char* name = nullptr;
   for (int i = 0; i < n; ++i) {
-    if (refgrove::get_author(d, did, i, &text)) doc.authors.push_back(refgrove::as_utf8(text));
+    if (refgrove::get_author(d, did, i, &name)) doc.authors.push_back(refgrove::as_utf8(name));
   }
   return doc;
 }

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tools/commands.h"
-#include "tools/document_text.h"
+#include "core/document_text.h"
 #include "tools/tool_support.h"
 
 namespace {
@@ -59,12 +59,12 @@ void list_entry(std::ostream& out, const RefgroveData& d, int did) {
     out << " (not in the data)\n";
     return;
   }
-  const DocumentText doc = document_text(d, did);
+  const refgrove::DocumentText doc = refgrove::document_text(d, did);
   out << (doc.key.empty() ? "" : " " + doc.key) << ": " << doc.title << "\n";
 }
 
 void show(const RefgroveData& d, int did, std::ostream& out) {
-  const DocumentText doc = document_text(d, did);
+  const refgrove::DocumentText doc = refgrove::document_text(d, did);
   out << "DID      " << did << "\n";
   field(out, "key      ", doc.key);
   field(out, "year     ", doc.year ? std::to_string(*doc.year) : "");

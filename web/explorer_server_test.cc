@@ -26,7 +26,7 @@
 #include "network/similarity.h"
 #include "search/word_search.h"
 #include "testing/data_files.h"
-#include "web/document_text.h"
+#include "core/document_text.h"
 #include "web/serve.h"
 
 namespace refgrove::web {

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "core/data_view.h"
-#include "web/document_text.h"
+#include "core/document_text.h"
 #include "web/api_params.h"
 #include "web/network_api.h"
 

@@ -1,9 +1,9 @@
-#include "web/document_text.h"
+#include "core/document_text.h"
 
 #include "core/data_view.h"
-#include "search/text_folding.h"
+#include "core/utf8_text.h"
 
-namespace refgrove::web {
+namespace refgrove {
 namespace {
 
 // Joins `count` words given by `get` with blanks.
@@ -43,4 +43,25 @@ std::string author_name_text(const RefgroveData& d, int author_id) {
   return id2author(d, author_id, &name) ? as_utf8(name) : std::string();
 }
 
-}  // namespace refgrove::web
+DocumentText document_text(const RefgroveData& d, int did) {
+  DocumentText doc;
+  doc.did = did;
+  doc.key = key_text(d, did);
+  int n = 0;
+  if (get_year(d, did, &n) && n != -1) doc.year = n;
+  doc.title = title_text(d, did);
+  author_count(d, did, &n);
+  for (int i = 0; i < n; ++i) {
+    const char* name = nullptr;
+    if (get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
+  }
+  cite_count(d, did, &n);
+  for (int i = 0; i < n; ++i) {
+    int cited = 0, gid = 0;
+    if (get_cite(d, did, i, &cited, &gid)) doc.citations.push_back(cited);
+  }
+  doc.abstract = abstract_text(d, did);
+  return doc;
+}
+
+}  // namespace refgrove
