@@ -193,8 +193,12 @@ int run_printdoc(const DataSetPtr& data, const std::vector<int>& dids, CommandCo
   return status;
 }
 
-int run_author(const DataSetPtr& data, const std::vector<int>& ids, CommandContext& ctx) {
-  int status = 0;
+// The names of `ids`, and of the authors `names` names: those each on a
+// line of its own after their id and a tab.
+int run_author(const DataSetPtr& data, const std::vector<int>& ids, const std::vector<std::string>& names,
+               CommandContext& ctx) {
+  std::vector<int> named;
+  int status = add_named_authors("author", *data, names, &named, ctx.err);
   for (const int id : ids) {
     const char* name = nullptr;
     if (!refgrove::id2author(*data, id, &name)) {
@@ -203,6 +207,11 @@ int run_author(const DataSetPtr& data, const std::vector<int>& ids, CommandConte
       status = 1;
       continue;
     }
+    refgrove::print_author(*data, id, ctx.out);
+    ctx.out << "\n";
+  }
+  for (const int id : named) {
+    ctx.out << id << "\t";
     refgrove::print_author(*data, id, ctx.out);
     ctx.out << "\n";
   }
@@ -286,15 +295,23 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
     ctx.status = data == nullptr ? 1 : run_printdoc(data, *dids, ctx);
   });
 
-  CLI::App* author = app.add_subcommand("author", "print authors of a data directory by id");
-  author->footer("Prints the name of each author id, one per line. Exit status 1 when an\nid is not in the author table.");
+  CLI::App* author = app.add_subcommand("author", "print authors of a data directory by id, or find them by name");
+  author->footer(
+      "Prints the name of each author id, one per line. --name NAME\n"
+      "(repeatable) prints the id and name, tab-separated, of each author named\n"
+      "NAME, ASCII letters ignoring case, or, for NAME*, of each author whose\n"
+      "name starts with NAME. Exit status 1 when an id is not in the author\n"
+      "table or a name names no author.");
   auto author_args = std::make_shared<DataDirArgs>();
   auto ids = std::make_shared<std::vector<int>>();
+  auto names = std::make_shared<std::vector<std::string>>();
   add_data_dir_args(author, author_args.get());
-  author->add_option("ID", *ids, "author ids")->required()->transform(decimal());
-  author->callback([&ctx, author_args, ids] {
+  author->add_option("ID", *ids, "author ids")->transform(decimal());
+  author->add_option("--name", *names, "an author's name, ignoring case; NAME* for the names starting with NAME");
+  author->callback([&ctx, author_args, ids, names] {
+    if (ids->empty() && names->empty()) throw CLI::RequiredError("ID or --name");
     const DataSetPtr data = load_data_dir("author", *author_args, ctx.err);
-    ctx.status = data == nullptr ? 1 : run_author(data, *ids, ctx);
+    ctx.status = data == nullptr ? 1 : run_author(data, *ids, *names, ctx);
   });
 
   add_query_command(app, ctx);

@@ -75,6 +75,9 @@ TEST(DataCommandsTest, Commands) {
       {{"printdoc", "DATA", "7"}, 1, "", "refgrove printdoc: no document 7\n"},
       {{"printdoc", "DATA", "-5"}, 1, "", "refgrove printdoc: no document -5\n"},
       {{"author", "DATA", "1", "0", "5"}, 1, "B. Ray\nA. Lee\n", "refgrove author: no author 5\n"},
+      {{"author", "DATA", "--name", "a. LEE", "1", "--name", "*"}, 0, "B. Ray\n0\tA. Lee\n0\tA. Lee\n1\tB. Ray\n"},
+      {{"author", "DATA", "--name", "nobody"}, 1, "", "refgrove author: no author named nobody\n"},
+      {{"author", "DATA"}, 2},
       // The reverse lookups; with several arguments each line names its own.
       {{"cited-by", "DATA", "1"}, 0, "2\n3\n"},
       {{"cited-by", "DATA", "2", "3", "1"}, 1, "2\t3\n1\t2\n1\t3\n", "refgrove cited-by: no document cites 3\n"},

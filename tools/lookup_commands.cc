@@ -31,34 +31,13 @@ struct Lookup {
 int as_arg(int value) { return value; }
 const char* as_arg(const std::string& value) { return value.c_str(); }
 
-// Appends to `ids` the authors that each of `names` names, ignoring case; a
-// name ending in "*" names the authors whose name starts with the rest.
-// Returns 1 when a name names none (said on `err`), else 0.
-int add_named_authors(const RefgroveData& data, const std::vector<std::string>& names, std::vector<int>* ids,
-                      std::ostream& err) {
-  int status = 0;
-  for (const std::string& name : names) {
-    const bool prefix = !name.empty() && name.back() == '*';
-    const std::string text = prefix ? name.substr(0, name.size() - 1) : name;
-    const auto count = prefix ? refgrove::author_prefix_count : refgrove::author_named_count;
-    const auto get = prefix ? refgrove::get_author_prefix : refgrove::get_author_named;
-    int n = 0, id = 0;
-    if (!count(data, text.c_str(), &n)) {
-      err << "refgrove author-docs: no author named " << name << "\n";
-      status = 1;
-    }
-    for (int i = 0; i < n && get(data, text.c_str(), i, &id); ++i) ids->push_back(id);
-  }
-  return status;
-}
-
 template <typename Arg, typename Value>
 int run_lookup(const Lookup<Arg>& lookup, const DataDirArgs& dir, std::vector<Value> args, CommandContext& ctx,
                const std::vector<std::string>& names) {
   const refgrove::DataSetPtr data = load_data_dir(lookup.command, dir, ctx.err);
   if (data == nullptr) return 1;
   int status = 0;
-  if constexpr (std::is_same_v<Value, int>) status = add_named_authors(*data, names, &args, ctx.err);
+  if constexpr (std::is_same_v<Value, int>) status = add_named_authors(lookup.command, *data, names, &args, ctx.err);
   for (const Value& value : args) {
     const Arg arg = as_arg(value);
     int n = 0;

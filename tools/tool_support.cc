@@ -71,3 +71,21 @@ refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args,
   std::ostringstream hidden;
   return refgrove::load_data_set(dir, hidden);
 }
+
+int add_named_authors(const char* command, const RefgroveData& data, const std::vector<std::string>& names,
+                      std::vector<int>* ids, std::ostream& err) {
+  int status = 0;
+  for (const std::string& name : names) {
+    const bool prefix = !name.empty() && name.back() == '*';
+    const std::string text = prefix ? name.substr(0, name.size() - 1) : name;
+    const auto count = prefix ? refgrove::author_prefix_count : refgrove::author_named_count;
+    const auto get = prefix ? refgrove::get_author_prefix : refgrove::get_author_named;
+    int n = 0, id = 0;
+    if (!count(data, text.c_str(), &n)) {
+      err << "refgrove " << command << ": no author named " << name << "\n";
+      status = 1;
+    }
+    for (int i = 0; i < n && get(data, text.c_str(), i, &id); ++i) ids->push_back(id);
+  }
+  return status;
+}

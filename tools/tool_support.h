@@ -34,6 +34,12 @@ CLI::Validator decimal(std::int64_t min = std::numeric_limits<std::int32_t>::min
 // empty when it does.
 std::string directory_problem(const std::string& path);
 
+// Appends to `ids` the authors that each of `names` names, ignoring case; a
+// name ending in "*" names the authors whose name starts with the rest.
+// Returns 1 when a name names none (said on `err` for `command`), else 0.
+int add_named_authors(const char* command, const RefgroveData& data, const std::vector<std::string>& names,
+                      std::vector<int>* ids, std::ostream& err);
+
 // What every command reading a data directory takes: -v and DIR.
 struct DataDirArgs {
   bool verbose = false;
