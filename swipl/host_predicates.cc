@@ -9,7 +9,7 @@
 #include "core/predicate_table.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
-#include "swipl/word_atoms.h"
+#include "swipl/set_tables.h"
 
 namespace refgrove::swipl {
 namespace {
@@ -47,6 +47,11 @@ foreign_t word_result(term_t args, int, control_t) {
 
 int key_of(const RefgroveData& d, int did, int, const char** out) { return get_key(d, did, out); }
 int name_of(const RefgroveData& d, int author_id, int, const char** out) { return id2author(d, author_id, out); }
+
+foreign_t year_pred(term_t args, int, control_t) {
+  int did = 0;
+  return get_int_input(args, &did) && unify_year(args + 1, loaded_set(), did);
+}
 
 foreign_t has_word_info_pred(term_t args, int, control_t) {
   int did = 0;
@@ -149,7 +154,7 @@ constexpr ForeignFunction refgrove_word_count = int_result<word_count>;
 constexpr ForeignFunction refgrove_title_length = int_result<title_length>;
 constexpr ForeignFunction refgrove_author_count = int_result<author_count>;
 constexpr ForeignFunction refgrove_cite_count = int_result<cite_count>;
-constexpr ForeignFunction refgrove_get_year = int_result<get_year>;
+constexpr ForeignFunction refgrove_get_year = year_pred;
 constexpr ForeignFunction refgrove_get_author_id = author_id_pred;
 constexpr ForeignFunction refgrove_get_cite = cite_pred;
 constexpr ForeignFunction refgrove_get_key = text_result<key_of>;

@@ -9,6 +9,7 @@
 // solution leaves no choice point.
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,7 +17,7 @@
 #include "core/lookup.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
-#include "swipl/word_atoms.h"
+#include "swipl/set_tables.h"
 
 namespace refgrove::swipl {
 namespace {
@@ -59,7 +60,8 @@ struct Walk {
   int outer = 0;   // DID (or author id) reached
   int inner = 0;   // position within its list
   std::vector<int> items;  // a precomputed list of solutions, for key lookups
-  Span<CitationInfo> cites;  // the citations of `fixed`, for its citations
+  std::span<const std::int32_t> cites;  // the DIDs `fixed` cites, for its citations
+  bool direct = false;  // its citations into an unbound Cited: see next_citation
   bool key_given = false;  // the key was bound: the solutions already match it
   bool has_next = false;
   Pair next;
@@ -114,9 +116,9 @@ bool step_documents(Walk& w, Pair* next) {
 // Citations of document `fixed`, read from its record, which start_cites
 // has found once for the whole walk.
 bool step_cites_of(Walk& w, Pair* next) {
-  if (w.inner >= w.cites.size()) return false;
+  if (static_cast<std::size_t>(w.inner) >= w.cites.size()) return false;
   next->a = w.fixed;
-  next->b = w.cites[w.inner++].did;
+  next->b = w.cites[static_cast<std::size_t>(w.inner++)];
   return true;
 }
 
@@ -205,6 +207,17 @@ bool bind_key(const Walk& w, term_t args, const Pair& s) {
   return key != nullptr && unify_text(args, key) && PL_unify_integer(args + 1, s.b);
 }
 
+// The citations of a bound Citing into an unbound Cited, the most frequent
+// walk: an unbound argument always unifies, so it needs neither the
+// look-ahead nor a frame per solution.
+foreign_t next_citation(term_t args, std::unique_ptr<Walk> walk) {
+  const std::size_t at = static_cast<std::size_t>(walk->inner++);
+  if (at >= walk->cites.size()) return false;
+  if (!PL_unify_integer(args + 1, walk->cites[at])) return false;
+  if (at + 1 == walk->cites.size()) return true;
+  PL_retry_address(walk.release());
+}
+
 // Runs a walk: sets it up on the first call (`start` fills in the step and
 // position, or returns false to fail at once), resumes it on a redo, frees
 // it when pruned.
@@ -216,12 +229,14 @@ foreign_t enumerate(term_t args, int, control_t control) {
       auto fresh = std::make_unique<Walk>();
       fresh->set = loaded_set();
       if (!start(args, *fresh)) return false;
+      if (fresh->direct) return next_citation(args, std::move(fresh));
       fresh->has_next = fresh->advance();
       walk = fresh.release();
       break;
     }
     case PL_REDO:
       walk = static_cast<Walk*>(PL_foreign_context_address(control));
+      if (walk->direct) return next_citation(args, std::unique_ptr<Walk>(walk));
       break;
     case PL_PRUNED:
       delete static_cast<Walk*>(PL_foreign_context_address(control));
@@ -261,9 +276,8 @@ bool start_cites(term_t args, Walk& w) {
   w.fixed = w.want_a.bound ? w.want_a.value : w.want_b.value;
   w.step = w.want_a.bound ? step_cites_of : w.want_b.bound ? step_cited_by : step_all_cites;
   if (w.want_a.bound) {  // the record is found once, not once per answer
-    const RefgroveGraphData* r = w.want_a.in_range ? graph_record(w.data(), w.fixed) : nullptr;
-    if (r == nullptr) return false;
-    w.cites = r->citations;
+    if (!w.want_a.in_range || !SetTables::of(w.set).citations(w.fixed, &w.cites)) return false;
+    w.direct = !w.want_b.bound;
   }
   return true;
 }
@@ -329,6 +343,12 @@ foreign_t text_list(term_t args, int, control_t) {
   return unify_text_atoms(args + 1, texts);
 }
 
+// refgrove_citations/2: the DIDs a document cites, from the set's rows.
+foreign_t citation_list(term_t args, int, control_t) {
+  int did = 0;
+  return get_int_input(args, &did) && unify_citations(args + 1, loaded_set(), did);
+}
+
 // refgrove_title/2: the title's words as the atoms kept with the set.
 foreign_t title_list(term_t args, int, control_t) {
   int did = 0;
@@ -344,6 +364,7 @@ int abstract_size(const RefgroveData& d, int did, int* out) {
 constexpr ForeignPredicate kPredicates[] = {
     {"refgrove_document", 1, guarded<enumerate<start_documents, bind_first>>, true},
     {"refgrove_cites", 2, guarded<enumerate<start_cites, bind_both>>, true},
+    {"refgrove_citations", 2, guarded<citation_list>, false},
     {"refgrove_key_did", 2, guarded<enumerate<start_key_did, bind_key>>, true},
     {"refgrove_author_document", 2, guarded<enumerate<start_author_document, bind_both>>, true},
     {"refgrove_author_named", 2, guarded<enumerate<start_author_by_name<get_author_named>, bind_second>>, true},

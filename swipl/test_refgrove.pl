@@ -125,6 +125,8 @@ answer(refgrove_key_did(chen95, 107)).
 answer(refgrove_key_did("chen95", 107)).
 answer(refgrove_author_document(9, 115)).
 answer(refgrove_cites(107, 105)).
+answer(refgrove_citations(119, [110, 104, 115])).
+answer(refgrove_citations(101, [])).
 answer(refgrove_document(150)).
 answer(refgrove_document(146)).
 answer(findall(A, refgrove_author_named('a. lee', A), [3])).
@@ -169,6 +171,11 @@ no_answer(refgrove_author_named('P. ERDŐS', _)).
 no_answer(refgrove_author_named('a. lee', 4)).
 no_answer(refgrove_author_prefix('zz', _)).
 no_answer(refgrove_cites(107, 100000000000000000000)).
+no_answer(refgrove_cites(100000000000000000000, _)).
+no_answer(refgrove_citations(150, _)).
+no_answer(refgrove_citations(999, _)).
+no_answer(refgrove_citations(100000000000000000000, _)).
+no_answer(refgrove_citations(119, [110])).
 
 test(answers, Failed == []) :-
     findall(G, (answer(G), \+ once(G)), Failed).
@@ -226,7 +233,8 @@ test(citations_every_direction) :-
     forall(member(X-_, Expected),
            ( findall(Y, member(X-Y, Expected), Cited),
              findall(Y, refgrove_cites(X, Y), Got),
-             assertion(Got-X == Cited-X) )),
+             assertion(Got-X == Cited-X),
+             assertion(refgrove_citations(X, Cited)) )),
     forall(member(_-Y, Expected),
            ( findall(X, member(X-Y, Expected), Citing0),
              msort(Citing0, Citing),
@@ -287,6 +295,7 @@ test(last_solution_is_deterministic, Open == []) :-
 test(unbound_did, error(instantiation_error)) :- refgrove_get_year(_, _).
 test(unbound_index, error(instantiation_error)) :- refgrove_get_title_word(107, _, _).
 test(unbound_title_did, error(instantiation_error)) :- refgrove_title(_, _).
+test(unbound_citing, error(instantiation_error)) :- refgrove_citations(_, _).
 test(unbound_path, error(instantiation_error)) :- refgrove_load(_).
 test(unbound_preproc_output, error(instantiation_error)) :- refgrove_preproc('in/', _).
 test(atom_did, error(type_error(integer, abc))) :- refgrove_get_year(abc, _).

@@ -26,6 +26,7 @@
             refgrove_author_distance/3,   % +A, +B, ?Distance
             refgrove_document/1,          % ?Did
             refgrove_cites/2,             % ?Citing, ?Cited
+            refgrove_citations/2,         % +Citing, -Cited
             refgrove_key_did/2,           % ?Key, ?Did
             refgrove_author_document/2,   % ?AuthorId, ?Did
             refgrove_title/2,             % +Did, -Words
@@ -414,6 +415,20 @@ message_hook/3 sees them.
 %   ==
 %
 %   @error type_error(integer, X) for a bound argument that is no integer;
+%          existence_error(refgrove_data_set, loaded) before any load.
+
+%!  refgrove_citations(+Citing, -Cited) is semidet.
+%
+%   Cited is the list of the documents that Citing cites, in the order
+%   of its record: the solutions of refgrove_cites(Citing, X) in one
+%   list. Fails without a graph record.
+%
+%   ==
+%   ?- refgrove_citations(119, Cited).
+%   Cited = [110, 104, 115].
+%   ==
+%
+%   @error instantiation_error or type_error(integer, X) for Citing;
 %          existence_error(refgrove_data_set, loaded) before any load.
 
 %!  refgrove_key_did(?Key, ?Did) is nondet.

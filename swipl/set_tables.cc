@@ -1,4 +1,4 @@
-#include "swipl/word_atoms.h"
+#include "swipl/set_tables.h"
 
 #include <memory>
 #include <string_view>
@@ -16,7 +16,7 @@ namespace {
 // mistaken for it.
 struct LastAsked {
   std::weak_ptr<const RefgroveData> set;
-  const WordAtoms* atoms = nullptr;
+  const SetTables* tables = nullptr;
 };
 
 bool same_owner(const std::weak_ptr<const RefgroveData>& a, const DataSetPtr& b) {
@@ -24,23 +24,29 @@ bool same_owner(const std::weak_ptr<const RefgroveData>& a, const DataSetPtr& b)
 }
 
 // What the set's derived structures hold for this file.
-struct WordAtomsOfSet {
-  std::unique_ptr<WordAtoms> atoms;
+struct SetTablesOfSet {
+  std::unique_ptr<SetTables> tables;
 };
 
 }  // namespace
 
-WordAtoms::WordAtoms(const RefgroveData& d)
+SetTables::SetTables(const RefgroveData& d)
     : data_(d),
       size_(d.word_data->word_table->count > 0 ? static_cast<std::uint32_t>(d.word_data->word_table->count) : 0),
       atoms_(new std::atomic<atom_t>[size_]()),
-      titles_(d.did_index.size(), Span<WordId>{nullptr, -1}) {
-  for (std::size_t did = 0; did < titles_.size(); ++did) {
-    if (const RefgroveGraphData* r = graph_record(d, static_cast<int>(did))) titles_[did] = r->title;
+      rows_(d.did_index.size()),
+      citation_start_(d.did_index.size() + 1) {
+  for (std::size_t did = 0; did < rows_.size(); ++did) {
+    const RefgroveGraphData* r = graph_record(d, static_cast<int>(did));
+    citation_start_[did] = static_cast<std::uint32_t>(cited_.size()) | (r == nullptr ? kNoRecord : 0);
+    if (r == nullptr) continue;
+    rows_[did] = DocumentRow{r->title.items, r->title.n, r->year};
+    for (const CitationInfo& c : r->citations) cited_.push_back(c.did);
   }
+  citation_start_.back() = static_cast<std::uint32_t>(cited_.size());
 }
 
-WordAtoms::~WordAtoms() {
+SetTables::~SetTables() {
   // A set freed at exit, after Prolog has cleaned up, has no atoms to give back.
   if (!PL_is_initialised(nullptr, nullptr)) return;
   for (std::uint32_t id = 0; id < size_; ++id) {
@@ -48,17 +54,17 @@ WordAtoms::~WordAtoms() {
   }
 }
 
-const WordAtoms& WordAtoms::of(const DataSetPtr& set) {
+const SetTables& SetTables::of(const DataSetPtr& set) {
   thread_local LastAsked last;
-  if (last.atoms == nullptr || !same_owner(last.set, set)) {
-    const auto build = [&set] { return WordAtomsOfSet{std::make_unique<WordAtoms>(*set)}; };
-    last.atoms = set->derived().get<WordAtomsOfSet>(build).atoms.get();
+  if (last.tables == nullptr || !same_owner(last.set, set)) {
+    const auto build = [&set] { return SetTablesOfSet{std::make_unique<SetTables>(*set)}; };
+    last.tables = set->derived().get<SetTablesOfSet>(build).tables.get();
     last.set = set;
   }
-  return *last.atoms;
+  return *last.tables;
 }
 
-atom_t WordAtoms::make(std::uint32_t id) const {
+atom_t SetTables::make(std::uint32_t id) const {
   const char* text = word_text(data_, id);
   if (text == nullptr) return 0;
   const std::string_view bytes(text);
@@ -73,10 +79,10 @@ atom_t WordAtoms::make(std::uint32_t id) const {
 
 bool unify_title_word(term_t t, const DataSetPtr& set, int did, int i) {
   if (!set) return false;
-  const WordAtoms& atoms = WordAtoms::of(set);
-  const Span<WordId>* title = atoms.title(did);
-  if (title == nullptr || i < 0 || i >= title->size()) return false;
-  const atom_t a = atoms.atom((*title)[i].id());
+  const SetTables& tables = SetTables::of(set);
+  const DocumentRow* row = tables.row(did);
+  if (row == nullptr || i < 0 || i >= row->title().size()) return false;
+  const atom_t a = tables.atom(row->title()[i].id());
   return a != 0 && PL_unify_atom(t, a);
 }
 
@@ -87,25 +93,41 @@ bool unify_word(term_t t, const DataSetPtr& set, int did, int i) {
   const WordRun run = word_run_at(*set, w);
   std::uint32_t id = 0;
   if (i < 0 || i >= run.count || !set->word_data->word_id_at(run.start + i, &id)) return false;
-  const atom_t a = WordAtoms::of(set).atom(id);
+  const atom_t a = SetTables::of(set).atom(id);
   return a != 0 && PL_unify_atom(t, a);
 }
 
 bool unify_title(term_t t, const DataSetPtr& set, int did) {
   if (!set) return false;
-  const WordAtoms& atoms = WordAtoms::of(set);
-  const Span<WordId>* title = atoms.title(did);
-  if (title == nullptr) return false;
+  const SetTables& tables = SetTables::of(set);
+  const DocumentRow* row = tables.row(did);
+  if (row == nullptr) return false;
   const term_t tail = PL_copy_term_ref(t);
   const term_t head = PL_new_term_ref();
-  for (const WordId word : *title) {
+  for (const WordId word : row->title()) {
     // A word outside the table is left out, as the texts are.
-    const atom_t a = atoms.atom(word.id());
+    const atom_t a = tables.atom(word.id());
     if (a == 0) {
       if (PL_exception(0) != 0) return false;
       continue;
     }
     if (!PL_unify_list(tail, head, tail) || !PL_unify_atom(head, a)) return false;
+  }
+  return PL_unify_nil(tail);
+}
+
+bool unify_year(term_t t, const DataSetPtr& set, int did) {
+  const DocumentRow* row = set ? SetTables::of(set).row(did) : nullptr;
+  return row != nullptr && PL_unify_integer(t, row->year);
+}
+
+bool unify_citations(term_t t, const DataSetPtr& set, int did) {
+  std::span<const std::int32_t> cited;
+  if (!set || !SetTables::of(set).citations(did, &cited)) return false;
+  const term_t tail = PL_copy_term_ref(t);
+  const term_t head = PL_new_term_ref();
+  for (const std::int32_t c : cited) {
+    if (!PL_unify_list(tail, head, tail) || !PL_unify_integer(head, c)) return false;
   }
   return PL_unify_nil(tail);
 }
