@@ -10,6 +10,9 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
 #include "graph/graph_file.h"
 #include "preproc/file_sync.h"
 #include "words/word_files.h"
@@ -18,7 +21,8 @@ namespace {
 
 using nlohmann::json;
 
-constexpr char kChecksumKey[] = "fnv1a64";
+// The manifest's key of each kind of checksum.
+const char* checksum_key(ChecksumKind kind) { return kind == ChecksumKind::xxh3_64 ? "xxh3_64" : "fnv1a64"; }
 
 std::string hex64(std::uint64_t v) {
   char text[17];
@@ -26,17 +30,42 @@ std::string hex64(std::uint64_t v) {
   return text;
 }
 
-// The manifest's entry for one file: its size and checksum, or a reason
-// why it cannot be used.
-bool parse_entry(const json& entry, FileDigest* digest) {
+// The manifest's entry for one file: its size and checksum, and the kind
+// of the checksum (the faster one where an entry holds both); false when
+// the entry cannot be used.
+bool parse_entry(const json& entry, FileDigest* digest, ChecksumKind* kind) {
   if (!entry.is_object() || !entry.contains("size") || !entry["size"].is_number_unsigned()) return false;
-  if (!entry.contains(kChecksumKey) || !entry[kChecksumKey].is_string()) return false;
-  const std::string text = entry[kChecksumKey].get<std::string>();
-  if (text.size() != 16 || text.find_first_not_of("0123456789abcdef") != std::string::npos) return false;
-  digest->size = entry["size"].get<std::uint64_t>();
-  digest->checksum = std::stoull(text, nullptr, 16);
-  return true;
+  for (const ChecksumKind k : {ChecksumKind::xxh3_64, ChecksumKind::fnv1a64}) {
+    const char* key = checksum_key(k);
+    if (!entry.contains(key) || !entry[key].is_string()) continue;
+    const std::string text = entry[key].get<std::string>();
+    if (text.size() != 16 || text.find_first_not_of("0123456789abcdef") != std::string::npos) return false;
+    digest->size = entry["size"].get<std::uint64_t>();
+    digest->checksum = std::stoull(text, nullptr, 16);
+    *kind = k;
+    return true;
+  }
+  return false;
 }
+
+// A checksum computed a buffer at a time.
+class RunningChecksum {
+ public:
+  explicit RunningChecksum(ChecksumKind kind) : kind_(kind) { XXH3_64bits_reset(&xxh3_); }
+  void add(const void* bytes, std::size_t size) {
+    if (kind_ == ChecksumKind::xxh3_64) {
+      XXH3_64bits_update(&xxh3_, bytes, size);
+    } else {
+      fnv_ = fnv1a64(bytes, size, fnv_);
+    }
+  }
+  std::uint64_t value() const { return kind_ == ChecksumKind::xxh3_64 ? XXH3_64bits_digest(&xxh3_) : fnv_; }
+
+ private:
+  ChecksumKind kind_;
+  XXH3_state_t xxh3_;
+  std::uint64_t fnv_ = kFnvOffsetBasis;
+};
 
 ManifestMismatch unusable_manifest(const std::string& message) { return ManifestMismatch{kManifestFile, message}; }
 
@@ -53,14 +82,16 @@ std::uint64_t fnv1a64(const void* bytes, std::size_t size, std::uint64_t hash) {
   return hash;
 }
 
-bool digest_file(const std::string& path, FileDigest* digest, std::string* error) {
+bool digest_file(const std::string& path, ChecksumKind kind, FileDigest* digest, std::string* error) {
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
     *error = system_error_text(path, errno);
     return false;
   }
   const std::unique_ptr<char[]> buffer(new char[1 << 20]);
-  FileDigest d{0, kFnvOffsetBasis};
+  // The XXH3 state wants 64-byte alignment, which `new` gives.
+  const auto checksum = std::make_unique<RunningChecksum>(kind);
+  std::uint64_t size = 0;
   for (;;) {
     const ssize_t n = read(fd, buffer.get(), 1 << 20);
     if (n < 0 && errno == EINTR) continue;
@@ -68,11 +99,11 @@ bool digest_file(const std::string& path, FileDigest* digest, std::string* error
       const int e = errno;
       close(fd);
       if (n < 0) *error = system_error_text(path, e);
-      if (n == 0) *digest = d;
+      if (n == 0) *digest = FileDigest{size, checksum->value()};
       return n == 0;
     }
-    d.size += static_cast<std::uint64_t>(n);
-    d.checksum = fnv1a64(buffer.get(), static_cast<std::size_t>(n), d.checksum);
+    size += static_cast<std::uint64_t>(n);
+    checksum->add(buffer.get(), static_cast<std::size_t>(n));
   }
 }
 
@@ -81,8 +112,8 @@ bool write_manifest(const std::string& dir, const std::string& path, const std::
   json files = json::object();
   for (const std::string& name : data_file_names()) {
     FileDigest d;
-    if (!digest_file(dir + name, &d, error)) return false;
-    files[name] = {{"size", d.size}, {kChecksumKey, hex64(d.checksum)}};
+    if (!digest_file(dir + name, ChecksumKind::xxh3_64, &d, error)) return false;
+    files[name] = {{"size", d.size}, {checksum_key(ChecksumKind::xxh3_64), hex64(d.checksum)}};
   }
   const json manifest = {{"made_by", made_by}, {"files", files}};
   return write_synced(path, manifest.dump(2) + "\n", error);
@@ -100,10 +131,11 @@ std::vector<ManifestMismatch> manifest_mismatches(const std::string& dir) {
   const json& files = manifest["files"];
   for (const std::string& name : data_file_names()) {
     FileDigest listed, actual;
+    ChecksumKind kind = ChecksumKind::xxh3_64;
     std::string error;
-    if (!files.contains(name) || !parse_entry(files[name], &listed)) {
+    if (!files.contains(name) || !parse_entry(files[name], &listed, &kind)) {
       mismatches.push_back(unusable_manifest("no valid size and checksum for " + name + ": it cannot be compared."));
-    } else if (digest_file(dir + name, &actual, &error) &&
+    } else if (digest_file(dir + name, kind, &actual, &error) &&
                (actual.size != listed.size || actual.checksum != listed.checksum)) {
       mismatches.push_back(ManifestMismatch{name,
                                  "the file is not the one " + std::string(kManifestFile) + " lists (size " +

@@ -6,6 +6,8 @@
 #include <functional>
 #include <string>
 
+#include <nlohmann/json.hpp>
+
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
 #include "testing/test_files.h"
@@ -21,6 +23,33 @@ TEST(ManifestTest, ChecksumIsFnv1a64) {
   for (const auto& c : cases) EXPECT_EQ(fnv1a64(c.text.data(), c.text.size()), c.hash) << '"' << c.text << '"';
   // In two pieces as in one, as files are read a buffer at a time.
   EXPECT_EQ(fnv1a64("bar", 3, fnv1a64("foo", 3)), 0x85944171f73967e8u);
+}
+
+TEST(ManifestTest, ChecksumIsXxh3) {
+  TempDir dir;
+  write_file(dir.path() + "f", "");
+  write_file(dir.path() + "g", std::string(3000, 'x'));  // more than one stripe of 1,024 bytes
+  FileDigest empty, longer;
+  std::string error;
+  ASSERT_TRUE(digest_file(dir.path() + "f", ChecksumKind::xxh3_64, &empty, &error)) << error;
+  ASSERT_TRUE(digest_file(dir.path() + "g", ChecksumKind::xxh3_64, &longer, &error)) << error;
+  EXPECT_EQ(empty.checksum, 0x2d06800538d394c2u);  // XXH3_64bits of no bytes, seed 0
+  EXPECT_EQ(longer.size, 3000u);
+  EXPECT_NE(longer.checksum, empty.checksum);
+}
+
+// A manifest as version 1.0.0 wrote it: an FNV-1a 64 checksum per file.
+void write_fnv_manifest(const std::string& dir) {
+  nlohmann::json files = nlohmann::json::object();
+  for (const std::string& name : data_file_names()) {
+    FileDigest d;
+    std::string error;
+    ASSERT_TRUE(digest_file(dir + name, ChecksumKind::fnv1a64, &d, &error)) << error;
+    char hex[17];
+    std::snprintf(hex, sizeof hex, "%016llx", static_cast<unsigned long long>(d.checksum));
+    files[name] = {{"size", d.size}, {"fnv1a64", hex}};
+  }
+  write_file(dir + kManifestFile, nlohmann::json{{"files", files}, {"made_by", "test"}}.dump());
 }
 
 // A directory written with a manifest, then changed; the findings of each
@@ -40,6 +69,14 @@ TEST(ManifestTest, FilesThatDoNotMatchTheManifestAreNamed) {
        [](const std::string&, DataFiles* f) { (*f)["word-idx"] += std::string(8, '\0'); },
        {"word-idx" + differs + "24, listed 16; the checksum differs): the files come from different runs, or this "
                                "one was changed since."}},
+      {"a manifest of 1.0.0", [](const std::string& dir, DataFiles*) { write_fnv_manifest(dir); }, {}},
+      {"a manifest of 1.0.0, one byte changed",
+       [](const std::string& dir, DataFiles* f) {
+         write_fnv_manifest(dir);
+         (*f)["word-data"][0] ^= 1;
+       },
+       {"word-data" + differs + "6, listed 6; the checksum differs): the files come from different runs, or this "
+                                "one was changed since."}},
       {"no manifest", [](const std::string& dir, DataFiles* f) {
          std::remove((dir + kManifestFile).c_str());
          (*f)["word-data"][0] ^= 1;

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <future>
 #include <memory>
 #include <utility>
 
@@ -117,11 +118,23 @@ StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hoo
   const AnnouncedRunFiles announced(hooks, staging, paths);
 
   StagedResult result{paths.target, preprocess_into(request, staging, paths)};
+  // The check, the manifest's checksums and writing the data files to disk
+  // each read the files or wait for the disk: they run side by side. The
+  // files are flushed here once and for all; the flush before the move
+  // then finds nothing left to write.
+  std::future<void> flushed = std::async(std::launch::async, [&staging] {
+    std::string ignored;  // a failure shows again in the flush before the move
+    for (const std::string& name : data_file_names()) sync_path(staging.prefix() + name, &ignored);
+  });
+  std::future<bool> manifest = std::async(std::launch::async, [&] {
+    return write_manifest(staging.prefix(), staging.prefix() + kManifestFile, request.made_by, &error);
+  });
   check_made(staging, paths, hooks);
-  if (!write_manifest(staging.prefix(), staging.prefix() + kManifestFile, request.made_by, &error)) {
+  if (!manifest.get()) {
     error = with_path_replaced(error, staging.path(), paths.target);
     fail(Stage::run, paths.target, error.substr(0, error.find(": ")), error);
   }
+  flushed.get();
   const std::unique_lock<std::mutex> moving = hooks.moving();
   if (!move_into_place(staging.path(), paths, files_to_move(), &error)) fail(Stage::move, paths, error);
   return result;
