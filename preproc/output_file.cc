@@ -10,7 +10,9 @@ std::error_code last_error() { return std::error_code(errno != 0 ? errno : EIO, 
 }  // namespace
 
 OutputFile::OutputFile(std::string path, bool checked)
-    : std::ofstream(path, std::ios::out | std::ios::trunc | std::ios::binary), path_(std::move(path)), checked_(checked) {
+    : buffer_(new char[kBufferBytes]), path_(std::move(path)), checked_(checked) {
+  rdbuf()->pubsetbuf(buffer_.get(), static_cast<std::streamsize>(kBufferBytes));
+  open(path_, std::ios::out | std::ios::trunc | std::ios::binary);
   if (checked_ && !is_open()) throw_if_failed(path_, last_error());
   errno = 0;  // a failed write sets it; a failure without one is EIO
 }

@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 #include <string>
 
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
+#include "preproc/output_file.h"
 #include "preproc/refgrove_preproc.h"
 #include "testing/test_files.h"
 #include "tokenizer/parser_error.h"
@@ -118,6 +120,28 @@ TEST(PreprocessTest, CheckedRunsNameTheInputOrOutputThatFails) {
       {in.path(), full.path(), full.path() + kWordDataFile + ": No space left on device"},
   };
   for (const auto& c : cases) EXPECT_EQ(checked_error(c.in, c.out), c.expected) << c.in << " -> " << c.out;
+}
+
+// Sizes around the buffer's, written in small pieces; the file closed by
+// finish() or only by going out of scope (as when a run throws).
+TEST(OutputFileTest, EveryByteWrittenReachesTheFile) {
+  TempDir dir;
+  const std::size_t block = OutputFile::kBufferBytes;
+  for (const std::size_t size : {std::size_t{0}, std::size_t{5}, block - 1, block, block + 1, 3 * block + 7}) {
+    for (const bool finished : {true, false}) {
+      std::string bytes(size, '\0');
+      for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7 + i / 251);
+      const std::string path = dir.path() + "f";
+      {
+        OutputFile out(path, true);
+        for (std::size_t at = 0; at < size; at += 300) {
+          out.write(&bytes[at], static_cast<std::streamsize>(std::min<std::size_t>(300, size - at)));
+        }
+        if (finished) out.finish();
+      }
+      EXPECT_EQ(read_file(path), bytes) << size << " bytes, finished " << finished;
+    }
+  }
 }
 
 TEST(PreprocessTest, AMalformedDumpThrowsInsteadOfEndingTheProcess) {
