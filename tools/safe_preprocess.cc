@@ -1,5 +1,6 @@
 #include "tools/safe_preprocess.h"
 
+#include <future>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -59,22 +60,32 @@ class ToolHooks : public StagedRunHooks {
     interrupts_.set_run_files(staging_dir, lock_file);
   }
   void run_files_gone() override { interrupts_.set_run_files("", ""); }
+  // The data is loaded here, beside the check, for the summary's count of
+  // unindexed documents: the check runs while the files are flushed to
+  // disk, so the load takes the time that waiting for the disk would. A
+  // directory that fails the check has no summary: its count is dropped.
   std::vector<std::string> check(const std::string& dir) override {
+    std::future<std::size_t> unindexed = std::async(std::launch::async, unindexed_documents, dir);
     std::vector<std::string> problems;
     for (const Finding& f : validate_data_dir(dir)) problems.push_back(f.text());
+    unindexed.wait();
+    if (problems.empty()) unindexed_ = unindexed.get();
     return problems;
   }
   std::unique_lock<std::mutex> moving() override { return interrupts_.hold(); }
 
+  std::size_t unindexed() const { return unindexed_; }
+
  private:
   std::ostream& err_;
   InterruptCleanup interrupts_;
+  std::size_t unindexed_ = 0;
 };
 
 // Runs the request, showing the module's messages (-v), a progress line on
 // a terminal, or log lines; then the summary.
 int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
-                             StagedRunHooks& hooks) {
+                             ToolHooks& hooks) {
   std::ostream quiet(nullptr);
   CounterFilter out_filter(out), err_filter(err);
   // The run's messages and the progress lines reach `err` through one
@@ -103,7 +114,7 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
   if (style) display.emplace(progress.bytes_read, dumps_size(as_dir(request.in_dir)), *display_out, *style);
   const StagedResult result = staged_preprocess(staged, hooks);
   display.reset();
-  print_summary(out, result.target, result.summary, unindexed_documents(result.target + "/"));
+  print_summary(out, result.target, result.summary, hooks.unindexed());
   return 0;
 }
 
