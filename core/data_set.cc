@@ -4,21 +4,14 @@
 #include <sstream>
 
 #include "core/data_view.h"
-
-namespace {
-// The DID index holds at most this many entries per document of the data,
-// or kMinIndexSize, whichever is more: a damaged file with a DID of two
-// billion must not make the index take gigabytes.
-constexpr std::size_t kIndexEntriesPerDocument = 16;
-constexpr std::size_t kMinIndexSize = std::size_t{1} << 21;
-}  // namespace
+#include "graph/did_index.h"
 
 RefgroveData::RefgroveData(const std::string& path, std::ostream& log) {
   word_data = std::make_unique<WordData>(path, log);
   const std::string graph_file_name = path + kGraphFile;
   log << "graph_file_name=" << graph_file_name << std::endl;
   graph = std::make_unique<RefgroveGraph>(MappedFile(graph_file_name), log);
-  max_index_size_ = std::max(kMinIndexSize, kIndexEntriesPerDocument * (graph->docs.size() + word_data->doc_info.size()));
+  max_index_size_ = did_index_limit(graph->docs.size(), word_data->doc_info.size());
   size_index();
   index_graph();
   index_words();
@@ -38,9 +31,7 @@ const RefgroveData& RefgroveData::empty() {
   return *kEmpty;
 }
 
-bool RefgroveData::fits(std::int32_t did) const {
-  return did >= 0 && static_cast<std::size_t>(did) < max_index_size_;
-}
+bool RefgroveData::fits(std::int32_t did) const { return did_indexable(did, max_index_size_); }
 
 bool RefgroveData::indexable(std::int32_t did) {
   if (fits(did)) return true;

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "graph/did_index.h"
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
 #include "words/compacted_string_table.h"
@@ -36,6 +37,7 @@ RawRefgroveGraph::Counts RawRefgroveGraph::counts() const {
   for (const RefgroveGraphData* doc : docs) {
     c.citations += doc->citations.size();
     c.clamped_values += clamped(doc->did) + clamped(doc->year);
+    if (did_may_be_unindexed(doc->did)) c.outlying_dids.push_back(doc->did);
     for (const CitationInfo& cite : doc->citations) c.clamped_values += clamped(cite.gid) + clamped(cite.did);
   }
   return c;

@@ -42,6 +42,7 @@ class RawRefgroveGraph {
     // DIDs, years, group ids and cited DIDs that the dump wrote beyond the
     // int32 range, which parsing clamped to its ends.
     std::int64_t clamped_values = 0;
+    std::vector<std::int32_t> outlying_dids;  // those that did_may_be_unindexed
   };
   Counts counts() const;
 

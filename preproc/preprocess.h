@@ -49,6 +49,9 @@ struct PreprocSummary {
   std::int64_t lines_without_did = 0;  // word dump lines skipped
   // Integers beyond the int32 range in either dump, stored clamped to it.
   std::int64_t values_out_of_range = 0;
+  // Documents that loading leaves out of the DID index (graph_data and
+  // word-idx counted apart): their DID is negative or too large.
+  std::int64_t unindexed = 0;
 };
 
 // An input that cannot be read or an output that cannot be written.

@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "graph/did_index.h"
 #include "graph/graph_file.h"
 #include "graph/raw_graph.h"
 #include "preproc/output_file.h"
@@ -179,6 +180,12 @@ PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string
   summary.citations = graph.counts.citations;
   summary.lines_without_did = counts.lines_without_did;
   summary.values_out_of_range = counts.clamped_dids + graph.counts.clamped_values;
+  const std::size_t limit = did_index_limit(static_cast<std::size_t>(graph.counts.records),
+                                            static_cast<std::size_t>(std::max<std::streamoff>(headers, 0)) + 1);
+  const auto unindexed = [limit](const std::vector<std::int32_t>& dids) {
+    return std::count_if(dids.begin(), dids.end(), [limit](std::int32_t did) { return !did_indexable(did, limit); });
+  };
+  summary.unindexed = unindexed(counts.outlying_dids) + unindexed(graph.counts.outlying_dids);
   return summary;
 }
 
@@ -214,6 +221,8 @@ WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostrea
       continue;
     }
     if (did == INT_MAX || did == INT_MIN) ++counts.clamped_dids;
+    // Loading skips headers with DID -1, as it skips the end sentinel.
+    if (did != -1 && did_may_be_unindexed(did)) counts.outlying_dids.push_back(did);
 
     const std::int32_t offset = data_out.fail() ? -1 : static_cast<std::int32_t>(position);
     write_document_word_info(idx_out, DocumentWordInfo{did, offset});

@@ -54,10 +54,12 @@ class WordPreproc {
   struct DumpCounts {
     std::int64_t lines_without_did = 0;
     std::int64_t clamped_dids = 0;  // DIDs beyond the int32 range, clamped to it
+    std::vector<std::int32_t> outlying_dids;  // those that did_may_be_unindexed, -1 left out
 
     DumpCounts& operator+=(const DumpCounts& other) {
       lines_without_did += other.lines_without_did;
       clamped_dids += other.clamped_dids;
+      outlying_dids.insert(outlying_dids.end(), other.outlying_dids.begin(), other.outlying_dids.end());
       return *this;
     }
   };

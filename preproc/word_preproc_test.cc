@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/data_set.h"
+#include "core/data_view.h"
 #include "core/refgrove.h"
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
@@ -261,6 +262,34 @@ TEST(WordPreprocTest, ParseErrorsEndTheProcessWithStatus3) {
     for (const char* name : {"word-table", "graph_data"}) {
       EXPECT_EQ(std::ifstream(out + name).is_open(), c.status == 0) << name << ", dumps: " << dumps;
     }
+  }
+}
+
+// The summary counts the documents that loading leaves out of the DID
+// index: DIDs of either dump below 0 or past the limit (2^21 for data this
+// small), the word dump's -1 left out as loading leaves it out.
+TEST(WordPreprocTest, SummaryCountsTheDocumentsThatLoadingLeavesUnindexed) {
+  const struct {
+    const char* words;
+    const char* graph;
+    std::int64_t unindexed;
+  } cases[] = {
+      {"1 - a\n", "1 - - GIDs: DIDs: Title: t Authors: A\n", 0},
+      {"2097151 - a\n2097152 - b\n-1 - d\n", "-3 - - GIDs: DIDs: Title: t Authors: A\n", 2},
+      {"99999999999 - a\n", "7 - - GIDs: DIDs: Title: t Authors: A\n2097153 - - GIDs: DIDs: Title: u Authors: B\n",
+       2},
+  };
+  for (const auto& c : cases) {
+    Preprocessing p(c.words, "", "", c.graph);
+    std::ostream quiet(nullptr);
+    PreprocSummary summary;
+    {
+      StreamCapture capture;
+      summary = WordPreproc().preproc(p.in.path(), p.out.path());
+    }
+    EXPECT_EQ(summary.unindexed, c.unindexed) << c.words << c.graph;
+    EXPECT_EQ(summary.unindexed, static_cast<std::int64_t>(refgrove::load_data_set(p.out.path(), quiet)->unindexed()))
+        << c.words << c.graph;
   }
 }
 

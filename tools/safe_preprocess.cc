@@ -5,8 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "core/data_set.h"
-#include "core/data_view.h"
 #include "core/validate.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
@@ -24,13 +22,7 @@ int fail(std::ostream& err, const std::string& message) {
   return 1;
 }
 
-// The documents that loading `dir` leaves out of the DID index.
-std::size_t unindexed_documents(const std::string& dir) {
-  std::ostream quiet(nullptr);  // the loading messages
-  return refgrove::load_data_set(dir, quiet)->unindexed();
-}
-
-void print_summary(std::ostream& out, const std::string& target, const PreprocSummary& s, std::size_t unindexed) {
+void print_summary(std::ostream& out, const std::string& target, const PreprocSummary& s) {
   out << "Made " << target << ":\n"
       << "  " << s.documents << " documents with abstracts, " << s.abstract_words << " abstract words\n"
       << "  " << s.records << " graph records, " << s.citations << " citations, " << s.authors << " authors\n"
@@ -38,7 +30,7 @@ void print_summary(std::ostream& out, const std::string& target, const PreprocSu
       << "Skipped or changed:\n"
       << "  " << s.lines_without_did << " word dump lines without a DID (skipped)\n"
       << "  " << s.values_out_of_range << " numbers beyond the int32 range (stored as the nearest int32)\n"
-      << "  " << unindexed << " documents whose DID cannot be indexed (negative or out of range: not found by DID)\n";
+      << "  " << s.unindexed << " documents whose DID cannot be indexed (negative or out of range: not found by DID)\n";
 }
 
 // The tool's part in a staged run: its messages on `err`, the run's files
@@ -59,31 +51,22 @@ class ToolHooks : public StagedRunHooks {
     interrupts_.set_run_files(staging_dir, lock_file);
   }
   void run_files_gone() override { interrupts_.set_run_files("", ""); }
-  // The data that passes the check is loaded here, for the summary's count
-  // of unindexed documents: the check runs while the files are flushed to
-  // disk, so the load takes the time that waiting for the disk would. (Not
-  // beside the check: the two would map the files at once, and at a million
-  // documents their memory added up is more than the run's own peak.)
   std::vector<std::string> check(const std::string& dir) override {
     std::vector<std::string> problems;
     for (const Finding& f : validate_data_dir(dir)) problems.push_back(f.text());
-    if (problems.empty()) unindexed_ = unindexed_documents(dir);
     return problems;
   }
   std::unique_lock<std::mutex> moving() override { return interrupts_.hold(); }
 
-  std::size_t unindexed() const { return unindexed_; }
-
  private:
   std::ostream& err_;
   InterruptCleanup interrupts_;
-  std::size_t unindexed_ = 0;
 };
 
 // Runs the request, showing the module's messages (-v), a progress line on
 // a terminal, or log lines; then the summary.
 int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
-                             ToolHooks& hooks) {
+                             StagedRunHooks& hooks) {
   std::ostream quiet(nullptr);
   CounterFilter out_filter(out), err_filter(err);
   // The run's messages and the progress lines reach `err` through one
@@ -112,7 +95,7 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
   if (style) display.emplace(progress.bytes_read, dumps_size(as_dir(request.in_dir)), *display_out, *style);
   const StagedResult result = staged_preprocess(staged, hooks);
   display.reset();
-  print_summary(out, result.target, result.summary, hooks.unindexed());
+  print_summary(out, result.target, result.summary);
   return 0;
 }
 
