@@ -22,8 +22,10 @@ set(REFGROVE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(TARGETS refgrove_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS refgrove LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-# The header of the C interface includes its two parts by their paths in the
-# source tree, which lie beside it once installed.
+# refgrove.h includes its two parts, core/refgrove.h and
+# preproc/refgrove_preproc.h, by their paths in the source tree, which lie
+# beside it once installed. The analyses and the search have headers of their
+# own: <refgrove/network.h> and <refgrove/search.h>.
 set(REFGROVE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
 install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
 install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)

@@ -87,6 +87,11 @@ class CitationGraph {
   void prefetch_cited(std::int32_t v) const {
     __builtin_prefetch(cited_.items.data() + cited_.offsets[static_cast<std::size_t>(v)]);
   }
+  // The starts of v's lists in direction `dir`, once prefetch_node(v) is done.
+  void prefetch_neighbours(std::int32_t v, Direction dir) const {
+    if (dir != Direction::in) prefetch_cited(v);
+    if (dir != Direction::out) __builtin_prefetch(citing_.items.data() + citing_.offsets[static_cast<std::size_t>(v)]);
+  }
 
   // Calls f(w) for every neighbour w of v in direction `dir` (with `both`, a
   // node both citing and cited by v comes twice).

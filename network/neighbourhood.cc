@@ -62,6 +62,9 @@ Neighbourhood neighbourhood(const RefgroveData& d, std::int32_t did, const Neigh
   const auto limit = static_cast<std::size_t>(options.limit);
   for (std::int64_t hops = 1; hops <= options.hops && kept.size() < limit; ++hops) {
     const std::size_t level_start = level_starts[level_starts.size() - 2], level_end = kept.size();
+    // The level's lists are asked for all at once, so that their misses
+    // overlap; sort_by_citations has asked for the nodes already.
+    for (std::size_t i = level_start; i < level_end; ++i) g.prefetch_neighbours(kept[i], options.direction);
     for (std::size_t i = level_start; i < level_end; ++i) {
       g.for_each_neighbour(kept[i], options.direction, [&](std::int32_t w) {
         if (seen.contains(w)) return;

@@ -1,6 +1,7 @@
 #include "swipl/set_tables.h"
 
 #include <memory>
+#include <stdexcept>
 #include <string_view>
 
 #include "core/lookup.h"
@@ -42,6 +43,8 @@ SetTables::SetTables(const RefgroveData& d)
     if (r == nullptr) continue;
     rows_[did] = DocumentRow{r->title.items, r->title.n, r->year};
     for (const CitationInfo& c : r->citations) cited_.push_back(c.did);
+    // A start must leave the kNoRecord bit free (a graph file of 16 GB).
+    if (cited_.size() >= kNoRecord) throw std::length_error("more citations than the library's tables can hold");
   }
   citation_start_.back() = static_cast<std::uint32_t>(cited_.size());
 }

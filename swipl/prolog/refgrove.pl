@@ -403,9 +403,10 @@ message_hook/3 sees them.
 
 %!  refgrove_cites(?Citing, ?Cited) is nondet.
 %
-%   Document Citing cites document Cited: one solution per citation, in
-%   ascending order of the unbound argument (Citing then record order
-%   when both are). No choice point is left after the last solution;
+%   Document Citing cites document Cited: one solution per citation.
+%   With Citing bound, the citations come in the order of its record
+%   (see refgrove_citations/2); otherwise in ascending order of Citing,
+%   then record order. No choice point is left after the last solution;
 %   with both bound it is semidet.
 %
 %   ==
