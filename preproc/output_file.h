@@ -2,8 +2,8 @@
 // throws PreprocError naming the file and the system's error when it cannot
 // be opened or when a write to it failed; unchecked, it is a plain ofstream
 // whose failures go unnoticed. Writes go out in blocks of kBufferBytes:
-// the word data arrives a few hundred bytes per document, and a system call
-// per 8 KB (the stream's own buffer) costs a tenth of writing it.
+// the word data arrives a few hundred bytes per document, which the
+// stream's own 8 KB buffer turned into tens of thousands of system calls.
 #ifndef REFGROVE_PREPROC_OUTPUT_FILE_H_
 #define REFGROVE_PREPROC_OUTPUT_FILE_H_
 
