@@ -8,6 +8,8 @@
 
 namespace {
 
+int wake_signal() { return SIGRTMIN; }
+
 // A writer thread may still create a file in the directory while it is
 // being removed; the removal is repeated until the directory is gone (its
 // files then fail to open).
@@ -24,12 +26,14 @@ InterruptCleanup::InterruptCleanup() {
   sigemptyset(&signals_);
   sigaddset(&signals_, SIGINT);
   sigaddset(&signals_, SIGTERM);
+  sigaddset(&signals_, wake_signal());
   pthread_sigmask(SIG_BLOCK, &signals_, &old_mask_);
   watcher_ = std::thread([this] { watch(); });
 }
 
 InterruptCleanup::~InterruptCleanup() {
   stop_ = true;
+  pthread_kill(watcher_.native_handle(), wake_signal());
   watcher_.join();
   pthread_sigmask(SIG_SETMASK, &old_mask_, nullptr);
 }
@@ -40,12 +44,10 @@ void InterruptCleanup::set_run_files(const std::string& staging_dir, const std::
   lock_file_ = lock_file;
 }
 
-// Polls so that the destructor can stop it without a signal of its own.
 void InterruptCleanup::watch() {
-  const timespec interval{0, 50 * 1000 * 1000};
   while (!stop_) {
-    const int signal = sigtimedwait(&signals_, nullptr, &interval);
-    if (signal > 0) clean_up_and_exit(signal);
+    const int signal = sigwaitinfo(&signals_, nullptr);
+    if (signal == SIGINT || signal == SIGTERM) clean_up_and_exit(signal);
   }
 }
 

@@ -3,8 +3,10 @@
 // with the usual status of a death by that signal (130, 143).
 //
 // The signals are blocked in the constructing thread, and so in every thread
-// it starts afterwards; a watcher thread takes them with sigtimedwait(), so
-// the cleanup runs as ordinary code rather than in a signal handler. Whoever
+// it starts afterwards; a watcher thread takes them with sigwaitinfo(), so
+// the cleanup runs as ordinary code rather than in a signal handler. The
+// destructor wakes the watcher with a real-time signal of its own, blocked
+// the same way, so that a run ends as soon as it is done. Whoever
 // must not be cut short (moving the finished files into place) holds the
 // lock returned by hold(): a signal that comes meanwhile is acted on after.
 #ifndef REFGROVE_TOOLS_INTERRUPT_CLEANUP_H_
@@ -37,7 +39,7 @@ class InterruptCleanup {
   void watch();
   [[noreturn]] void clean_up_and_exit(int signal);
 
-  sigset_t signals_, old_mask_;
+  sigset_t signals_, old_mask_;  // signals_: SIGINT, SIGTERM and the wake-up
   std::mutex mutex_;  // guards the two paths, held while the files are moved
   std::string staging_dir_, lock_file_;
   std::atomic<bool> stop_{false};
