@@ -182,6 +182,26 @@ void check_word_table(const DataFile& f, Report& report, std::int32_t* words) {
 }
 
 // The word ids of "word-data", against the word table's size (-1: unknown).
+// Where to start looking for word ids at or above `words` in the `whole`
+// bytes of f: the first block of ids that holds one, or `whole` when none
+// does, which is the usual case. A block's largest id is found without a
+// branch per id, four ids at a time.
+std::int64_t first_block_outside(const DataFile& f, std::int64_t whole, std::uint32_t words) {
+  constexpr std::int64_t kBlockBytes = kWordIdBytes * 4096;
+  const auto id_at = [&f](std::int64_t p) { return read_word_id(f.at(p)).id(); };
+  for (std::int64_t block = 0; block < whole; block += kBlockBytes) {
+    const std::int64_t end = std::min(whole, block + kBlockBytes);
+    std::uint32_t h[4] = {0, 0, 0, 0};
+    std::int64_t p = block;
+    for (; p + 4 * kWordIdBytes <= end; p += 4 * kWordIdBytes) {
+      for (int k = 0; k < 4; ++k) h[k] = std::max(h[k], id_at(p + k * kWordIdBytes));
+    }
+    for (; p < end; p += kWordIdBytes) h[0] = std::max(h[0], id_at(p));
+    if (std::max({h[0], h[1], h[2], h[3]}) >= words) return block;
+  }
+  return whole;
+}
+
 void check_word_data(const DataFile& f, std::int32_t words, Report& report) {
   if (f.missing()) {
     report.add("missing file", f.name, kWhole) << "the file is missing or cannot be read.";
@@ -194,7 +214,8 @@ void check_word_data(const DataFile& f, std::int32_t words, Report& report) {
         << " bytes are not a whole word id.";
   }
   if (words < 0) return;
-  for (std::int64_t p = 0; p < whole; p += kWordIdBytes) {
+  for (std::int64_t p = first_block_outside(f, whole, static_cast<std::uint32_t>(words)); p < whole;
+       p += kWordIdBytes) {
     const std::uint32_t id = read_word_id(f.at(p)).id();
     if (id >= static_cast<std::uint32_t>(words)) {
       report.add("word id outside table", f.name, p)

@@ -125,4 +125,24 @@ TEST(ValidateTest, ListsTenFindingsOfOneKindThenTheirNumber) {
             std::string::npos) << text;
 }
 
+// The word data is scanned in blocks of 4,096 ids, four at a time: an id
+// outside the table is found wherever it lies, alone or with later ones.
+TEST(ValidateTest, FindsAWordIdOutsideTheTableAnywhere) {
+  const std::size_t kIds = 3 * 4096 + 7;
+  for (const std::vector<std::size_t>& bad :
+       std::vector<std::vector<std::size_t>>{{0}, {1}, {3}, {4095}, {4096}, {4097}, {8190}, {kIds - 1}, {5, 9000}}) {
+    TempDir dir;
+    write_word_table(dir.path(), {"a", "b"});
+    std::vector<std::uint32_t> ids(kIds, 1);
+    for (const std::size_t i : bad) ids[i] = 2;
+    write_word_data(dir.path(), ids);
+    write_word_idx(dir.path(), {{1, 0}, {-1, static_cast<std::int32_t>(3 * kIds)}});
+    std::vector<std::size_t> found;
+    for (const Finding& f : validate_data_dir(dir.path())) {
+      if (f.message.find("word id 2 is outside") != std::string::npos) found.push_back(f.offset / 3);
+    }
+    EXPECT_EQ(found, bad) << "bad ids at " << ::testing::PrintToString(bad);
+  }
+}
+
 }  // namespace
