@@ -113,8 +113,8 @@ bool step_documents(Walk& w, Pair* next) {
   return false;
 }
 
-// Citations of document `fixed`, read from its record, which start_cites
-// has found once for the whole walk.
+// Citations of document `fixed`, from the set's packed citations, which
+// start_cites has found once for the whole walk.
 bool step_cites_of(Walk& w, Pair* next) {
   if (static_cast<std::size_t>(w.inner) >= w.cites.size()) return false;
   next->a = w.fixed;
@@ -275,7 +275,7 @@ bool start_cites(term_t args, Walk& w) {
   if (!get_wanted(args, &w.want_a) || !get_wanted(args + 1, &w.want_b)) return false;
   w.fixed = w.want_a.bound ? w.want_a.value : w.want_b.value;
   w.step = w.want_a.bound ? step_cites_of : w.want_b.bound ? step_cited_by : step_all_cites;
-  if (w.want_a.bound) {  // the record is found once, not once per answer
+  if (w.want_a.bound) {  // the citations are found once, not once per answer
     if (!w.want_a.in_range || !SetTables::of(w.set).citations(w.fixed, &w.cites)) return false;
     w.direct = !w.want_b.bound;
   }
@@ -343,7 +343,8 @@ foreign_t text_list(term_t args, int, control_t) {
   return unify_text_atoms(args + 1, texts);
 }
 
-// refgrove_citations/2: the DIDs a document cites, from the set's rows.
+// refgrove_citations/2: the DIDs a document cites, from the set's packed
+// citations.
 foreign_t citation_list(term_t args, int, control_t) {
   int did = 0;
   return get_int_input(args, &did) && unify_citations(args + 1, loaded_set(), did);
