@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <functional>
+#include <future>
 #include <numeric>
 
 #include "core/lookup.h"
@@ -18,45 +19,94 @@ std::int32_t high_part(std::int32_t did) { return did >> 16; }
 
 }  // namespace
 
-// The two passes over every document's words. Both walk the documents in
-// DID order and see a term's first occurrence in a document through
-// `last_did_`, so a posting list comes out sorted without sorting.
+// The two passes over every document's words, each run on two stretches of
+// DIDs side by side. A stretch walks its documents in DID order and sees a
+// term's first occurrence in a document through its `last_did`, so a
+// posting list comes out sorted without sorting. Stretches begin at
+// multiples of 65,536, so that no chunk of a posting list spans two; the
+// second stretch's postings of a term follow the first's.
 class WordIndex::Builder {
  public:
   Builder(const RefgroveData& d, WordIndex& index) : d_(d), index_(index) {}
 
   void build() {
     fold_vocabulary();
-    const std::size_t terms = index_.term_count();
     index_.lengths_.assign(d_.did_index.size(), 0);
-    std::vector<std::uint64_t> postings(terms, 0), chunks(terms, 0);
-    last_did_.assign(terms, -1);
-    for_each_document([&](std::int32_t did, const std::vector<std::uint32_t>& words) {
-      index_.lengths_[static_cast<std::size_t>(did)] = static_cast<std::uint32_t>(words.size());
-      for (const std::uint32_t t : words) {
-        if (last_did_[t] == did) continue;
-        if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) ++chunks[t];
-        last_did_[t] = did;
-        ++postings[t];
-      }
-    });
+    std::vector<Stretch> stretches = split(d_.did_index.size(), index_.term_count());
+    side_by_side(stretches, [this](Stretch& s) { count(s); });
     count_documents();
-    allocate(postings, chunks);
-    fill(postings, chunks);
+    allocate(stretches);
+    side_by_side(stretches, [this](Stretch& s) { fill(s); });
+    for (Stretch& s : stretches) {
+      index_.large_frequencies_.insert(index_.large_frequencies_.end(), s.large.begin(), s.large.end());
+    }
+    std::sort(index_.large_frequencies_.begin(), index_.large_frequencies_.end());
   }
 
  private:
-  // Calls visit(did, terms) for every document with the terms of its words
-  // that have a text, title first, in ascending DID order.
+  // The documents of DIDs first .. end - 1, and what the passes keep for
+  // them per term: first their numbers of postings and chunks, then where
+  // the next of each goes.
+  struct Stretch {
+    Stretch(std::size_t first, std::size_t end, std::size_t terms)
+        : first(static_cast<std::int32_t>(first)), end(static_cast<std::int32_t>(end)), postings(terms, 0),
+          chunks(terms, 0), last_did(terms, -1) {}
+
+    std::int32_t first, end;
+    std::vector<std::uint64_t> postings, chunks;
+    std::vector<std::int32_t> last_did;  // the last document that held the term
+    std::vector<std::pair<std::uint64_t, std::uint32_t>> large;  // posting -> frequency >= 255
+  };
+
+  // One stretch, or two split at the multiple of 65,536 nearest the middle.
+  static std::vector<Stretch> split(std::size_t limit, std::size_t terms) {
+    const std::size_t middle = (limit / 2 + 0x8000) & ~std::size_t{0xFFFF};
+    std::vector<Stretch> stretches;
+    if (middle == 0 || middle >= limit) {
+      stretches.emplace_back(0, limit, terms);
+    } else {
+      stretches.emplace_back(0, middle, terms);
+      stretches.emplace_back(middle, limit, terms);
+    }
+    return stretches;
+  }
+
+  // Runs work(s) on every stretch, the first in this thread, the others in
+  // threads of their own; an exception in any of them comes out here.
+  template <class Work>
+  static void side_by_side(std::vector<Stretch>& stretches, Work work) {
+    std::vector<std::future<void>> others;
+    for (std::size_t i = 1; i < stretches.size(); ++i) {
+      others.push_back(std::async(std::launch::async, [&work, &s = stretches[i]] { work(s); }));
+    }
+    work(stretches[0]);
+    for (std::future<void>& other : others) other.get();
+  }
+
+  void count(Stretch& s) const {
+    for_each_document(s, [&](std::int32_t did, const std::vector<std::uint32_t>& words) {
+      index_.lengths_[static_cast<std::size_t>(did)] = static_cast<std::uint32_t>(words.size());
+      for (const std::uint32_t t : words) {
+        if (s.last_did[t] == did) continue;
+        if (s.last_did[t] < 0 || high_part(s.last_did[t]) != high_part(did)) ++s.chunks[t];
+        s.last_did[t] = did;
+        ++s.postings[t];
+      }
+    });
+  }
+
+  // Calls visit(did, terms) for every document of the stretch with the
+  // terms of its words that have a text, title first, in ascending DID
+  // order.
   template <class Visit>
-  void for_each_document(Visit visit) const {
+  void for_each_document(const Stretch& s, Visit visit) const {
     const std::vector<std::uint32_t>& term_of = index_.term_of_word_;
     const auto add = [&](std::uint32_t id, std::vector<std::uint32_t>& out) {
       if (id < term_of.size() && term_of[id] != kNoTerm) out.push_back(term_of[id]);
     };
     const WordData& words = *d_.word_data;
     std::vector<std::uint32_t> terms;
-    for (std::int32_t did = 0; static_cast<std::size_t>(did) < d_.did_index.size(); ++did) {
+    for (std::int32_t did = s.first; did < s.end; ++did) {
       terms.clear();
       if (const RefgroveGraphData* r = graph_record(d_, did)) {
         for (std::int32_t i = 0; i < r->title.size(); ++i) add(r->title[i].id(), terms);
@@ -109,8 +159,17 @@ class WordIndex::Builder {
     if (index_.documents_ > 0) index_.average_length_ = static_cast<double>(words) / index_.documents_;
   }
 
-  // Turns the counts into the start of each term's postings and chunks.
-  void allocate(const std::vector<std::uint64_t>& postings, const std::vector<std::uint64_t>& chunks) {
+  // Turns the stretches' counts into the start of each term's postings and
+  // chunks, and each stretch's counts into where its own begin.
+  void allocate(std::vector<Stretch>& stretches) {
+    const std::size_t terms = index_.term_count();
+    std::vector<std::uint64_t> postings(terms, 0), chunks(terms, 0);
+    for (const Stretch& s : stretches) {
+      for (std::size_t t = 0; t < terms; ++t) {
+        postings[t] += s.postings[t];
+        chunks[t] += s.chunks[t];
+      }
+    }
     const auto starts = [](const std::vector<std::uint64_t>& counts, std::vector<std::uint64_t>& out) {
       out.assign(counts.size() + 1, 0);
       std::partial_sum(counts.begin(), counts.end(), out.begin() + 1);
@@ -121,27 +180,37 @@ class WordIndex::Builder {
     index_.frequency_.resize(index_.term_postings_.back());
     index_.chunks_.resize(index_.term_chunks_.back() + 1);
     index_.chunks_.back() = Chunk{0, index_.term_postings_.back()};
+    std::copy(index_.term_postings_.begin(), index_.term_postings_.end() - 1, postings.begin());
+    std::copy(index_.term_chunks_.begin(), index_.term_chunks_.end() - 1, chunks.begin());
+    for (Stretch& s : stretches) {
+      for (std::size_t t = 0; t < terms; ++t) {
+        std::swap(s.postings[t], postings[t]);
+        postings[t] += s.postings[t];
+        std::swap(s.chunks[t], chunks[t]);
+        chunks[t] += s.chunks[t];
+      }
+    }
   }
 
   // Counts each term of a document, then writes one posting per distinct
   // term, so that the posting arrays are written once per posting rather
   // than once per word.
-  void fill(std::vector<std::uint64_t>& next_posting, std::vector<std::uint64_t>& next_chunk) {
-    std::copy(index_.term_postings_.begin(), index_.term_postings_.end() - 1, next_posting.begin());
-    std::copy(index_.term_chunks_.begin(), index_.term_chunks_.end() - 1, next_chunk.begin());
-    std::fill(last_did_.begin(), last_did_.end(), -1);
-    std::vector<std::uint32_t> count(last_did_.size(), 0), distinct;
-    for_each_document([&](std::int32_t did, const std::vector<std::uint32_t>& words) {
+  void fill(Stretch& s) const {
+    std::vector<std::uint64_t>& next_posting = s.postings;
+    std::vector<std::uint64_t>& next_chunk = s.chunks;
+    std::fill(s.last_did.begin(), s.last_did.end(), -1);
+    std::vector<std::uint32_t> count(s.last_did.size(), 0), distinct;
+    for_each_document(s, [&](std::int32_t did, const std::vector<std::uint32_t>& words) {
       distinct.clear();
       for (const std::uint32_t t : words) {
-        if (last_did_[t] == did) {
+        if (s.last_did[t] == did) {
           ++count[t];
           continue;
         }
-        if (last_did_[t] < 0 || high_part(last_did_[t]) != high_part(did)) {
+        if (s.last_did[t] < 0 || high_part(s.last_did[t]) != high_part(did)) {
           index_.chunks_[next_chunk[t]++] = Chunk{static_cast<std::uint32_t>(high_part(did)), next_posting[t]};
         }
-        last_did_[t] = did;
+        s.last_did[t] = did;
         count[t] = 1;
         distinct.push_back(t);
       }
@@ -149,15 +218,13 @@ class WordIndex::Builder {
         const std::uint64_t p = next_posting[t]++;
         index_.low_[p] = static_cast<std::uint16_t>(did & 0xFFFF);
         index_.frequency_[p] = static_cast<std::uint8_t>(std::min<std::uint32_t>(count[t], kLargeFrequency));
-        if (count[t] >= kLargeFrequency) index_.large_frequencies_.emplace_back(p, count[t]);
+        if (count[t] >= kLargeFrequency) s.large.emplace_back(p, count[t]);
       }
     });
-    std::sort(index_.large_frequencies_.begin(), index_.large_frequencies_.end());
   }
 
   const RefgroveData& d_;
   WordIndex& index_;
-  std::vector<std::int32_t> last_did_;  // per term: the last document that held it
 };
 
 WordIndex::WordIndex(const RefgroveData& d) { Builder(d, *this).build(); }
