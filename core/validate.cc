@@ -181,7 +181,6 @@ void check_word_table(const DataFile& f, Report& report, std::int32_t* words) {
   }
 }
 
-// The word ids of "word-data", against the word table's size (-1: unknown).
 // Where to start looking for word ids at or above `words` in the `whole`
 // bytes of f: the first block of ids that holds one, or `whole` when none
 // does, which is the usual case. A block's largest id is found without a
@@ -202,6 +201,7 @@ std::int64_t first_block_outside(const DataFile& f, std::int64_t whole, std::uin
   return whole;
 }
 
+// The word ids of "word-data", against the word table's size (-1: unknown).
 void check_word_data(const DataFile& f, std::int32_t words, Report& report) {
   if (f.missing()) {
     report.add("missing file", f.name, kWhole) << "the file is missing or cannot be read.";

@@ -180,16 +180,21 @@ class WordIndex::Builder {
     index_.frequency_.resize(index_.term_postings_.back());
     index_.chunks_.resize(index_.term_chunks_.back() + 1);
     index_.chunks_.back() = Chunk{0, index_.term_postings_.back()};
-    std::copy(index_.term_postings_.begin(), index_.term_postings_.end() - 1, postings.begin());
-    std::copy(index_.term_chunks_.begin(), index_.term_chunks_.end() - 1, chunks.begin());
-    for (Stretch& s : stretches) {
-      for (std::size_t t = 0; t < terms; ++t) {
-        std::swap(s.postings[t], postings[t]);
-        postings[t] += s.postings[t];
-        std::swap(s.chunks[t], chunks[t]);
-        chunks[t] += s.chunks[t];
+    // Each stretch's count of a term becomes where its own begin: after
+    // those of the stretches before it.
+    const auto hand_out = [&stretches](const std::vector<std::uint64_t>& firsts,
+                                       std::vector<std::uint64_t> Stretch::*counts) {
+      std::vector<std::uint64_t> next(firsts.begin(), firsts.end() - 1);
+      for (Stretch& s : stretches) {
+        for (std::size_t t = 0; t < next.size(); ++t) {
+          const std::uint64_t count = (s.*counts)[t];
+          (s.*counts)[t] = next[t];
+          next[t] += count;
+        }
       }
-    }
+    };
+    hand_out(index_.term_postings_, &Stretch::postings);
+    hand_out(index_.term_chunks_, &Stretch::chunks);
   }
 
   // Counts each term of a document, then writes one posting per distinct
