@@ -42,6 +42,54 @@ load_sample :-
 silently(Goal) :-
     setup_call_cleanup(set_prolog_flag(verbose, silent), Goal, set_prolog_flag(verbose, normal)).
 
+% Four threads call Round over and over while the main thread calls
+% Reload(K) for K = 1, 2, ...: at least Times times, and on until every
+% thread has finished a round, so that each takes part however busy the
+% machine is. Statuses are the threads' exit statuses: true, or false
+% after the first round that failed.
+:- meta_predicate rounds_during_reloads(0, 1, +, -).
+rounds_during_reloads(Round, Reload, Times, Statuses) :-
+    setup_call_cleanup(
+        message_queue_create(Queue),
+        ( findall(T, (between(1, 4, _), thread_create(rounds(Round, Queue, first), T, [])), Threads),
+          reload_until_every_round(Reload, 1, Times, Queue, 4),
+          thread_send_message(Queue, stop),
+          maplist(thread_join, Threads, Statuses) ),
+        message_queue_destroy(Queue)).
+
+% A thread tells the queue after its first round (failed or not), and
+% stops when the main thread says so.
+rounds(Round, Queue, Turn) :-
+    (   thread_peek_message(Queue, stop)
+    ->  true
+    ;   (   call(Round)
+        ->  Ok = true
+        ;   Ok = false
+        ),
+        (   Turn == first
+        ->  thread_send_message(Queue, round_done)
+        ;   true
+        ),
+        Ok == true,
+        rounds(Round, Queue, next)
+    ).
+
+reload_until_every_round(Reload, K, Times, Queue, Waiting) :-
+    (   K > Times, Waiting =:= 0
+    ->  true
+    ;   call(Reload, K),
+        count_rounds_done(Queue, Waiting, Left),
+        K1 is K + 1,
+        reload_until_every_round(Reload, K1, Times, Queue, Left)
+    ).
+
+count_rounds_done(Queue, Waiting, Left) :-
+    (   thread_get_message(Queue, round_done, [timeout(0)])
+    ->  Waiting1 is Waiting - 1,
+        count_rounds_done(Queue, Waiting1, Left)
+    ;   Left = Waiting
+    ).
+
 % Writes an input directory of four dumps: Graph is the graph dump's text,
 % the word dumps hold Words.
 write_dumps(Prefix, Graph, Words) :-
@@ -472,37 +520,27 @@ test(enumeration_outlives_reload,
 
 % Several threads query while the main thread reloads, and preprocesses
 % into the directory that is loaded: every answer stays that of the sample.
-:- dynamic reloading_done/0.
-
-test(threads_query_during_reloads, [cleanup(retractall(reloading_done))]) :-
+test(threads_query_during_reloads) :-
     data_dir(Dir),
     sample_dir(In),
-    findall(T, (between(1, 4, _), thread_create(query_until_done(0), T, [])), Threads),
-    forall(between(1, 200, K),
-           (   K mod 20 =:= 0
-           ->  silently(refgrove_preproc(In, Dir))
-           ;   silently(refgrove_load(Dir))
-           )),
-    assertz(reloading_done),
-    maplist(thread_join, Threads, Statuses),
+    rounds_during_reloads(sample_answers, reload_or_preprocess(In, Dir), 200, Statuses),
     assertion(maplist(==(true), Statuses)).
 
-% Succeeds after at least one round once the reloads are done; fails on
-% the first wrong answer.
-query_until_done(Rounds) :-
-    (   reloading_done
-    ->  Rounds > 0
-    ;   refgrove_stats(33, 539, 21),
-        findall(X, refgrove_cites(X, 110), [115, 116, 119, 124, 127, 137]),
-        refgrove_authors(115, ['P. Erdős', 'A. Rényi']),
-        refgrove_abstract(107, ['Suffix'|_]),
-        refgrove_title(107, ['Memory', 'Efficient', 'Suffix', 'Arrays']),
-        refgrove_get_title_word(107, 3, 'Arrays'),
-        refgrove_get_word(101, 0, 'We'),
-        aggregate_all(count, refgrove_document(_), 33),
-        Next is Rounds + 1,
-        query_until_done(Next)
+reload_or_preprocess(In, Dir, K) :-
+    (   K mod 20 =:= 0
+    ->  silently(refgrove_preproc(In, Dir))
+    ;   silently(refgrove_load(Dir))
     ).
+
+sample_answers :-
+    refgrove_stats(33, 539, 21),
+    findall(X, refgrove_cites(X, 110), [115, 116, 119, 124, 127, 137]),
+    refgrove_authors(115, ['P. Erdős', 'A. Rényi']),
+    refgrove_abstract(107, ['Suffix'|_]),
+    refgrove_title(107, ['Memory', 'Efficient', 'Suffix', 'Arrays']),
+    refgrove_get_title_word(107, 3, 'Arrays'),
+    refgrove_get_word(101, 0, 'We'),
+    aggregate_all(count, refgrove_document(_), 33).
 
 :- end_tests(refgrove_loading).
 
@@ -683,24 +721,15 @@ test(errors) :-
 
 % Threads search while the main thread reloads: every answer stays that
 % of the sample.
-:- dynamic searching_done/0.
-
-test(threads_search_during_reloads, [cleanup(retractall(searching_done))]) :-
+test(threads_search_during_reloads) :-
     load_sample,
     data_dir(Dir),
     refgrove_search('graph*', Expected, [limit(0), mode(or)]),
-    findall(T, (between(1, 4, _), thread_create(search_until_done(Expected, 0), T, [])), Threads),
-    forall(between(1, 100, _), silently(refgrove_load(Dir))),
-    assertz(searching_done),
-    maplist(thread_join, Threads, Statuses),
+    rounds_during_reloads(refgrove_search('graph*', Expected, [limit(0), mode(or)]),
+                          reload(Dir), 100, Statuses),
     assertion(maplist(==(true), Statuses)).
 
-search_until_done(Expected, Rounds) :-
-    (   searching_done
-    ->  Rounds > 0
-    ;   refgrove_search('graph*', Expected, [limit(0), mode(or)]),
-        Next is Rounds + 1,
-        search_until_done(Expected, Next)
-    ).
+reload(Dir, _) :-
+    silently(refgrove_load(Dir)).
 
 :- end_tests(refgrove_search).
