@@ -150,7 +150,7 @@ Json rank_answer(const RefgroveData& d, const httplib::Request& req) {
 ExplorerServer::ExplorerServer(const DataSetSlot& slot, ExplorerOptions options)
     : slot_(slot),
       options_(std::move(options)),
-      access_(std::make_unique<AccessRules>("127.0.0.1", 0, options_.token)),
+      access_(access_rules("127.0.0.1", 0)),
       stop_fd_(eventfd(0, EFD_CLOEXEC)) {
   if (stop_fd_ < 0) throw std::runtime_error("cannot make an eventfd");
   server_.new_task_queue = [this] {
@@ -289,9 +289,14 @@ int ExplorerServer::bind(const std::string& host, int port) {
   const int bound = port == 0 ? server_.bind_to_any_port(host) : server_.bind_to_port(host, port) ? port : -1;
   if (bound < 0) return bound;
   server_.raise_backlog();
-  access_ = std::make_unique<AccessRules>(host, bound, options_.token);
-  for (const std::string& name : options_.allowed_hosts) access_->allow_host(name);
+  access_ = access_rules(host, bound);
   return bound;
+}
+
+std::unique_ptr<AccessRules> ExplorerServer::access_rules(const std::string& host, int port) const {
+  auto rules = std::make_unique<AccessRules>(host, port, options_.token);
+  for (const std::string& name : options_.allowed_hosts) rules->allow_host(name);
+  return rules;
 }
 
 void ExplorerServer::run() { server_.listen_after_bind(); }

@@ -54,7 +54,8 @@ class ExplorerServer {
 
   // What the server answers a client that sends `requests` on one connection
   // and then closes: the responses, one after another. Runs in the calling
-  // thread, without a socket (bind() first, for the Host check).
+  // thread, without a socket. Before bind(), the Host check answers only
+  // the allowed names and the port is taken to be 0.
   std::string answer(std::string_view requests);
 
  private:
@@ -74,7 +75,7 @@ class ExplorerServer {
 
   void add_api_routes();
   void add_page_routes();
-  void add_checks();
+  std::unique_ptr<AccessRules> access_rules(const std::string& host, int port) const;
   // The pre-routing check: true when it has answered (refused) the request.
   bool refused(const httplib::Request& req, httplib::Response& res) const;
 
