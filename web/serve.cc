@@ -1,6 +1,8 @@
 #include "web/serve.h"
 
 #include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <chrono>
 #include <exception>
@@ -28,6 +30,21 @@ DataSetPtr load_prepared(const std::function<DataSetPtr()>& load, std::ostream& 
     err << "refgrove serve: cannot load the data directory: " << e.what() << "\n";
     return nullptr;
   }
+}
+
+// A reload runs on a thread of its own at this lower priority (nice), so
+// that it takes the cores only when the requests leave them: answers keep
+// their pace while a new set is made, and the reload takes longer when the
+// server is busy.
+constexpr int kReloadNice = 10;
+
+DataSetPtr load_behind_requests(const std::function<DataSetPtr()>& load, std::ostream& err) {
+  DataSetPtr set;
+  std::thread([&] {
+    setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kReloadNice);
+    set = load_prepared(load, err);
+  }).join();
+  return set;
 }
 
 // Signals taken by the serving thread with sigwait() rather than by a
@@ -98,7 +115,7 @@ int serve(const ServeOptions& options, const std::function<DataSetPtr()>& load, 
   out << "Serving on " << server_url(options.host, port, token) << " (Ctrl-C stops; SIGHUP reloads)" << std::endl;
   while (signals.wait() == SIGHUP) {
     const auto start = std::chrono::steady_clock::now();
-    if (DataSetPtr next = load_prepared(load, err)) {
+    if (DataSetPtr next = load_behind_requests(load, err)) {
       slot.replace(std::move(next));
       const std::chrono::duration<double> took = std::chrono::steady_clock::now() - start;
       err << "refgrove serve: reloaded in " << std::fixed << std::setprecision(1) << took.count() << " s" << std::endl;
