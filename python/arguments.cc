@@ -70,6 +70,11 @@ std::string text_arg(py::handle value, const char* what) {
   return std::string(utf8, static_cast<std::size_t>(size));
 }
 
+std::string path_arg(std::string path) {
+  if (path.find('\0') != std::string::npos) throw py::value_error("embedded null byte in a path");
+  return path;
+}
+
 std::optional<YearRange> years_arg(py::handle value) {
   if (value.is_none()) return std::nullopt;
   const bool pair = PySequence_Check(value.ptr()) && !PyUnicode_Check(value.ptr()) && !PyBytes_Check(value.ptr()) &&

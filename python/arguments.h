@@ -28,6 +28,10 @@ std::int64_t count_arg(py::handle value, const char* what);
 // A text: a str as UTF-8, bytes as they are.
 std::string text_arg(py::handle value, const char* what);
 
+// A path, which the system's calls end at its first NUL: one with a NUL
+// is a ValueError, as for Python's own open().
+std::string path_arg(std::string path);
+
 // None for all years, else a pair (first, last) of integers, both
 // included; years beyond the int32 range are the range's ends.
 std::optional<YearRange> years_arg(py::handle value);

@@ -185,9 +185,10 @@ std::vector<std::int32_t> authors_named(const DataSetHandle& self, py::handle te
 }  // namespace
 
 void bind_data_set(py::class_<DataSetHandle>& c) {
-  c.def(py::init([](const std::string& path) {
+  c.def(py::init([](std::string path) {
+          path = path_arg(std::move(path));
           const py::gil_scoped_release release;
-          return std::make_unique<DataSetHandle>(path);
+          return std::make_unique<DataSetHandle>(std::move(path));
         }),
         py::arg("data_dir"),
         "Loads the data directory `data_dir` (made by refgrove preprocess).\n\n"

@@ -4,9 +4,11 @@
 
 #include <sstream>
 
+#include "core/utf8_text.h"
 #include "network/citation_graph.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
+#include "python/texts.h"
 #include "search/word_search.h"
 
 namespace refgrove::python {
@@ -27,6 +29,10 @@ const char* class_name(FaceError::Kind kind) {
   }
   return "Error";
 }
+
+// A message as a str: it may quote the bytes of an argument, which are
+// read as refgrove reads all texts (core/utf8_text.h).
+py::str message_text(const std::string& message) { return utf8(as_utf8(message)); }
 
 // Raises refgrove.<name>(*args). Should the package's classes be out of
 // reach, the import's own error is raised instead.
@@ -55,22 +61,22 @@ void register_error_translation() {
     try {
       std::rethrow_exception(thrown);
     } catch (const FaceError& e) {
-      raise(class_name(e.kind), py::make_tuple(e.what()));
+      raise(class_name(e.kind), py::make_tuple(message_text(e.what())));
     } catch (const NetworkArgumentError& e) {
-      raise("ArgumentError", py::make_tuple(e.what()));
+      raise("ArgumentError", py::make_tuple(message_text(e.what())));
     } catch (const SearchUsageError& e) {
-      raise("ArgumentError", py::make_tuple(e.what()));
+      raise("ArgumentError", py::make_tuple(message_text(e.what())));
     } catch (const DumpParseError& e) {
       std::ostringstream message;
       e.write(message);
       // Rows count from 1, columns from 0 as printed; unknown ones are None.
       const py::object row = e.pos.row < 0 ? py::object(py::none()) : py::int_(e.pos.row);
       const py::object column = e.pos.column < 0 ? py::object(py::none()) : py::int_(e.pos.column - 1);
-      raise("DumpSyntaxError", py::make_tuple(message.str(), e.dump, row, column));
+      raise("DumpSyntaxError", py::make_tuple(message_text(message.str()), message_text(e.dump), row, column));
     } catch (const StagedRunError& e) {
-      raise("PreprocessError", py::make_tuple(preprocess_message(e), e.path));
+      raise("PreprocessError", py::make_tuple(message_text(preprocess_message(e)), message_text(e.path)));
     } catch (const PreprocError& e) {
-      raise("PreprocessError", py::make_tuple(e.what(), e.path));
+      raise("PreprocessError", py::make_tuple(message_text(e.what()), message_text(e.path)));
     }
   });
 }

@@ -23,6 +23,7 @@
 #include "core/validate.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
+#include "python/arguments.h"
 #include "python/bindings.h"
 #include "python/errors.h"
 
@@ -64,7 +65,9 @@ py::dict summary(const StagedResult& result) {
   return d;
 }
 
-py::dict preprocess(const std::string& in_dir, const std::string& out_dir, const py::object& progress) {
+py::dict preprocess(std::string in_dir, std::string out_dir, const py::object& progress) {
+  in_dir = path_arg(std::move(in_dir));
+  out_dir = path_arg(std::move(out_dir));
   if (const std::string problem = directory_problem(in_dir); !problem.empty()) {
     throw FaceError(FaceError::Kind::data_directory, in_dir + ": " + problem);
   }
