@@ -1,6 +1,7 @@
 #include "core/data_set.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 #include "core/data_view.h"
@@ -73,4 +74,23 @@ void RefgroveData::index_words() {
 
 std::shared_ptr<RefgroveData> refgrove::load_data_set(const std::string& path, std::ostream& log) {
   return std::make_shared<RefgroveData>(path, log);
+}
+
+std::string refgrove::directory_problem(const std::string& path) {
+  std::error_code ec;
+  const std::filesystem::file_status status = std::filesystem::status(path, ec);
+  if (std::filesystem::is_directory(status)) return "";
+  return std::filesystem::exists(status) ? "not a directory" : "no such directory";
+}
+
+std::string refgrove::data_dir_problem(const std::string& path) {
+  if (const std::string problem = directory_problem(path); !problem.empty()) return path + ": " + problem;
+  const std::string dir = path.empty() || path.back() == '/' ? path : path + "/";
+  for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(dir + name, ec)) {
+      return dir + " is not a data directory: " + name + " is missing (make one with refgrove preprocess)";
+    }
+  }
+  return "";
 }

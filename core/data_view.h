@@ -13,9 +13,12 @@
 #ifndef REFGROVE_CORE_DATA_VIEW_H_
 #define REFGROVE_CORE_DATA_VIEW_H_
 
+#include <cstdint>
 #include <memory>
 #include <ostream>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "core/data_set.h"
 #include "core/data_set_slot.h"
@@ -26,6 +29,15 @@ namespace refgrove {
 // exactly as refgrove_load_1 does, writing its loading messages to `log`
 // instead of standard error.
 std::shared_ptr<RefgroveData> load_data_set(const std::string& path, std::ostream& log);
+
+// "no such directory" or "not a directory" when `path` names no directory;
+// empty when it does.
+std::string directory_problem(const std::string& path);
+// Why `path` cannot be loaded as a data directory, as a sentence naming it
+// ("<path>: no such directory", "<path>/ is not a data directory:
+// graph_data is missing (make one with refgrove preprocess)"); empty when
+// it can. Loading itself takes a missing file for an empty one.
+std::string data_dir_problem(const std::string& path);
 
 void last_did(const RefgroveData& d, int* out);
 int has_graph_info(const RefgroveData& d, int did);
@@ -74,6 +86,9 @@ int author_named_count(const RefgroveData& d, const char* name, int* out);
 int get_author_named(const RefgroveData& d, const char* name, int i, int* author_id);
 int author_prefix_count(const RefgroveData& d, const char* prefix, int* out);
 int get_author_prefix(const RefgroveData& d, const char* prefix, int i, int* author_id);
+// The authors that a name typed by a person names: those named `text`, or,
+// when it ends in "*", those whose name starts with the rest (by name).
+std::span<const std::int32_t> named_authors(const RefgroveData& d, std::string_view text);
 // The abstract as preprocessing wrote it: its header's offset read as the
 // byte position it is, up to the next header's offset (and no further than
 // "word-data" reaches).

@@ -6,7 +6,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <future>
 #include <sstream>
 #include <string>
@@ -78,6 +80,31 @@ bool answers_as_written(const RefgroveData& d) {
          std::strcmp(key, sample ? "smith94" : "a") == 0 && refgrove::cited_by_count(d, cited, &n) && n == 1 &&
          refgrove::get_cited_by(d, cited, 0, &citing) && citing == did &&
          refgrove::get_abstract_word(d, did, 1, &word) && std::strcmp(word, sample ? "study" : "two") == 0;
+}
+
+// What keeps a path from being loaded, in the words the faces show.
+TEST(DataDirProblemTest, NamesThePathAndTheMissingPiece) {
+  TempDir dir;
+  sample_documents().write(dir.path());
+  const std::string plain = dir.path().substr(0, dir.path().size() - 1);  // without its "/"
+  std::ofstream(dir.path() + "a-file") << "x";
+  const struct {
+    std::string path;
+    std::string problem;
+  } cases[] = {
+      {dir.path(), ""},
+      {plain, ""},
+      {dir.path() + "missing", dir.path() + "missing: no such directory"},
+      {dir.path() + "a-file", dir.path() + "a-file: not a directory"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(refgrove::data_dir_problem(c.path), c.problem) << c.path;
+  for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
+    TempDir partial;
+    sample_documents().write(partial.path());
+    std::remove((partial.path() + name).c_str());
+    EXPECT_EQ(refgrove::data_dir_problem(partial.path()),
+              partial.path() + " is not a data directory: " + name + " is missing (make one with refgrove preprocess)");
+  }
 }
 
 // Readers query while the set is replaced by fresh loads over and over:

@@ -53,7 +53,11 @@ DocumentText document_text(const RefgroveData& d, int did) {
   author_count(d, did, &n);
   for (int i = 0; i < n; ++i) {
     const char* name = nullptr;
-    if (get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
+    int id = 0;
+    if (get_author(d, did, i, &name) && get_author_id(d, did, i, &id)) {
+      doc.authors.push_back(as_utf8(name));
+      doc.author_ids.push_back(id);
+    }
   }
   cite_count(d, did, &n);
   for (int i = 0; i < n; ++i) {

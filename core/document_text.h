@@ -26,6 +26,7 @@ struct DocumentText {
   std::optional<int> year;  // none when unknown
   std::string title;
   std::vector<std::string> authors;
+  std::vector<int> author_ids;  // aligned with authors
   std::vector<int> citations;  // cited DIDs, in the record's order
   std::string abstract;
 };

@@ -202,6 +202,12 @@ int get_author_prefix(const RefgroveData& d, const char* prefix, int i, int* aut
   return give_item(authors_with_prefix(d, prefix), i, author_id);
 }
 
+std::span<const std::int32_t> named_authors(const RefgroveData& d, std::string_view text) {
+  if (!text.empty() && text.back() == '*')
+    return author_names(d).with_prefix(*d.graph, text.substr(0, text.size() - 1));
+  return author_names(d).named(*d.graph, text);
+}
+
 int abstract_length(const RefgroveData& d, int did, int* out) {
   return give_count(static_cast<std::size_t>(abstract_run(d, did).words), out);
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/data_set.h"
+#include "core/data_view.h"
 #include "testing/data_files.h"
 #include "testing/test_documents.h"
 
@@ -207,6 +208,14 @@ TEST_F(ReverseQueryTest, AuthorsByNameIgnoringCase) {
     const std::string shown = c.text == nullptr ? "(null)" : c.text;
     EXPECT_EQ(named(c.text), c.named) << shown;
     EXPECT_EQ(with_prefix(c.text), c.with_prefix) << shown;
+    if (c.text == nullptr) continue;
+    // As a person types them: a trailing "*" asks for the prefix.
+    const auto typed = [](std::string_view text) {
+      const std::span<const std::int32_t> ids = refgrove::named_authors(*refgrove_data, text);
+      return std::vector<int>(ids.begin(), ids.end());
+    };
+    EXPECT_EQ(typed(c.text), c.named) << shown;
+    EXPECT_EQ(typed(std::string(c.text) + "*"), c.with_prefix) << shown;
   }
 }
 

@@ -34,6 +34,13 @@ class NetworkArgumentError : public std::invalid_argument {
 // citing (in), or either way (both).
 enum class Direction { out, in, both };
 
+// A citation between two documents, by their DIDs.
+struct CitationEdge {
+  std::int32_t citing;
+  std::int32_t cited;
+  friend bool operator==(const CitationEdge&, const CitationEdge&) = default;
+};
+
 // Lists of int32 per node: the list of node v is items[offsets[v] ..
 // offsets[v + 1]).
 struct Adjacency {
@@ -69,10 +76,16 @@ class CitationGraph {
   // The node of `did`; throws NetworkArgumentError when it has none.
   std::int32_t require_node(std::int64_t did) const;
   std::int32_t did(std::int32_t node) const { return dids_[static_cast<std::size_t>(node)]; }
+  // The DIDs of all nodes, ascending, and their record years (-1 when
+  // unknown), by node.
+  std::span<const std::int32_t> dids() const { return dids_; }
+  std::span<const std::int32_t> years() const { return years_; }
 
   // The nodes cited by `v` and those citing it, each in ascending order.
   std::span<const std::int32_t> cited(std::int32_t v) const { return cited_[v]; }
   std::span<const std::int32_t> citing(std::int32_t v) const { return citing_[v]; }
+  // The lists of cited nodes of all nodes, for handing the whole graph on.
+  const Adjacency& cited_lists() const { return cited_; }
   std::int32_t citation_count(std::int32_t v) const { return static_cast<std::int32_t>(citing(v).size()); }
   // Asks the cache for what is kept of node v (its DID and the places of
   // its lists), and once that is there, for the start of its list of cited

@@ -24,12 +24,6 @@ struct NeighbourNode {
   std::int32_t hops;
 };
 
-struct CitationEdge {
-  std::int32_t citing;
-  std::int32_t cited;
-  friend bool operator==(const CitationEdge&, const CitationEdge&) = default;
-};
-
 struct Neighbourhood {
   // The centre first, then the closest first, then by citation count
   // descending, then by ascending DID; at most `limit` of them.

@@ -12,12 +12,13 @@
 #include <vector>
 
 #include "core/data_view.h"
-#include "testing/test_documents.h"
 #include "network/components.h"
 #include "network/distance.h"
+#include "network/edge_lists.h"
 #include "network/neighbourhood.h"
 #include "network/ranking.h"
 #include "network/similarity.h"
+#include "testing/test_documents.h"
 
 namespace {
 
@@ -145,18 +146,20 @@ struct Model {
   // PageRank as the solution of its linear system, by Gaussian elimination:
   // x = (1 - a)/n + a (sum over citing u of x_u / out(u) + sum over
   // dangling u of x_u / n).
-  std::map<int, double> pagerank() const {
+  std::map<int, double> pagerank(double damping = 0.85) const {
     const std::size_t n = dids.size();
     std::vector<std::vector<double>> m(n, std::vector<double>(n + 1, 0.0));
     std::map<int, int> out;
     for (const auto& [u, v] : edges) ++out[u];
     for (std::size_t i = 0; i < n; ++i) {
       m[i][i] = 1.0;
-      m[i][n] = 0.15 / static_cast<double>(n);
+      m[i][n] = (1.0 - damping) / static_cast<double>(n);
       for (std::size_t j = 0; j < n; ++j) {
         const int u = dids[j];
-        if (out[u] == 0) m[i][j] -= 0.85 / static_cast<double>(n);
-        else if (edges.count({u, dids[i]})) m[i][j] -= 0.85 / out[u];
+        if (out[u] == 0)
+          m[i][j] -= damping / static_cast<double>(n);
+        else if (edges.count({u, dids[i]}))
+          m[i][j] -= damping / out[u];
       }
     }
     for (std::size_t c = 0; c < n; ++c) {
@@ -232,6 +235,35 @@ TEST_P(NetworkTest, CitationCountsAndRankings) {
     EXPECT_THROW(citation_count(d(), did), NetworkArgumentError) << did;
     EXPECT_THROW(pagerank(d(), did), NetworkArgumentError) << did;
   }
+}
+
+TEST_P(NetworkTest, PageRankWithOtherDampings) {
+  const Model& m = *model_;
+  const CitationGraph& g = CitationGraph::of(d());
+  for (const double damping : {0.0, 0.5, 0.85, 0.99}) {
+    const std::map<int, double> expected = m.pagerank(damping);
+    const std::vector<double> got = compute_pagerank(g, damping).scores;
+    ASSERT_EQ(got.size(), m.dids.size()) << damping;
+    for (std::size_t v = 0; v < got.size(); ++v) EXPECT_NEAR(got[v], expected.at(m.dids[v]), 1e-9) << damping;
+  }
+  for (const double damping : {-0.1, 0.995, 1.0, std::nan("")}) {
+    EXPECT_THROW(compute_pagerank(g, damping), NetworkArgumentError) << damping;
+  }
+  EXPECT_EQ(pagerank_scores(d()), compute_pagerank(g).scores);
+}
+
+TEST_P(NetworkTest, EdgeLists) {
+  const Model& m = *model_;
+  std::vector<CitationEdge> expected_citations;
+  for (const auto& [citing, cited] : m.edges) expected_citations.push_back({citing, cited});
+  EXPECT_EQ(citation_edges(d()), expected_citations);
+  EXPECT_EQ(&citation_edges(d()), &citation_edges(d())) << "kept with the set";
+
+  std::vector<CoauthorLink> expected_links;
+  for (int a = 0; a < m.authors; ++a)
+    for (int b = a + 1; b < m.authors; ++b)
+      if (m.coauthors(a, b)) expected_links.push_back({a, b});
+  EXPECT_EQ(coauthor_links(d()), expected_links);
 }
 
 TEST_P(NetworkTest, CitationDistancesAndPaths) {

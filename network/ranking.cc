@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <sstream>
 
 #include "network/citation_graph.h"
 
 namespace refgrove {
 namespace {
 
-constexpr double kDamping = 0.85;
 // The bound on the L1 distance of the scores to the exact ones, below the
 // promised 1e-9 per score, with room for rounding.
 constexpr double kMaxError = 1e-10;
@@ -18,10 +18,14 @@ struct PageRankOfSet {
   std::vector<double> scores;
 };
 
+}  // namespace
+
 const std::vector<double>& pagerank_scores(const RefgroveData& d) {
   const CitationGraph& g = CitationGraph::of(d);
   return d.derived().get<PageRankOfSet>([&] { return PageRankOfSet{compute_pagerank(g).scores}; }).scores;
 }
+
+namespace {
 
 double score_of(const RefgroveData& d, RankBy by, std::int32_t v) {
   if (by == RankBy::citations) return CitationGraph::of(d).citation_count(v);
@@ -72,7 +76,12 @@ RankBy rank_by_from_text(const std::string& text) {
 // reads values already updated in it, and on an acyclic network one sweep
 // solves it. Each sweep is followed by the residual r = 1 + a A y - y,
 // which bounds the error: |y* - y|_1 <= |r|_1 / (1 - a).
-PageRankScores compute_pagerank(const CitationGraph& g) {
+PageRankScores compute_pagerank(const CitationGraph& g, double damping) {
+  if (!(damping >= 0.0 && damping <= kMaxPageRankDamping)) {
+    std::ostringstream message;
+    message << "damping " << damping << " is outside 0 to " << kMaxPageRankDamping;
+    throw NetworkArgumentError(message.str());
+  }
   const auto n = static_cast<std::size_t>(g.size());
   PageRankScores result;
   if (n == 0) return result;
@@ -87,7 +96,7 @@ PageRankScores compute_pagerank(const CitationGraph& g) {
   const auto incoming = [&](std::size_t v) {
     double sum = 0.0;
     for (const std::int32_t u : g.citing(static_cast<std::int32_t>(v))) sum += share[static_cast<std::size_t>(u)];
-    return 1.0 + kDamping * sum;
+    return 1.0 + damping * sum;
   };
   for (;;) {
     for (std::size_t v = n; v-- > 0;) {
@@ -101,7 +110,7 @@ PageRankScores compute_pagerank(const CitationGraph& g) {
       total += y[v];
     }
     // x = y / total moves by at most twice y's error over total.
-    if (2.0 * residual / (1.0 - kDamping) / total <= kMaxError) {
+    if (2.0 * residual / (1.0 - damping) / total <= kMaxError) {
       for (double& value : y) value /= total;
       break;
     }

@@ -1,8 +1,9 @@
 // Ranking papers: by citation count and by PageRank.
 //
-// PageRank here has damping 0.85 and a uniform teleport; the rank of nodes
-// without out-edges is spread uniformly over all nodes, so the scores sum to
-// 1. It is iterated until every score is within 1e-9 of the fixed point.
+// PageRank here has damping 0.85 (another can be asked for) and a uniform
+// teleport; the rank of nodes without out-edges is spread uniformly over all
+// nodes, so the scores sum to 1. It is iterated until every score is within
+// 1e-9 of the fixed point.
 #ifndef REFGROVE_NETWORK_RANKING_H_
 #define REFGROVE_NETWORK_RANKING_H_
 
@@ -44,14 +45,23 @@ double pagerank(const RefgroveData& d, std::int32_t did);
 std::vector<RankedDocument> ranked(const RefgroveData& d, RankBy by, std::int64_t k,
                                    std::optional<YearRange> years = std::nullopt);
 
+inline constexpr double kPageRankDamping = 0.85;
+// The largest damping taken: the sweeps needed grow like 1 / (1 - damping).
+inline constexpr double kMaxPageRankDamping = 0.99;
+
+// The PageRank scores (damping 0.85) of all documents of `d`, by
+// citation-graph node; computed on first use and kept with the set.
+const std::vector<double>& pagerank_scores(const RefgroveData& d);
+
 // The PageRank scores of all nodes of a citation graph (by node number), and
-// the iterations that took. Exposed for the tests and the benchmark.
+// the iterations that took. Throws NetworkArgumentError for a damping
+// outside 0 .. kMaxPageRankDamping.
 struct PageRankScores {
   std::vector<double> scores;
   int iterations = 0;
 };
 class CitationGraph;
-PageRankScores compute_pagerank(const CitationGraph& g);
+PageRankScores compute_pagerank(const CitationGraph& g, double damping = kPageRankDamping);
 
 }  // namespace refgrove
 

@@ -103,6 +103,17 @@ StagedRunError::StagedRunError(Stage stage, std::string target, std::string path
     : PreprocError(std::move(path), std::move(reason)), stage(stage), target(std::move(target)),
       what_(std::move(what)) {}
 
+std::string StagedRunError::outcome() const {
+  switch (stage) {
+    case Stage::setup:
+      return "";
+    case Stage::move:
+      return target + " may now hold files of two runs (refgrove check tells)";
+    default:
+      return target + " is left as it was";
+  }
+}
+
 StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hooks) {
   check_input_dir(request.in_dir);
   std::string error;

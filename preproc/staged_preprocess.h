@@ -59,6 +59,10 @@ class StagedRunError : public PreprocError {
   };
   StagedRunError(Stage stage, std::string target, std::string path, std::string reason, std::string what);
   const char* what() const noexcept override { return what_.c_str(); }
+  // What the failure left of the target, for people: empty when nothing was
+  // written, else "<target> is left as it was" or, after a move cut short,
+  // "<target> may now hold files of two runs (refgrove check tells)".
+  std::string outcome() const;
 
   Stage stage;
   std::string target;  // absolute; as given when it could not be resolved

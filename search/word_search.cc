@@ -203,6 +203,14 @@ std::vector<SearchHit> search_any_term(const WordIndex& index, std::vector<Match
 
 }  // namespace
 
+const char* to_text(SearchMode mode) { return mode == SearchMode::kAnd ? "and" : "or"; }
+
+SearchMode search_mode_from_text(std::string_view text) {
+  for (const SearchMode mode : {SearchMode::kAnd, SearchMode::kOr})
+    if (text == to_text(mode)) return mode;
+  throw SearchUsageError("unknown search mode \"" + std::string(text) + "\" (and or or)");
+}
+
 std::vector<QueryTerm> parse_query(std::string_view query) {
   std::vector<QueryTerm> terms;
   std::unordered_set<std::string> seen;  // folded text, with the "*" of a prefix

@@ -43,12 +43,18 @@ struct SearchHit {
   double score;
 };
 
-// A query that cannot be run: it has no term, a term is a lone "*", or it
-// has more than kMaxQueryTerms distinct terms. The message is for people.
+// A query that cannot be run: it has no term, a term is a lone "*", it has
+// more than kMaxQueryTerms distinct terms, or its mode is unknown. The
+// message is for people.
 class SearchUsageError : public std::invalid_argument {
  public:
   using std::invalid_argument::invalid_argument;
 };
+
+// The text of a mode ("and", "or") and back; from_text throws
+// SearchUsageError for any other text.
+const char* to_text(SearchMode mode);
+SearchMode search_mode_from_text(std::string_view text);
 
 // Bounds the work and memory of one query: each prefix term may hold a
 // merged list as long as the data set's documents.

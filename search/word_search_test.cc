@@ -232,6 +232,15 @@ TEST(WordSearchTest, UnusableQueriesAreUsageErrors) {
   EXPECT_TRUE(refgrove::search(d, "anything at* all", SearchMode::kOr, 0).empty());
 }
 
+TEST(WordSearchTest, ModesByName) {
+  for (const SearchMode mode : {SearchMode::kAnd, SearchMode::kOr}) {
+    EXPECT_EQ(refgrove::search_mode_from_text(refgrove::to_text(mode)), mode);
+  }
+  for (const char* text : {"", "AND", "any", "or "}) {
+    EXPECT_THROW(refgrove::search_mode_from_text(text), refgrove::SearchUsageError) << '"' << text << '"';
+  }
+}
+
 TEST(WordSearchTest, HugeAndMalformedQueriesEndWithAnAnswer) {
   TempDir dir;
   varied_documents().write(dir.path());

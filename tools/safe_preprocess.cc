@@ -99,18 +99,6 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
   return 0;
 }
 
-// What is left of the target after a run that failed.
-std::string outcome(const StagedRunError& e) {
-  switch (e.stage) {
-    case StagedRunError::Stage::setup:
-      return "";
-    case StagedRunError::Stage::move:
-      return e.target + " may now hold files of two runs (refgrove check tells)";
-    default:
-      return e.target + " is left as it was";
-  }
-}
-
 }  // namespace
 
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err) {
@@ -132,7 +120,7 @@ int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::os
     } else {
       fail(err, e.what());
     }
-    const std::string left = outcome(e);
+    const std::string left = e.outcome();
     return left.empty() ? 1 : fail(err, left);
   } catch (const std::exception& e) {  // memory or the system failing
     return fail(err, e.what());

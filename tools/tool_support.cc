@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <charconv>
-#include <filesystem>
+#include <span>
 #include <sstream>
 
 #include "core/data_set.h"
@@ -41,32 +41,17 @@ CLI::Validator decimal(std::int64_t min, std::int64_t max) {
       "");
 }
 
-std::string directory_problem(const std::string& path) {
-  std::error_code ec;
-  const std::filesystem::file_status status = std::filesystem::status(path, ec);
-  if (std::filesystem::is_directory(status)) return "";
-  return std::filesystem::exists(status) ? "not a directory" : "no such directory";
-}
-
 void add_data_dir_args(CLI::App* cmd, DataDirArgs* args) {
   cmd->add_flag("-v,--verbose", args->verbose, "show the loading messages");
   cmd->add_option("DIR", args->dir, "the data directory")->required();
 }
 
 refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args, std::ostream& err) {
-  const std::string dir = as_dir(args.dir);
-  if (const std::string problem = directory_problem(args.dir); !problem.empty()) {
-    err << "refgrove " << command << ": " << args.dir << ": " << problem << "\n";
+  if (const std::string problem = refgrove::data_dir_problem(args.dir); !problem.empty()) {
+    err << "refgrove " << command << ": " << problem << "\n";
     return nullptr;
   }
-  for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(dir + name, ec)) {
-      err << "refgrove " << command << ": " << dir << " is not a data directory: " << name
-          << " is missing (make one with refgrove preprocess)\n";
-      return nullptr;
-    }
-  }
+  const std::string dir = as_dir(args.dir);
   if (args.verbose) return refgrove::load_data_set(dir, err);
   std::ostringstream hidden;
   return refgrove::load_data_set(dir, hidden);
@@ -76,16 +61,12 @@ int add_named_authors(const char* command, const RefgroveData& data, const std::
                       std::vector<int>* ids, std::ostream& err) {
   int status = 0;
   for (const std::string& name : names) {
-    const bool prefix = !name.empty() && name.back() == '*';
-    const std::string text = prefix ? name.substr(0, name.size() - 1) : name;
-    const auto count = prefix ? refgrove::author_prefix_count : refgrove::author_named_count;
-    const auto get = prefix ? refgrove::get_author_prefix : refgrove::get_author_named;
-    int n = 0, id = 0;
-    if (!count(data, text.c_str(), &n)) {
+    const std::span<const std::int32_t> found = refgrove::named_authors(data, name);
+    if (found.empty()) {
       err << "refgrove " << command << ": no author named " << name << "\n";
       status = 1;
     }
-    for (int i = 0; i < n && get(data, text.c_str(), i, &id); ++i) ids->push_back(id);
+    ids->insert(ids->end(), found.begin(), found.end());
   }
   return status;
 }

@@ -30,9 +30,7 @@ std::string parse_decimal(const std::string& text, std::int64_t min, std::int64_
 CLI::Validator decimal(std::int64_t min = std::numeric_limits<std::int32_t>::min(),
                        std::int64_t max = std::numeric_limits<std::int32_t>::max());
 
-// "no such directory" or "not a directory" when `path` names no directory;
-// empty when it does.
-std::string directory_problem(const std::string& path);
+using refgrove::directory_problem;
 
 // Appends to `ids` the authors that each of `names` names, ignoring case; a
 // name ending in "*" names the authors whose name starts with the rest.

@@ -1,0 +1,131 @@
+"""The package's analyses against networkx, on generated sets (papers citing
+older papers) and random ones (cycles, self-citations, repeated and
+dangling citations). The graphs for networkx are built from the documents'
+own fields (cites, author ids), not from refgrove's edge lists, which are
+checked against them too."""
+import itertools
+import random
+
+import networkx as nx
+import numpy as np
+import pytest
+
+import refgrove
+from conftest import generated_dir, random_dir
+
+
+@pytest.fixture(scope="module", params=[("generated", 2000, 1), ("random", 300, 21), ("random", 300, 22)],
+                ids=lambda p: f"{p[0]}{p[2]}")
+def case(request, tmp_path_factory):
+    kind, docs, seed = request.param
+    path = generated_dir(tmp_path_factory, docs, seed) if kind == "generated" else random_dir(tmp_path_factory, seed)
+    ds = refgrove.load(path)
+    dids = ds.dids.tolist()
+    graph = nx.DiGraph()
+    graph.add_nodes_from(dids)
+    coauthors = nx.Graph()
+    coauthors.add_nodes_from(range(len(ds.components("coauthor"))))
+    known = set(dids)
+    for did in dids:
+        doc = ds.document(did)
+        graph.add_edges_from((did, cited) for cited in doc.cites if cited in known)
+        coauthors.add_edges_from(itertools.combinations(sorted(set(doc.author_ids)), 2))
+    yield ds, graph, coauthors, random.Random(seed)
+    ds.close()
+
+
+def test_edge_lists(case):
+    ds, graph, coauthors, _ = case
+    assert ds.citation_edges().tolist() == sorted(map(list, graph.edges()))
+    assert ds.coauthor_edges().tolist() == sorted(sorted(e) for e in coauthors.edges())
+    counts = dict(zip(ds.dids.tolist(), ds.citation_counts().tolist()))
+    assert counts == dict(graph.in_degree())
+
+
+@pytest.mark.parametrize("damping", [0.85, 0.5, 0.0])
+def test_pagerank(case, damping):
+    ds, graph, _, _ = case
+    expected = nx.pagerank(graph, alpha=damping, tol=1e-15, max_iter=100000)
+    got = dict(zip(ds.dids.tolist(), ds.pagerank(damping).tolist()))
+    worst = max(abs(got[v] - expected[v]) for v in graph)
+    assert worst < 1e-8, f"damping {damping}: off by {worst}"
+
+
+@pytest.mark.parametrize("direction", ["out", "in", "both"])
+def test_citation_distances(case, direction):
+    ds, graph, _, rng = case
+    walked = {"out": graph, "in": graph.reverse(copy=False), "both": graph.to_undirected(as_view=True)}[direction]
+    nodes = list(graph)
+    for a, b in ((rng.choice(nodes), rng.choice(nodes)) for _ in range(60)):
+        try:
+            expected = nx.shortest_path_length(walked, a, b)
+        except nx.NetworkXNoPath:
+            expected = None
+        assert ds.citation_distance(a, b, direction) == expected, (a, b)
+        path = ds.citation_path(a, b, direction)
+        assert (path is None) == (expected is None) and (path is None or len(path) == expected + 1)
+        if path:
+            assert path[0] == a and path[-1] == b and all(walked.has_edge(u, v) for u, v in zip(path, path[1:]))
+
+
+def test_collaboration_distances(case):
+    ds, _, coauthors, rng = case
+    authors = list(coauthors)
+    for a, b in ((rng.choice(authors), rng.choice(authors)) for _ in range(60)):
+        try:
+            expected = nx.shortest_path_length(coauthors, a, b)
+        except nx.NetworkXNoPath:
+            expected = None
+        assert ds.collaboration_distance(a, b) == expected, (a, b)
+        path = ds.collaboration_path(a, b)
+        if path is not None:
+            assert len(path.documents) == expected and (path.authors[0], path.authors[-1]) == (a, b)
+            for x, y, did in zip(path.authors, path.authors[1:], path.documents):
+                assert {x, y} <= set(ds.document(did).author_ids)
+
+
+def same_partition(labels, components, ids):
+    """Whether `labels` (aligned with `ids`) split the ids as `components`
+    do, numbered by size descending, then by smallest member."""
+    by_label = {}
+    for node, label in zip(ids, labels.tolist()):
+        by_label.setdefault(label, set()).add(node)
+    expected = sorted((set(c) for c in components), key=lambda c: (-len(c), min(c)))
+    return [by_label[i] for i in range(len(by_label))] == expected
+
+
+def test_components(case):
+    ds, graph, coauthors, _ = case
+    assert same_partition(ds.components("citation"), nx.weakly_connected_components(graph), ds.dids.tolist())
+    assert same_partition(ds.components("coauthor"), nx.connected_components(coauthors), list(coauthors))
+
+
+@pytest.mark.parametrize("direction", ["out", "in", "both"])
+def test_neighbourhoods(case, direction):
+    ds, graph, _, rng = case
+    walked = {"out": graph, "in": graph.reverse(copy=False), "both": graph.to_undirected(as_view=True)}[direction]
+    for did in rng.sample(list(graph), 10):
+        for hops in (1, 2, 3):
+            expected = nx.single_source_shortest_path_length(walked, did, cutoff=hops)
+            got = ds.neighbourhood(did, hops=hops, direction=direction, limit=None)
+            assert dict(got.nodes) == expected and not got.truncated, (did, hops)
+            assert got.edges == sorted(graph.subgraph(expected).edges()), (did, hops)
+
+
+def test_similarity_counts(case):
+    ds, graph, _, rng = case
+    for x in rng.sample(list(graph), 25):
+        cocited = {}
+        for z in graph.predecessors(x):
+            for y in graph.successors(z):
+                if y != x:
+                    cocited[y] = cocited.get(y, 0) + 1
+        coupled = {}
+        for z in graph.successors(x):
+            for y in graph.predecessors(z):
+                if y != x:
+                    coupled[y] = coupled.get(y, 0) + 1
+        for by, counts in (("cocitation", cocited), ("coupling", coupled)):
+            expected = sorted(counts.items(), key=lambda item: (-item[1], item[0]))
+            assert ds.similar(x, by=by, limit=None) == expected, (x, by)
+            assert np.all(np.diff([n for _, n in ds.similar(x, by=by, limit=5)]) <= 0)
