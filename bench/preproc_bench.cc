@@ -24,7 +24,7 @@
 #include <vector>
 
 #include "preproc/refgrove_preproc.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 
 namespace {
 

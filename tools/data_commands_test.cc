@@ -8,7 +8,7 @@
 #include "core/data_set.h"
 #include "testing/data_dir_builder.h"
 #include "tools/tool_test_util.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "tools/commands.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 #include "tools/tool_support.h"
 
 namespace {

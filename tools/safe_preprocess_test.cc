@@ -24,7 +24,7 @@
 #include "testing/child_process.h"
 #include "testing/data_files.h"
 #include "testing/test_files.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 // are not ASCII. The output depends only on the document count and the
 // seed: the generator uses no library distribution, so it is the same on
 // every platform.
-#ifndef REFGROVE_TOOLS_DUMP_GENERATOR_H_
-#define REFGROVE_TOOLS_DUMP_GENERATOR_H_
+#ifndef REFGROVE_GENERATE_DUMP_GENERATOR_H_
+#define REFGROVE_GENERATE_DUMP_GENERATOR_H_
 
 #include <cstdint>
 #include <string>
@@ -32,4 +32,4 @@ struct DumpGeneratorResult {
 bool generate_dumps(const std::string& dir, const DumpGeneratorOptions& options, DumpGeneratorResult* result,
                     std::string* error);
 
-#endif  // REFGROVE_TOOLS_DUMP_GENERATOR_H_
+#endif  // REFGROVE_GENERATE_DUMP_GENERATOR_H_

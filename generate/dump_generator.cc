@@ -1,4 +1,4 @@
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 
 #include <algorithm>
 #include <cmath>
