@@ -6,6 +6,8 @@
 #include "core/data_view.h"
 #include "graph/did_index.h"
 
+namespace refgrove {
+
 RefgroveData::RefgroveData(const std::string& path, std::ostream& log) {
   word_data = std::make_unique<WordData>(path, log);
   const std::string graph_file_name = path + kGraphFile;
@@ -71,6 +73,8 @@ void RefgroveData::index_words() {
   }
 }
 
-std::shared_ptr<RefgroveData> refgrove::load_data_set(const std::string& path, std::ostream& log) {
+std::shared_ptr<RefgroveData> load_data_set(const std::string& path, std::ostream& log) {
   return std::make_shared<RefgroveData>(path, log);
 }
+
+}  // namespace refgrove

@@ -4,6 +4,8 @@
 
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 using DataSetTest = LoadedDataTest;
@@ -63,3 +65,5 @@ TEST_F(DataSetTest, ImplausibleDidsAreNotIndexed) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -16,6 +16,8 @@
 #include "testing/data_files.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 using DataViewTest = LoadedDataTest;
@@ -143,3 +145,5 @@ TEST(DataSetSlotTest, ReplacedSetIsFreedWhenItsLastHolderMovesOn) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -13,6 +13,8 @@
 #include "testing/data_files.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr int kUntouched = 77;
@@ -276,3 +278,5 @@ TEST_F(ReverseQueryTest, SampleAbstractsAgainstWordCount) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -7,6 +7,8 @@
 #include <memory>
 #include <vector>
 
+namespace refgrove {
+
 namespace {
 
 // splitmix64: small, fast, and fully specified, unlike the library's
@@ -297,3 +299,5 @@ bool generate_dumps(const std::string& dir, const DumpGeneratorOptions& options,
   *result = r;
   return true;
 }
+
+}  // namespace refgrove

@@ -16,6 +16,8 @@
 #include <cstdint>
 #include <string>
 
+namespace refgrove {
+
 struct DumpGeneratorOptions {
   std::int64_t docs = 1000;
   std::uint64_t seed = 2002;
@@ -31,5 +33,7 @@ struct DumpGeneratorResult {
 // Returns false, with a message in `error`, when a file cannot be written.
 bool generate_dumps(const std::string& dir, const DumpGeneratorOptions& options, DumpGeneratorResult* result,
                     std::string* error);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GENERATE_DUMP_GENERATOR_H_

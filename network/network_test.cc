@@ -19,9 +19,9 @@
 #include "network/ranking.h"
 #include "network/similarity.h"
 
-namespace {
+namespace refgrove {
 
-using namespace refgrove;
+namespace {
 
 constexpr int kNone = INT_MAX / 4;  // "unreachable" in the distance tables
 
@@ -398,3 +398,5 @@ INSTANTIATE_TEST_SUITE_P(Graphs, NetworkTest, ::testing::ValuesIn(graph_cases())
 });
 
 }  // namespace
+
+}  // namespace refgrove

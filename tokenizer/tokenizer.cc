@@ -8,6 +8,8 @@
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
+
+namespace refgrove {
 #define REFGROVE_VECTOR_SCAN 1
 #endif
 
@@ -681,3 +683,5 @@ TokenizerLangElem* Tokenizer::try_find_lang_elem(int sub) {
   pushback_token();
   return nullptr;
 }
+
+}  // namespace refgrove

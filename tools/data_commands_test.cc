@@ -10,6 +10,8 @@
 #include "tools/tool_test_util.h"
 #include "generate/dump_generator.h"
 
+namespace refgrove {
+
 namespace {
 
 ToolRun RunCommand(std::vector<std::string> args) { return run_tool(std::move(args)); }
@@ -178,3 +180,5 @@ TEST(DumpGeneratorTest, DeterministicDumpsThatPreprocessCleanly) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

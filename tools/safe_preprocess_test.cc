@@ -26,6 +26,8 @@
 #include "testing/test_files.h"
 #include "generate/dump_generator.h"
 
+namespace refgrove {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -273,3 +275,5 @@ TEST_F(SafePreprocessTest, OnATerminalTheModulesMessagesNeedVerbose) {
 }
 
 }  // namespace
+
+}  // namespace refgrove
