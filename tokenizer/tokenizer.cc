@@ -8,10 +8,10 @@
 
 #if defined(__x86_64__) && defined(__GNUC__)
 #include <immintrin.h>
-
-namespace refgrove {
 #define REFGROVE_VECTOR_SCAN 1
 #endif
+
+namespace refgrove {
 
 namespace {
 
