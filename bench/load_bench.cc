@@ -30,6 +30,8 @@
 #include "words/string_table.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr int kDocuments = 200000;
@@ -209,4 +211,7 @@ BENCHMARK(BM_GetWord);
 
 }  // namespace
 
+}  // namespace refgrove
+
 BENCHMARK_MAIN();
+

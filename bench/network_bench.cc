@@ -30,9 +30,10 @@
 #include "network/ranking.h"
 #include "network/similarity.h"
 
+namespace refgrove {
+
 namespace {
 
-using namespace refgrove;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kSamples = 1000;
@@ -93,7 +94,7 @@ void write_graphs(const CitationGraph& g, const CoauthorGraph& co, const std::st
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int run_program(int argc, char** argv) {
   if (argc != 3) {
     std::cerr << "usage: network_bench DATA_DIR/ OUT_DIR/\n";
     return 2;
@@ -155,3 +156,7 @@ int main(int argc, char** argv) {
   write_graphs(g, co, argv[2]);
   return 0;
 }
+
+}  // namespace refgrove
+
+int main(int argc, char** argv) { return refgrove::run_program(argc, argv); }

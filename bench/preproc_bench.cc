@@ -24,7 +24,9 @@
 #include <vector>
 
 #include "preproc/refgrove_preproc.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
+
+namespace refgrove {
 
 namespace {
 
@@ -76,7 +78,7 @@ Timing run_wc(const std::string& dir, bool c_locale) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int run_program(int argc, char** argv) {
   DumpGeneratorOptions options;
   options.docs = 200000;
   int runs = 3;
@@ -158,3 +160,7 @@ int main(int argc, char** argv) {
   }
   return 0;
 }
+
+}  // namespace refgrove
+
+int main(int argc, char** argv) { return refgrove::run_program(argc, argv); }

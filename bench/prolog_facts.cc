@@ -25,6 +25,8 @@
 
 #include "core/refgrove.h"
 
+namespace refgrove {
+
 namespace {
 
 // A quoted atom in the syntax read by consult: quotes and backslashes
@@ -144,7 +146,7 @@ bool write_sample_dids(const std::string& path, const std::vector<int>& dids, in
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int run_program(int argc, char** argv) {
   if (argc < 4 || argc > 6) {
     std::cerr << "usage: prolog_facts DATA_DIR FACTS_FILE DIDS_FILE [COUNT [SEED]]\n";
     return 2;
@@ -170,3 +172,7 @@ int main(int argc, char** argv) {
   }
   return 0;
 }
+
+}  // namespace refgrove
+
+int main(int argc, char** argv) { return refgrove::run_program(argc, argv); }

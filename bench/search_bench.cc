@@ -29,6 +29,8 @@
 #include "search/text_folding.h"
 #include "search/word_search.h"
 
+namespace refgrove {
+
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -152,7 +154,7 @@ double percentile(std::vector<double> v, double p) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int run_program(int argc, char** argv) {
   if (argc < 2) {
     std::fprintf(stderr, "usage: search_bench DATA_DIR [REPEATS]\n");
     return 2;
@@ -240,3 +242,7 @@ int main(int argc, char** argv) {
   std::printf("slowest refgrove query: %.3f ms, %s\n", slowest.first, slowest.second.c_str());
   return mismatches == 0 ? 0 : 1;
 }
+
+}  // namespace refgrove
+
+int main(int argc, char** argv) { return refgrove::run_program(argc, argv); }

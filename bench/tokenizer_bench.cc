@@ -32,6 +32,8 @@
 
 #include "tokenizer/stream_tokenizer.h"
 
+namespace refgrove {
+
 namespace {
 
 struct DumpFile {
@@ -133,7 +135,7 @@ double WcOnce() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int run_program(int argc, char** argv) {
   int runs = 5;
   int cpu = sched_getcpu();
   for (int i = 1; i < argc; ++i) {
@@ -181,3 +183,7 @@ int main(int argc, char** argv) {
   rmdir(Dump().dir.c_str());
   return status;
 }
+
+}  // namespace refgrove
+
+int main(int argc, char** argv) { return refgrove::run_program(argc, argv); }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace refgrove {
+
 namespace {
 
 unsigned char fold(char c) {
@@ -52,3 +54,5 @@ std::span<const std::int32_t> AuthorNameIndex::with_prefix(const RefgroveGraph& 
   });
   return {first, last};
 }
+
+}  // namespace refgrove

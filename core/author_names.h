@@ -15,6 +15,8 @@
 
 #include "graph/graph_file.h"
 
+namespace refgrove {
+
 class AuthorNameIndex {
  public:
   explicit AuthorNameIndex(const RefgroveGraph& graph);
@@ -28,5 +30,7 @@ class AuthorNameIndex {
  private:
   std::vector<std::int32_t> ids_;  // by folded name, then id
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_CORE_AUTHOR_NAMES_H_

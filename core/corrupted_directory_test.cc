@@ -21,6 +21,8 @@
 #include "testing/query_everything.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr auto kTimePerVariant = std::chrono::seconds(5);
@@ -116,3 +118,5 @@ TEST(CorruptedDirectoryTest, LoadsQueriesPrintsAndChecksEveryVariant) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

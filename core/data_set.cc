@@ -7,6 +7,8 @@
 #include "core/data_view.h"
 #include "graph/did_index.h"
 
+namespace refgrove {
+
 RefgroveData::RefgroveData(const std::string& path, std::ostream& log) {
   word_data = std::make_unique<WordData>(path, log);
   const std::string graph_file_name = path + kGraphFile;
@@ -72,18 +74,18 @@ void RefgroveData::index_words() {
   }
 }
 
-std::shared_ptr<RefgroveData> refgrove::load_data_set(const std::string& path, std::ostream& log) {
+std::shared_ptr<RefgroveData> load_data_set(const std::string& path, std::ostream& log) {
   return std::make_shared<RefgroveData>(path, log);
 }
 
-std::string refgrove::directory_problem(const std::string& path) {
+std::string directory_problem(const std::string& path) {
   std::error_code ec;
   const std::filesystem::file_status status = std::filesystem::status(path, ec);
   if (std::filesystem::is_directory(status)) return "";
   return std::filesystem::exists(status) ? "not a directory" : "no such directory";
 }
 
-std::string refgrove::data_dir_problem(const std::string& path) {
+std::string data_dir_problem(const std::string& path) {
   if (const std::string problem = directory_problem(path); !problem.empty()) return path + ": " + problem;
   const std::string dir = path.empty() || path.back() == '/' ? path : path + "/";
   for (const char* name : {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile}) {
@@ -94,3 +96,5 @@ std::string refgrove::data_dir_problem(const std::string& path) {
   }
   return "";
 }
+
+}  // namespace refgrove

@@ -27,6 +27,8 @@
 #include "graph/graph_file.h"
 #include "words/word_data.h"
 
+namespace refgrove {
+
 struct WordGraphDataIds {
   std::int32_t graph_index = -1;  // position in graph->docs, or -1
   std::int32_t word_index = -1;   // position in word_data->doc_info, or -1
@@ -92,5 +94,7 @@ class RefgroveData {
   BuiltOnce<KeyIndex> key_docs_;
   DerivedStructures derived_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_CORE_DATA_SET_H_

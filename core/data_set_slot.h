@@ -22,9 +22,9 @@
 #include <memory>
 #include <mutex>
 
-class RefgroveData;
-
 namespace refgrove {
+
+class RefgroveData;
 
 using DataSetPtr = std::shared_ptr<const RefgroveData>;
 

@@ -6,6 +6,8 @@
 
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 using DataSetTest = LoadedDataTest;
@@ -69,3 +71,5 @@ TEST_F(DataSetTest, ImplausibleDidsAreNotIndexed) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

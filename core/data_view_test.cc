@@ -18,6 +18,8 @@
 #include "testing/data_files.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 using DataViewTest = LoadedDataTest;
@@ -170,3 +172,5 @@ TEST(DataSetSlotTest, ReplacedSetIsFreedWhenItsLastHolderMovesOn) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -1,5 +1,7 @@
 #include "core/derived_structures.h"
 
+namespace refgrove {
+
 // Entries are never removed, and each lives behind its own pointer, so a
 // reference handed out stays valid while other types are added.
 DerivedStructures::Entry& DerivedStructures::entry(std::type_index type) const {
@@ -10,3 +12,5 @@ DerivedStructures::Entry& DerivedStructures::entry(std::type_index type) const {
   entries_.emplace_back(type, std::make_unique<Entry>());
   return *entries_.back().second;
 }
+
+}  // namespace refgrove

@@ -17,6 +17,8 @@
 #include <utility>
 #include <vector>
 
+namespace refgrove {
+
 class DerivedStructures {
  public:
   DerivedStructures() = default;
@@ -44,5 +46,7 @@ class DerivedStructures {
   mutable std::mutex mutex_;  // guards entries_, not the builds
   mutable std::vector<std::pair<std::type_index, std::unique_ptr<Entry>>> entries_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_CORE_DERIVED_STRUCTURES_H_

@@ -7,6 +7,8 @@
 #include <thread>
 #include <vector>
 
+namespace refgrove {
+
 namespace {
 
 struct Squares {
@@ -45,3 +47,5 @@ TEST(DerivedStructures, AFailedBuildIsTriedAgain) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace refgrove {
+
 const RefgroveGraphData* graph_record(const RefgroveData& d, int did) {
   const WordGraphDataIds* e = d.entry(did);
   if (e == nullptr || e->graph_index < 0) return nullptr;
@@ -36,3 +38,5 @@ const char* word_text(const RefgroveData& d, std::uint32_t id) {
 }
 
 const char* author_text(const RefgroveData& d, int author_id) { return d.graph->author_name(author_id); }
+
+}  // namespace refgrove

@@ -8,6 +8,8 @@
 
 #include "core/data_set.h"
 
+namespace refgrove {
+
 // The run of word ids of one word-data header: positions start ..
 // start + count - 1 of "word-data", counted in word ids.
 struct WordRun {
@@ -38,5 +40,7 @@ AbstractRun abstract_run(const RefgroveData& d, int did);
 // The text of a word id or an author id, or null outside its table.
 const char* word_text(const RefgroveData& d, std::uint32_t id);
 const char* author_text(const RefgroveData& d, int author_id);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_CORE_LOOKUP_H_

@@ -8,6 +8,8 @@
 #include <sstream>
 #include <string>
 
+namespace refgrove {
+
 namespace {
 
 std::string read_source_file(const std::string& name) {
@@ -45,3 +47,5 @@ TEST(PredicateTable, EveryListNamesEveryPredicate) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -5,6 +5,8 @@
 #include "core/data_set.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 using PrintingTest = LoadedDataTest;
@@ -49,3 +51,5 @@ TEST_F(PrintingTest, EmptyTitleAndEmptyRun) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

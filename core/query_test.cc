@@ -7,6 +7,8 @@
 #include "core/data_set.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr int kUntouched = 77;
@@ -132,3 +134,5 @@ TEST(QueryWithoutData, EverythingIsAbsent) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

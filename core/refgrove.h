@@ -17,7 +17,10 @@
 #define REFGROVE_VISIBLE __attribute__((visibility("default")))
 
 #ifdef __cplusplus
+namespace refgrove {
 class RefgroveData;
+}
+typedef refgrove::RefgroveData RefgroveData;
 extern "C" {
 #else
 typedef struct RefgroveData RefgroveData;

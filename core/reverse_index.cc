@@ -4,6 +4,8 @@
 
 #include "core/data_set.h"
 
+namespace refgrove {
+
 namespace {
 
 // Calls visit(record) for each record reachable through the DID index, by
@@ -100,3 +102,5 @@ std::span<const std::int32_t> KeyIndex::find(const RefgroveGraph& graph, std::st
   const auto last = std::partition_point(first, positions_.end(), [&](std::int32_t p) { return key_of(p) == key; });
   return {first, last};
 }
+
+}  // namespace refgrove

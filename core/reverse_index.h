@@ -18,6 +18,8 @@
 
 #include "graph/graph_file.h"
 
+namespace refgrove {
+
 struct WordGraphDataIds;
 
 // Values grouped by an int32 key: the distinct keys in ascending order, and
@@ -78,5 +80,7 @@ class BuiltOnce {
   mutable std::once_flag once_;
   mutable T value_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_CORE_REVERSE_INDEX_H_

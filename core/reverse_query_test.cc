@@ -14,6 +14,8 @@
 #include "testing/data_files.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr int kUntouched = 77;
@@ -285,3 +287,5 @@ TEST_F(ReverseQueryTest, SampleAbstractsAgainstWordCount) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

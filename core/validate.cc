@@ -12,6 +12,8 @@
 #include "words/mapped_file.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 std::string Finding::text() const {
   std::ostringstream out;
   out << file;
@@ -393,3 +395,5 @@ std::vector<Finding> validate_data_dir(const std::string& dir) {
   check_graph(DataFile(dir, kGraphFile), words, report);
   return report.finish();
 }
+
+}  // namespace refgrove

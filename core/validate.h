@@ -23,6 +23,8 @@
 #include <string>
 #include <vector>
 
+namespace refgrove {
+
 struct Finding {
   std::string file;     // the data file's name, e.g. "word-idx"
   std::int64_t offset;  // byte offset in the file; -1 for the file as a whole
@@ -39,5 +41,7 @@ inline constexpr int kMaxFindingsPerKind = 10;
 // Checks the data directory `dir`, a prefix to which the file names are
 // appended. An empty result means the directory is consistent.
 std::vector<Finding> validate_data_dir(const std::string& dir);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_CORE_VALIDATE_H_

@@ -12,6 +12,8 @@
 #include "testing/data_files.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 std::string all_text(const std::vector<Finding>& findings) {
@@ -146,3 +148,5 @@ TEST(ValidateTest, FindsAWordIdOutsideTheTableAnywhere) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

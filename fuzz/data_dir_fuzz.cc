@@ -23,6 +23,8 @@
 #include "network/refgrove_network.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 // Searches the first words of the first documents, whole and as prefixes,
@@ -80,7 +82,7 @@ void analyse_some() {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzz_one_input(const std::uint8_t* data, std::size_t size) {
   if (size < 12) return 0;
   const std::string& dir = fuzz::scratch_dir();
   const char* const names[] = {kWordTableFile, kWordIdxFile, kWordDataFile};
@@ -100,4 +102,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // What passes the check must load into data that answers every item.
   if (validate_data_dir(dir).empty()) FUZZ_CHECK(unanswered_items().empty());
   return 0;
+}
+
+}  // namespace refgrove
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return refgrove::fuzz_one_input(data, size);
 }

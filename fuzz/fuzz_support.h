@@ -15,6 +15,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+namespace refgrove {
+
 namespace fuzz {
 
 // A stream buffer that drops everything written to it.
@@ -96,5 +98,7 @@ class Choices {
 };
 
 }  // namespace fuzz
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_FUZZ_FUZZ_SUPPORT_H_

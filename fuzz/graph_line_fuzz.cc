@@ -13,6 +13,8 @@
 #include "graph/graph_file.h"
 #include "words/compacted_string_table.h"
 
+namespace refgrove {
+
 namespace {
 
 void check_round_trip(const RefgroveGraphData& r) {
@@ -40,7 +42,7 @@ void check_round_trip(const RefgroveGraphData& r) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzz_one_input(const std::uint8_t* data, std::size_t size) {
   std::istringstream in(std::string(reinterpret_cast<const char*>(data), size), std::ios::in | std::ios::binary);
   const auto t = create_refgrovegraph_tokenizer(in);
   Arena arena;
@@ -72,4 +74,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FUZZ_CHECK(graph.docs.size() == docs.size());
   FUZZ_CHECK(graph.author_table->count == authors.size());
   return 0;
+}
+
+}  // namespace refgrove
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return refgrove::fuzz_one_input(data, size);
 }

@@ -19,6 +19,8 @@
 #include "tokenizer/string_tokenizer.h"
 #include "tokenizer/tokenizer.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr std::size_t kMaxHeader = 64;
@@ -117,7 +119,7 @@ void drive(Tokenizer& t, fuzz::Choices& choices, std::size_t text_size) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzz_one_input(const std::uint8_t* data, std::size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
   std::string header, text = input;
   const std::size_t nl = input.find('\n');
@@ -140,4 +142,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (flags & 2) t->select_language(0);
   drive(*t, choices, text.size());
   return 0;
+}
+
+}  // namespace refgrove
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return refgrove::fuzz_one_input(data, size);
 }

@@ -10,6 +10,8 @@
 #include "graph/graph_dump.h"
 #include "preproc/word_preproc.h"
 
+namespace refgrove {
+
 namespace {
 
 // A token is one single-character token, or a run of characters none of
@@ -36,7 +38,7 @@ void read_all(Tokenizer& t) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzz_one_input(const std::uint8_t* data, std::size_t size) {
   if (size == 0) return 0;
   std::istringstream in(std::string(reinterpret_cast<const char*>(data) + 1, size - 1),
                         std::ios::in | std::ios::binary);
@@ -54,4 +56,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     FUZZ_CHECK(false);
   }
   return 0;
+}
+
+}  // namespace refgrove
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return refgrove::fuzz_one_input(data, size);
 }

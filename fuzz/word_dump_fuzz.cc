@@ -16,6 +16,8 @@
 #include "words/string_table.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 std::string read_back(const std::string& path) {
@@ -44,7 +46,7 @@ void check_output(const std::string& data, const std::string& idx, const StringT
 
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+int fuzz_one_input(const std::uint8_t* data, std::size_t size) {
   const std::string& dir = fuzz::scratch_dir();
   const std::string dump = dir + "word-dump.txt";
   fuzz::write_file(dump, data, size);
@@ -69,4 +71,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const CompactedStringTable back(in);
   FUZZ_CHECK(back.count == table.size());
   return 0;
+}
+
+}  // namespace refgrove
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return refgrove::fuzz_one_input(data, size);
 }

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <utility>
 
+namespace refgrove {
+
 void* Arena::allocate(std::size_t n, std::size_t align) {
   const std::size_t pad = (0 - reinterpret_cast<std::uintptr_t>(next_)) & (align - 1);
   if (pad + n > left_) {
@@ -29,3 +31,5 @@ void Arena::absorb(Arena& other) {
   other.next_ = nullptr;
   other.left_ = 0;
 }
+
+}  // namespace refgrove

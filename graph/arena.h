@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+namespace refgrove {
+
 class Arena {
  public:
   Arena() = default;
@@ -43,5 +45,7 @@ class Arena {
   char* next_ = nullptr;
   std::size_t left_ = 0;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GRAPH_ARENA_H_

@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace refgrove {
+
 inline constexpr std::size_t kDidIndexEntriesPerDocument = 16;
 inline constexpr std::size_t kMinDidIndexSize = std::size_t{1} << 21;
 
@@ -28,5 +30,7 @@ inline bool did_indexable(std::int32_t did, std::size_t limit) {
 // Whether `did` may be unindexed in some data set: it is negative or at or
 // beyond the smallest limit. Preprocessing keeps only these DIDs.
 inline bool did_may_be_unindexed(std::int32_t did) { return !did_indexable(did, kMinDidIndexSize); }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GRAPH_DID_INDEX_H_

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace refgrove {
+
 RefgroveGraphLanguage::RefgroveGraphLanguage() {
   single_char_tokens.add('\n');
   space_chars.add_all(" \t\r");
@@ -121,3 +123,5 @@ RefgroveGraphData* GraphLineParser::parse(Tokenizer& t) {
 RefgroveGraphData* parse_graph_record(Arena& arena, StringTable* words, StringTable* authors, Tokenizer& t) {
   return GraphLineParser(&arena, words, authors).parse(t);
 }
+
+}  // namespace refgrove

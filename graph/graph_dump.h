@@ -28,6 +28,8 @@
 #include "tokenizer/stream_tokenizer.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 inline constexpr char kGraphDumpFile[] = "graph-data-aug-2002.txt";
 
 // The dump's language: the line end is a single-character token, blank, tab
@@ -96,5 +98,7 @@ class GraphLineParser {
   std::vector<WordId> title_;
   std::vector<std::int32_t> author_ids_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GRAPH_GRAPH_DUMP_H_

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace refgrove {
+
 namespace {
 
 // A parsed record with its ids turned back into text.
@@ -146,3 +148,5 @@ TEST(GraphDumpTest, StringsKeepTheirFirstIds) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -6,6 +6,8 @@
 
 #include "words/byte_io.h"
 
+namespace refgrove {
+
 namespace {
 constexpr std::size_t kSmallestRecordBytes = 22;
 }
@@ -81,3 +83,5 @@ int RefgroveGraph::findDid(int did) const {
     }
   }
 }
+
+}  // namespace refgrove

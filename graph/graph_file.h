@@ -23,6 +23,8 @@
 #include "words/compacted_string_table.h"
 #include "words/mapped_file.h"
 
+namespace refgrove {
+
 inline constexpr char kGraphFile[] = "graph_data";
 
 // Writes a whole graph file: the author table, the record count, the records.
@@ -63,5 +65,7 @@ class RefgroveGraph {
   std::vector<RefgroveGraphData> records_;
   Arena arena_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GRAPH_GRAPH_FILE_H_

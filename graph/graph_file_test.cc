@@ -9,6 +9,8 @@
 #include "testing/data_dir_builder.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 namespace {
 
 std::string le32(std::int32_t v) {
@@ -161,3 +163,5 @@ TEST(RefgroveGraph, FindDidIsABinarySearchOverFileOrder) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace refgrove {
+
 namespace {
 
 constexpr std::size_t kCitationBytes = 8;
@@ -97,3 +99,5 @@ bool RefgroveGraphData::read(ByteReader& in, Arena& arena, RefgroveGraphData* ou
                            Span<WordId>{title, std::max(nt, 0)}, authors, na};
   return true;
 }
+
+}  // namespace refgrove

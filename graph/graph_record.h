@@ -25,6 +25,8 @@
 #include "words/byte_io.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 // One citation: the cited work's group id, then its DID.
 struct CitationInfo {
   std::int32_t gid;
@@ -74,5 +76,7 @@ void bin_write_string(std::string& out, std::string_view s);
 // Reads a string written by bin_write_string. The text ends at the first NUL
 // among the bytes read, so a string holding a NUL comes back shortened.
 bool bin_read_string(ByteReader& in, std::string_view* out);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GRAPH_GRAPH_RECORD_H_

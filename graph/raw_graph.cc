@@ -10,6 +10,8 @@
 #include "graph/graph_file.h"
 #include "words/compacted_string_table.h"
 
+namespace refgrove {
+
 RawRefgroveGraph::RawRefgroveGraph(const std::string& in_dir, StringTable* words, std::ostream& out,
                                    std::ostream& err) {
   out << "preprocGraph() ...\n";
@@ -66,3 +68,5 @@ std::error_code writeGraphFile(const std::string& out_dir, const RawRefgroveGrap
   out.close();
   return out.fail() ? std::error_code(errno != 0 ? errno : EIO, std::generic_category()) : std::error_code();
 }
+
+}  // namespace refgrove

@@ -15,6 +15,8 @@
 #include "graph/graph_record.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 // Every record of a graph dump, in dump order (never sorted: the graph file
 // keeps that order, so the dump must list DIDs ascending for lookups by DID
 // to work on the loaded graph).
@@ -80,5 +82,7 @@ void reportGraphProgress(std::ostream& err, std::size_t records);
 // returns the error of the first write that failed.
 void announceGraphFile(const std::string& out_dir, std::ostream& err = std::cerr);
 std::error_code writeGraphFile(const std::string& out_dir, const RawRefgroveGraph& graph);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_GRAPH_RAW_GRAPH_H_

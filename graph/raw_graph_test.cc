@@ -11,6 +11,8 @@
 #include "testing/graph_run.h"
 #include "tokenizer/parser_error.h"
 
+namespace refgrove {
+
 namespace {
 
 // Runs the graph pass after the interning of `meanwhile` in `words`.
@@ -115,3 +117,5 @@ TEST(RawGraphTest, AMalformedLineThrowsBeforeAnythingIsWritten) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

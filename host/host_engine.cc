@@ -5,6 +5,8 @@
 #include <new>
 #include <unordered_map>
 
+namespace refgrove {
+
 // ---- Data the module reads ------------------------------------------------
 
 namespace {
@@ -20,14 +22,17 @@ term functor_entries[2 * kFunctorEntryWords];
 
 }  // namespace
 
+}  // namespace refgrove
+
 extern "C" {
 LumoxMachine* lumox_global_machine = nullptr;
 term nil_atom = 0;
 int _lumox_atom_nil_0 = -1;
-term* atomi1tab[kAtomPages] = {};
-term* functab = functor_entries;
+term* atomi1tab[refgrove::kAtomPages] = {};
+term* functab = refgrove::functor_entries;
 }
 
+namespace refgrove {
 namespace lumox_sim {
 namespace {
 
@@ -253,9 +258,11 @@ CallCounts& call_counts() {
 
 }  // namespace lumox_sim
 
+}  // namespace refgrove
+
 // ---- Functions the module calls ---------------------------------------------
 
-using namespace lumox_sim;
+using namespace refgrove::lumox_sim;
 
 extern "C" int atom_lookup(int /*flag*/, const char* name) {
   return static_cast<int>(atoms().lookup(name));
@@ -289,3 +296,4 @@ extern "C" void deal_with_tr_overflow(LumoxMachine* m) {
 }
 
 extern "C" void LUMOXRegisterAllTypes(void) { ++call_counts().register_types; }
+

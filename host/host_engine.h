@@ -17,6 +17,8 @@
 
 #include "module/host_machine.h"
 
+namespace refgrove {
+
 namespace lumox_sim {
 
 // A goal that needs more than the simulated machine has room for: too many
@@ -71,5 +73,7 @@ struct CallCounts {
 CallCounts& call_counts();
 
 }  // namespace lumox_sim
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_HOST_HOST_ENGINE_H_

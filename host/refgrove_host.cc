@@ -16,6 +16,8 @@
 #include "host/term_text.h"
 #include "host/toplevel.h"
 
+namespace refgrove {
+
 namespace {
 
 const char kUsage[] =
@@ -69,7 +71,7 @@ std::string default_module() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int run_program(int argc, char** argv) {
   std::string module_path;
   std::vector<std::string> goals;
   for (int k = 1; k < argc; ++k) {
@@ -135,3 +137,7 @@ int main(int argc, char** argv) {
   }
   return status;
 }
+
+}  // namespace refgrove
+
+int main(int argc, char** argv) { return refgrove::run_program(argc, argv); }

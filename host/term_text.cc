@@ -8,6 +8,8 @@
 
 #include "host/host_engine.h"
 
+namespace refgrove {
+
 namespace toplevel {
 namespace {
 
@@ -319,3 +321,5 @@ bool GoalReader::next(std::string* goal) {
 }
 
 }  // namespace toplevel
+
+}  // namespace refgrove

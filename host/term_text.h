@@ -17,6 +17,8 @@
 
 #include "module/host_machine.h"
 
+namespace refgrove {
+
 namespace toplevel {
 
 struct SyntaxError : std::runtime_error {
@@ -61,5 +63,7 @@ class GoalReader {
 };
 
 }  // namespace toplevel
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_HOST_TERM_TEXT_H_

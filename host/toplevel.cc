@@ -10,6 +10,8 @@
 #include "host/host_engine.h"
 #include "host/term_text.h"
 
+namespace refgrove {
+
 namespace toplevel {
 
 const std::map<std::string, int>& predicate_arities() {
@@ -107,3 +109,5 @@ Toplevel::Outcome Toplevel::run(const std::string& goal, std::ostream& out, std:
 }
 
 }  // namespace toplevel
+
+}  // namespace refgrove

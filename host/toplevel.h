@@ -9,6 +9,8 @@
 
 #include "module/host_machine.h"
 
+namespace refgrove {
+
 namespace toplevel {
 
 using Predicate = int (*)(LumoxMachine*);
@@ -40,5 +42,7 @@ class Toplevel {
 };
 
 }  // namespace toplevel
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_HOST_TOPLEVEL_H_

@@ -13,6 +13,8 @@
 #include "testing/child_process.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 class TermTextTest : public ::testing::Test {
@@ -308,3 +310,5 @@ TEST(RefgroveHost, SampleFromDumpsToAnswers) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <new>
 
+namespace refgrove {
+
 const char kNotAnAtomMessage[] = "LUMOX_atom:term is not an atom";
 
 namespace {
@@ -149,3 +151,5 @@ term heap_cons(LumoxMachine* m, term head, term tail) {
   m->heap_top += 2;
   return list_term(cell);
 }
+
+}  // namespace refgrove

@@ -8,6 +8,8 @@
 
 #include "module/host_machine.h"
 
+namespace refgrove {
+
 // The message of the LumoxObjectCreationError that a non-atom raises.
 extern const char kNotAnAtomMessage[];  // "LUMOX_atom:term is not an atom"
 
@@ -80,5 +82,7 @@ term heap_cons(LumoxMachine* m, term head, term tail);
 
 // The empty-list atom, as the host keeps it in its slot.
 inline term empty_list(const LumoxMachine* m) { return m->slots[_lumox_atom_nil_0]; }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_MODULE_HOST_TERMS_H_

@@ -6,6 +6,8 @@
 
 #include "host/host_engine.h"
 
+namespace refgrove {
+
 namespace {
 
 class HostTermsTest : public ::testing::Test {
@@ -151,3 +153,5 @@ TEST_F(HostTermsTest, SlotsComeBackInReverseOrder) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -10,6 +10,8 @@
 #include "core/predicate_table.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 namespace {
 
 class ModuleTest : public ::testing::Test {
@@ -114,3 +116,5 @@ TEST_F(ModuleTest, EachCallShapeAnswers) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -10,6 +10,8 @@
 #include "module/host_terms.h"
 #include "module/refgrove.h"
 
+namespace refgrove {
+
 namespace {
 
 using IntLookup = int (*)(int, int*);
@@ -56,6 +58,11 @@ int with_paths(LumoxMachine* m, const char* const (&complaints)[N], Call call) {
 }
 
 }  // namespace
+
+}  // namespace refgrove
+
+// The predicates themselves are the host's C entry points.
+using namespace refgrove;
 
 int refgrove_preproc(LumoxMachine* m) {
   static const char* const complaints[] = {"refgrove_preproc/2 expects string as first arg\n",
@@ -219,3 +226,4 @@ int refgrove_author_distance(LumoxMachine* m) {
   lumox_global_machine = m;
   return bind_float(m, m->args[2], refgrove_author_distance_1(a, b));
 }
+

@@ -9,6 +9,8 @@
 #include "module/host_terms.h"
 #include "testing/test_documents.h"
 
+namespace refgrove {
+
 // preproc_recorder.cc stands in for preprocessing: it records the
 // directories and throws for the input directory "throw/".
 std::vector<std::pair<std::string, std::string>>& preproc_calls();
@@ -242,3 +244,5 @@ TEST_F(PredicatesTest, EntryAndHello) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -16,9 +16,9 @@
 #include "network/similarity.h"
 #include "testing/data_files.h"
 
-namespace {
+namespace refgrove {
 
-using namespace refgrove;
+namespace {
 
 class NetworkCInterfaceTest : public LoadedDataTest {
  protected:
@@ -123,3 +123,5 @@ TEST_F(NetworkCInterfaceTest, ThreadsShareTheBuiltGraphs) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -20,9 +20,9 @@
 #include "network/similarity.h"
 #include "testing/test_documents.h"
 
-namespace {
+namespace refgrove {
 
-using namespace refgrove;
+namespace {
 
 constexpr int kNone = INT_MAX / 4;  // "unreachable" in the distance tables
 
@@ -430,3 +430,5 @@ INSTANTIATE_TEST_SUITE_P(Graphs, NetworkTest, ::testing::ValuesIn(graph_cases())
 });
 
 }  // namespace
+
+}  // namespace refgrove

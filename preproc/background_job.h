@@ -9,6 +9,8 @@
 #include <thread>
 #include <utility>
 
+namespace refgrove {
+
 class BackgroundJob {
  public:
   // Starts `work` in a new thread. Where no thread can be had, wait() does
@@ -48,5 +50,7 @@ class BackgroundJob {
   std::exception_ptr error_;
   std::thread thread_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_BACKGROUND_JOB_H_

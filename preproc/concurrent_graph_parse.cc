@@ -10,6 +10,8 @@
 
 #include "graph/graph_dump.h"
 
+namespace refgrove {
+
 namespace {
 
 // The bytes [begin, end) of a file as a stream buffer; a file that cannot
@@ -193,3 +195,5 @@ void ConcurrentGraphParse::report(std::size_t records) const {
   for (std::size_t count = 1; count <= records; ++count) reportGraphProgress(err_, count);
   err_ << std::endl;
 }
+
+}  // namespace refgrove

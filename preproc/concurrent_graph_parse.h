@@ -32,6 +32,8 @@
 #include "preproc/preprocess.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 class ConcurrentGraphParse {
  public:
   // Starts parsing the graph dump of in_dir in up to `parts` parts of at
@@ -80,5 +82,7 @@ class ConcurrentGraphParse {
   RawRefgroveGraph graph_;
   std::unique_ptr<BackgroundJob> writer_;  // runs join_and_write
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_CONCURRENT_GRAPH_PARSE_H_

@@ -9,6 +9,8 @@
 #include "graph/raw_graph.h"
 #include "testing/graph_run.h"
 
+namespace refgrove {
+
 namespace {
 
 // How the graph pass runs: one record after the other, or in parts of a
@@ -89,3 +91,5 @@ TEST(ConcurrentGraphParseTest, GivesWhatTheSequentialPassGives) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -10,6 +10,8 @@
 
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 // A string stream over a buffer of `bytes` allocated up front, or of none
@@ -95,3 +97,5 @@ void ConcurrentWordFile::read_again(StringTable* table, std::ostream& data_out, 
   counts_ = preproc_->preprocFile(table, data_out, idx_out, path_.c_str(), *preproc_->options().out,
                                   *preproc_->options().err);
 }
+
+}  // namespace refgrove

@@ -24,6 +24,8 @@
 #include "words/string_table.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 class ConcurrentWordFile {
  public:
   // Starts reading `path` with preproc->preprocFile.
@@ -64,5 +66,7 @@ class ConcurrentWordFile {
   std::unique_ptr<BackgroundJob> renumber_;  // rewrites data_
   BackgroundJob read_;  // last: it runs while the others live
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_CONCURRENT_WORD_FILE_H_

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
+namespace refgrove {
+
 namespace {
 
 // Closes `fd`, keeping the first error seen.
@@ -55,3 +57,5 @@ bool write_synced(const std::string& path, const std::string& bytes, std::string
   if (!ok) *error = system_error_text(path, e);
   return ok;
 }
+
+}  // namespace refgrove

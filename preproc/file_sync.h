@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace refgrove {
+
 // "<path>: <strerror(error)>".
 std::string system_error_text(const std::string& path, int error);
 
@@ -14,5 +16,7 @@ bool sync_path(const std::string& path, std::string* error);
 
 // Creates or replaces `path` with `bytes` and flushes it to disk.
 bool write_synced(const std::string& path, const std::string& bytes, std::string* error);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_FILE_SYNC_H_

@@ -4,6 +4,8 @@
 
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 // `n` to two significant digits with thousands separators: "5,900,000".
@@ -45,3 +47,5 @@ std::string format_limit_message(const FormatLimits& limits, const RunSize& size
          std::to_string(limits.distinct_words) + " distinct words, which is " +
          documents_that_fit(size, limits.distinct_words, size.distinct_words);
 }
+
+}  // namespace refgrove

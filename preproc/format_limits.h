@@ -12,6 +12,8 @@
 #include <limits>
 #include <string>
 
+namespace refgrove {
+
 struct FormatLimits {
   std::int64_t word_data_bytes = std::numeric_limits<std::int32_t>::max();
   std::int64_t distinct_words = std::int64_t{1} << 24;
@@ -32,5 +34,7 @@ inline bool within(const FormatLimits& limits, const RunSize& size) {
 // For a run of `size` that is not within `limits`: one sentence with the
 // limit passed and roughly how many documents of the kind read so far fit.
 std::string format_limit_message(const FormatLimits& limits, const RunSize& size);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_FORMAT_LIMITS_H_

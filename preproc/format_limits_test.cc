@@ -11,6 +11,8 @@
 #include "preproc/preprocess.h"
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 namespace {
 
 TEST(FormatLimitsTest, TheSentenceNamesTheLimitAndTheDocumentsThatFit) {
@@ -87,3 +89,5 @@ TEST(FormatLimitsTest, ACheckedRunStopsWhereTheDumpsPassALimit) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -17,6 +17,8 @@
 #include "preproc/file_sync.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 using nlohmann::json;
@@ -146,3 +148,5 @@ std::vector<ManifestMismatch> manifest_mismatches(const std::string& dir) {
   }
   return mismatches;
 }
+
+}  // namespace refgrove

@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+namespace refgrove {
 
 inline constexpr char kManifestFile[] = "refgrove-manifest.json";
 
@@ -62,5 +63,7 @@ struct ManifestMismatch {
 // None when `dir` has no manifest. A data file that is missing is left to
 // the consistency check (core/validate.h), which reports it.
 std::vector<ManifestMismatch> manifest_mismatches(const std::string& dir);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_MANIFEST_H_

@@ -12,6 +12,8 @@
 #include "testing/data_files.h"
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 namespace {
 
 TEST(ManifestTest, ChecksumIsFnv1a64) {
@@ -108,3 +110,5 @@ TEST(ManifestTest, FilesThatDoNotMatchTheManifestAreNamed) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+namespace refgrove {
+
 class MessageLog {
  public:
   MessageLog() : out_buf_(this, kOut), err_buf_(this, kErr), out_(&out_buf_), err_(&err_buf_) {}
@@ -61,5 +63,7 @@ class MessageLog {
   Recorder out_buf_, err_buf_;
   std::ostream out_, err_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_MESSAGE_LOG_H_

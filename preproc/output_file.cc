@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <utility>
 
+namespace refgrove {
+
 namespace {
 
 std::error_code last_error() { return std::error_code(errno != 0 ? errno : EIO, std::generic_category()); }
@@ -25,3 +27,5 @@ void OutputFile::finish() {
 void throw_if_failed(const std::string& path, std::error_code error) {
   if (error) throw PreprocError(path, error.message());
 }
+
+}  // namespace refgrove

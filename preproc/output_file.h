@@ -15,6 +15,8 @@
 
 #include "preproc/preprocess.h"
 
+namespace refgrove {
+
 class OutputFile : public std::ofstream {
  public:
   OutputFile(std::string path, bool checked);
@@ -33,5 +35,7 @@ class OutputFile : public std::ofstream {
 
 // Throws PreprocError for `path` when `error` is set.
 void throw_if_failed(const std::string& path, std::error_code error);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_OUTPUT_FILE_H_

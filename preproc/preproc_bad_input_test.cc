@@ -18,6 +18,8 @@
 #include "testing/child_process.h"
 #include "testing/data_dir_builder.h"
 
+namespace refgrove {
+
 namespace {
 
 const char kWordDump1[] = "word-data1-mar-2002.txt";
@@ -171,3 +173,5 @@ TEST_F(PreprocBadInputTest, AuthorListsBeyondTheSixteenBitCount) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -13,6 +13,8 @@
 #include "preproc/word_preproc.h"
 #include "tokenizer/parser_error.h"
 
+namespace refgrove {
+
 namespace {
 
 // The four dumps of in_dir, the graph dump first.
@@ -70,12 +72,14 @@ PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir,
   return summary;
 }
 
+}  // namespace refgrove
+
 void refgrove_preproc_1(const char* a, const char* b) {
   // The one place where a dump that does not parse ends the process: the
   // parsers below only throw.
   try {
-    preprocess(a, b);
-  } catch (const ParserError& e) {
+    refgrove::preprocess(a, b);
+  } catch (const refgrove::ParserError& e) {
     e.write(std::cerr);
     std::cerr.flush();
     std::exit(3);

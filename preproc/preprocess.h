@@ -20,6 +20,8 @@
 #include "preproc/format_limits.h"
 #include "tokenizer/parser_error.h"
 
+namespace refgrove {
+
 // How far a run has read, for a progress display: updated by the threads
 // that read the dumps, read by any thread.
 struct PreprocProgress {
@@ -89,5 +91,7 @@ PreprocSummary preprocess(const std::string& in_dir, const std::string& out_dir,
 
 // The sizes of the four dumps of in_dir together; a missing dump counts 0.
 std::uint64_t dumps_size(const std::string& in_dir);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_PREPROCESS_H_

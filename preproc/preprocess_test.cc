@@ -18,6 +18,8 @@
 #include "tokenizer/parser_error.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 const char* const kWordDumps[] = {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt", "word-data3-mar-2002.txt"};
@@ -168,3 +170,5 @@ TEST(PreprocessTest, AMalformedDumpThrowsInsteadOfEndingTheProcess) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

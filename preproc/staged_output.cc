@@ -12,6 +12,8 @@
 
 #include "preproc/file_sync.h"
 
+namespace refgrove {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -152,3 +154,5 @@ bool move_into_place(const std::string& staging, const TargetPaths& paths, const
   rmdir(staging.c_str());
   return true;
 }
+
+}  // namespace refgrove

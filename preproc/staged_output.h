@@ -24,6 +24,8 @@
 #include <string>
 #include <vector>
 
+namespace refgrove {
+
 struct TargetPaths {
   std::string target;  // absolute, symbolic links resolved, no trailing "/"
   std::string parent;  // the directory holding it
@@ -92,5 +94,7 @@ class StagingDir {
 // failure.
 bool move_into_place(const std::string& staging, const TargetPaths& paths, const std::vector<std::string>& names,
                      std::string* error);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_STAGED_OUTPUT_H_

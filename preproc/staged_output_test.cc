@@ -14,6 +14,8 @@
 
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -121,3 +123,5 @@ TEST(StagedOutputTest, AStagingDirectoryIsNeverReused) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

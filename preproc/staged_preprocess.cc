@@ -12,6 +12,8 @@
 #include "preproc/file_sync.h"
 #include "preproc/manifest.h"
 
+namespace refgrove {
+
 namespace {
 
 using Stage = StagedRunError::Stage;
@@ -150,3 +152,5 @@ StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hoo
   if (!move_into_place(staging.path(), paths, files_to_move(), &error)) fail(Stage::move, paths, error);
   return result;
 }
+
+}  // namespace refgrove

@@ -18,6 +18,8 @@
 #include "preproc/preprocess.h"
 #include "preproc/staged_output.h"
 
+namespace refgrove {
+
 struct StagedRequest {
   std::string in_dir, out_dir;  // directories; a trailing "/" is optional
   // Where the module's messages go, and the progress counter. The run is
@@ -87,5 +89,7 @@ std::string with_path_replaced(std::string text, const std::string& from, const 
 // Runs the request. Throws StagedRunError, or DumpParseError when a dump
 // does not parse (the target is then as it was).
 StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hooks);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_STAGED_PREPROCESS_H_

@@ -14,6 +14,8 @@
 #include "testing/data_files.h"
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -118,3 +120,5 @@ TEST_F(StagedPreprocessTest, BadArgumentsAreNamed) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -18,6 +18,8 @@
 #include "words/compacted_string_table.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 namespace {
 
 const char* const kWordDumpFiles[] = {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt",
@@ -279,3 +281,5 @@ WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostrea
 } catch (const ParserError& e) {
   throw DumpParseError(e, path);
 }
+
+}  // namespace refgrove

@@ -22,6 +22,8 @@
 #include "tokenizer/stream_tokenizer.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 class WordPreproc {
  public:
   // The word dumps' language: the characters of kSingleChars are tokens of
@@ -95,5 +97,7 @@ class WordPreproc {
   PreprocOptions options_;
   std::string out_dir_;  // of the run of preproc()
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_PREPROC_WORD_PREPROC_H_

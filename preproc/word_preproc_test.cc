@@ -19,6 +19,8 @@
 #include "testing/child_process.h"
 #include "testing/data_dir_builder.h"
 
+namespace refgrove {
+
 namespace {
 
 std::string Visible(const std::string& s) {
@@ -338,3 +340,5 @@ TEST(WordPreprocTest, PreprocessThenLoadAndQuery) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+namespace refgrove {
+
 namespace {
 
 TEST(FoldWordTest, LowersAsciiAndLatinLettersDecodedAsExportDecodes) {
@@ -53,3 +55,5 @@ TEST(SplitTermsTest, SplitsOnAsciiWhiteSpaceOnly) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -21,6 +21,8 @@
 #include "search/text_folding.h"
 #include "testing/data_files.h"
 
+namespace refgrove {
+
 namespace {
 
 using refgrove::SearchHit;
@@ -302,3 +304,5 @@ TEST_F(CSearchTest, COperationsAnswerAsTheSearch) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -14,6 +14,8 @@
 
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 struct ChildResult {
   int status = -1;  // the exit status; 128 + the signal when killed
   std::string out, err;
@@ -45,5 +47,7 @@ ChildResult run_in_child(F fn) {
   r.err = read_file(err_name);
   return r;
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_CHILD_PROCESS_H_

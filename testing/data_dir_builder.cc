@@ -7,6 +7,8 @@
 #include "words/compacted_string_table.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 DataDirBuilder& DataDirBuilder::add(TestDocument doc) {
   docs_.push_back(std::move(doc));
   return *this;
@@ -42,3 +44,5 @@ void DataDirBuilder::write(const std::string& dir) const {
   std::ofstream table(dir + kWordTableFile, std::ios::binary);
   CompactedStringTable(words).write(table);
 }
+
+}  // namespace refgrove

@@ -10,6 +10,8 @@
 #include "graph/graph_record.h"
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 // A document as the dumps would describe it.
 struct TestDocument {
   std::int32_t did = 0;
@@ -35,5 +37,7 @@ class DataDirBuilder {
  private:
   std::vector<TestDocument> docs_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_DATA_DIR_BUILDER_H_

@@ -14,6 +14,8 @@
 #include "testing/data_dir_builder.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 inline const char* const kDataFileNames[] = {kWordTableFile, kWordIdxFile, kWordDataFile, kGraphFile};
 
 // File name -> contents; a file that is not in the map is missing.
@@ -49,5 +51,7 @@ inline void preprocess_sample(const std::string& dir) {
   refgrove_preproc_1(REFGROVE_SAMPLE_DIR, dir.c_str());
 }
 #endif
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_DATA_FILES_H_

@@ -11,6 +11,8 @@
 #include "testing/test_files.h"
 #include "tokenizer/parser_error.h"
 
+namespace refgrove {
+
 struct GraphRun {
   std::string out, err, graph_file;
 };
@@ -39,5 +41,7 @@ GraphRun run_graph_pass(const std::string& dump, Pass pass) {
   if (at != std::string::npos) r.err.replace(at, out.path().size(), "OUT/");
   return r;
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_GRAPH_RUN_H_

@@ -14,6 +14,8 @@
 #include "core/data_set.h"
 #include "core/refgrove.h"
 
+namespace refgrove {
+
 namespace query_everything_detail {
 
 // Item indexes to try for a list of n items: the ones before and after the
@@ -150,5 +152,7 @@ inline std::string unanswered_items() {
   }
   return out;
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_QUERY_EVERYTHING_H_

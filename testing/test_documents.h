@@ -9,6 +9,8 @@
 #include "core/refgrove.h"
 #include "testing/data_dir_builder.h"
 
+namespace refgrove {
+
 // Documents below list every field of TestDocument in order: did, key, year,
 // citations, title, authors, words, in_graph, in_words.
 //
@@ -55,5 +57,7 @@ class LoadedDataTest : public ::testing::Test {
   }
   TempDir dir_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_TEST_DOCUMENTS_H_

@@ -12,6 +12,8 @@
 #include "words/compacted_string_table.h"
 #include "words/string_table.h"
 
+namespace refgrove {
+
 void write_word_table(const std::string& dir, const std::vector<std::string>& words) {
   StringTable table;
   for (const std::string& w : words) table.String2ID(w);
@@ -75,3 +77,5 @@ StreamCapture::~StreamCapture() {
   std::cout.rdbuf(old_out_);
   std::cerr.rdbuf(old_err_);
 }
+
+}  // namespace refgrove

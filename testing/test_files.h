@@ -11,6 +11,8 @@
 
 #include "words/word_files.h"
 
+namespace refgrove {
+
 // The single files, for tests that need exact control of their contents.
 void write_word_table(const std::string& dir, const std::vector<std::string>& words);
 void write_word_idx(const std::string& dir, const std::vector<DocumentWordInfo>& headers);
@@ -52,5 +54,7 @@ class StreamCapture {
   std::streambuf* old_out_;
   std::streambuf* old_err_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TESTING_TEST_FILES_H_

@@ -1,5 +1,7 @@
 #include "tokenizer/my_output_file.h"
 
+namespace refgrove {
+
 void MyOutputFile::open(const char* name) {
   close();
   file_buffer.open(name, std::ios_base::out | std::ios_base::trunc | std::ios_base::binary);
@@ -15,3 +17,5 @@ void MyOutputFile::close() {
   file_buffer.close();
   stream.reset();
 }
+
+}  // namespace refgrove

@@ -7,6 +7,8 @@
 #include <ostream>
 #include <string>
 
+namespace refgrove {
+
 // Opens a file for writing (created or truncated) and offers a stream over
 // it. A failed open is not reported: the stream is then in a failed state
 // and writes to it are lost.
@@ -24,5 +26,7 @@ class MyOutputFile {
   void open(const std::string& name) { open(name.c_str()); }
   void close();
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_MY_OUTPUT_FILE_H_

@@ -9,6 +9,8 @@
 #include <cstring>
 #include <string>
 
+namespace refgrove {
+
 // h = 5*h + c over the bytes up to the first NUL, c taken as a signed 8-bit
 // value, h an unsigned 32-bit value that wraps.
 struct hash_name_hash_key {
@@ -26,5 +28,7 @@ struct eq_name_hash_key {
     return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size()) == 0;
   }
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_NAME_HASH_H_

@@ -1,5 +1,7 @@
 #include "tokenizer/parser_error.h"
 
+namespace refgrove {
+
 ParserError::ParserError(const std::string& message_, const TokenizerPos& pos_,
                          const char* file_name_)
     : message(message_), file_name(file_name_ != nullptr ? file_name_ : ""), pos(pos_) {}
@@ -14,3 +16,5 @@ std::ostream& ParserError::write(std::ostream& os) const {
   if (!file_name.empty()) os << ", while reading '" << file_name << "'";
   return os;
 }
+
+}  // namespace refgrove

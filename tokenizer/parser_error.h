@@ -7,6 +7,8 @@
 
 #include "tokenizer/tokenizer_pos.h"
 
+namespace refgrove {
+
 // Bad input found while tokenizing or parsing. Thrown by value, caught by
 // reference. It deliberately stands outside the std::exception hierarchy:
 // parsers catch it around a whole parse and print it with write(), while
@@ -30,5 +32,7 @@ class ParserError {
   // when the file name is known. No line end.
   std::ostream& write(std::ostream& os) const;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_PARSER_ERROR_H_

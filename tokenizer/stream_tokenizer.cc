@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
+namespace refgrove {
+
 // ---- StreamTokenizer ------------------------------------------------------
 
 StreamTokenizer::StreamTokenizer(std::istream* in, TokenizerLanguage* language_)
@@ -221,3 +223,5 @@ std::string& StreamEOFCopyTokenizer::try_next_token_output() {
   output_token_and_space();
   return token;
 }
+
+}  // namespace refgrove

@@ -11,6 +11,8 @@
 
 #include "tokenizer/tokenizer.h"
 
+namespace refgrove {
+
 // Reads a std::istream, given or opened from a file name.
 //
 // Characters are taken from the stream's buffer in chunks rather than with
@@ -120,5 +122,7 @@ class StreamEOFCopyTokenizer : public StreamEOFTokenizer {
   std::string& next_token_output();
   std::string& try_next_token_output();
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_STREAM_TOKENIZER_H_

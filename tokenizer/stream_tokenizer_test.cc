@@ -14,6 +14,8 @@
 #include "tokenizer/string_tokenizer.h"
 #include "tokenizer/tokenizer_test_util.h"
 
+namespace refgrove {
+
 namespace tokenizer_test {
 namespace {
 
@@ -189,3 +191,5 @@ TEST_F(CopyTokenizerTest, MyOutputFile) {
 
 }  // namespace
 }  // namespace tokenizer_test
+
+}  // namespace refgrove

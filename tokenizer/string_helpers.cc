@@ -2,6 +2,8 @@
 
 #include <cctype>
 
+namespace refgrove {
+
 namespace {
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
@@ -60,3 +62,5 @@ std::ostream& mtab(std::ostream& os, int n) {
   for (int i = 0; i < n; ++i) os << '\t';
   return os;
 }
+
+}  // namespace refgrove

@@ -13,6 +13,8 @@
 #include <ostream>
 #include <string>
 
+namespace refgrove {
+
 // True when `c` occurs in `s` before its terminating NUL (so never for NUL).
 bool strcontains(const char* s, char c);
 
@@ -38,5 +40,7 @@ bool str_i_equals(const std::string& s, const char* t);
 
 // Writes n tabs (none for n <= 0).
 std::ostream& mtab(std::ostream& os, int n);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_STRING_HELPERS_H_

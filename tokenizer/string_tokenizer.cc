@@ -3,6 +3,8 @@
 #include <cstring>
 #include <memory>
 
+namespace refgrove {
+
 StringTokenizer::StringTokenizer(const char* text_, TokenizerLanguage* language_)
     : Tokenizer(language_) {
   init(text_);
@@ -60,3 +62,5 @@ void TokenizerLanguage::addLanguageElem(int sub, const char* text) {
   sub_languages[static_cast<std::size_t>(sub)]->addLangElem(&source, elem.get());
   elem.release();
 }
+
+}  // namespace refgrove

@@ -4,6 +4,8 @@
 
 #include "tokenizer/tokenizer.h"
 
+namespace refgrove {
+
 // The text is not copied and must outlive the tokenizer (or the next
 // set_string). Used, among others, to cut element texts such as "Title:"
 // into tokens when a language is built.
@@ -26,5 +28,7 @@ class StringTokenizer : public Tokenizer {
   int stream_ok() override { return index < length; }
   int stream_get() override;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_STRING_TOKENIZER_H_

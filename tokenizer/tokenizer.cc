@@ -11,6 +11,8 @@
 #define REFGROVE_VECTOR_SCAN 1
 #endif
 
+namespace refgrove {
+
 namespace {
 
 bool is_digit(int c) { return c >= '0' && c <= '9'; }
@@ -681,3 +683,5 @@ TokenizerLangElem* Tokenizer::try_find_lang_elem(int sub) {
   pushback_token();
   return nullptr;
 }
+
+}  // namespace refgrove

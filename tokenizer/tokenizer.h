@@ -44,6 +44,8 @@
 #include "tokenizer/tokenizer_language.h"
 #include "tokenizer/tokenizer_pos.h"
 
+namespace refgrove {
+
 // A token with its position and whether white space preceded it; the unit of
 // the pushback stack.
 struct TokenAndPos {
@@ -477,5 +479,7 @@ inline bool Tokenizer::raw_get(int* c) {
   *c = static_cast<signed char>(stream_get());
   return stream_ok() != 0;
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_TOKENIZER_H_

@@ -2,6 +2,8 @@
 
 #include "tokenizer/string_helpers.h"
 
+namespace refgrove {
+
 namespace {
 
 void retain_elem(TokenizerLangElem* e) {
@@ -86,3 +88,5 @@ void TokenizerLanguage::addElementIndex(int n) {
   delete[] elements;
   elements = new TokenizerLangElem*[static_cast<std::size_t>(n)]();
 }
+
+}  // namespace refgrove

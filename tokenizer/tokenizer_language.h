@@ -36,6 +36,8 @@
 
 #include "tokenizer/name_hash.h"
 
+namespace refgrove {
+
 class Tokenizer;
 class TokenizerLangHash;
 
@@ -221,5 +223,7 @@ inline void TokenizerLangHashPtr::release() {
   node_ = nullptr;
   if (node != nullptr && --node->refcount == 0) delete node;
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_TOKENIZER_LANGUAGE_H_

@@ -7,6 +7,8 @@
 
 #include "tokenizer/parser_error.h"
 
+namespace refgrove {
+
 namespace {
 
 // The members of a set, in byte order.
@@ -96,3 +98,5 @@ TEST(TokenizerLanguageTest, NodeCounting) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -7,6 +7,8 @@
 #include "tokenizer/string_helpers.h"
 #include "tokenizer/tokenizer.h"
 
+namespace refgrove {
+
 namespace {
 
 // strtol in base 10 with the result clamped to the int range, as a 32-bit
@@ -184,3 +186,5 @@ ParserError Tokenizer::error(const std::string& message) const {
 ParserError Tokenizer::error(const TokenizerPos& at, const std::string& message) const {
   return ParserError(message, at, file_name);
 }
+
+}  // namespace refgrove

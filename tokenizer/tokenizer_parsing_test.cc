@@ -8,6 +8,8 @@
 #include "tokenizer/string_tokenizer.h"
 #include "tokenizer/tokenizer_test_util.h"
 
+namespace refgrove {
+
 namespace tokenizer_test {
 namespace {
 
@@ -154,3 +156,5 @@ TEST(ParsingTest, RandomOperationSequencesStaySafe) {
 
 }  // namespace
 }  // namespace tokenizer_test
+
+}  // namespace refgrove

@@ -1,5 +1,7 @@
 #include "tokenizer/tokenizer_pos.h"
 
+namespace refgrove {
+
 std::ostream& TokenizerPos::write(std::ostream& os) const {
   if (column < 0 && row < 0) return os << "?:?";
   return os << row << ':' << (column - 1);
@@ -18,3 +20,5 @@ std::string TokenizerPos::getString(int row_width, int column_width) const {
   if (column_pad > 0) out.append(static_cast<std::size_t>(column_pad), ' ');
   return out;
 }
+
+}  // namespace refgrove

@@ -5,6 +5,8 @@
 #include <ostream>
 #include <string>
 
+namespace refgrove {
+
 // A row/column pair. `column` counts the characters read on the current line
 // (0 before the first one, 1 after it), so a token's position, taken just
 // after its first character, is printed as column - 1: printed columns are
@@ -43,5 +45,7 @@ class TokenizerPos {
   // cut.
   std::string getString(int row_width, int column_width) const;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_TOKENIZER_POS_H_

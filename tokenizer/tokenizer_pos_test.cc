@@ -7,6 +7,8 @@
 #include "tokenizer/string_helpers.h"
 #include "tokenizer/tokenizer_pos.h"
 
+namespace refgrove {
+
 namespace {
 
 template <class T>
@@ -96,3 +98,5 @@ TEST(StringHelpersTest, TestsAndEdits) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

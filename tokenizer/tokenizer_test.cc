@@ -11,6 +11,8 @@
 #include "tokenizer/string_tokenizer.h"
 #include "tokenizer/tokenizer_test_util.h"
 
+namespace refgrove {
+
 namespace tokenizer_test {
 namespace {
 
@@ -290,3 +292,5 @@ TEST(ScannerTest, SelectedRootOutlivesLanguage) {
 
 }  // namespace
 }  // namespace tokenizer_test
+
+}  // namespace refgrove

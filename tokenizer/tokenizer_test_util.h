@@ -12,6 +12,8 @@
 #include "tokenizer/string_tokenizer.h"
 #include "tokenizer/tokenizer.h"
 
+namespace refgrove {
+
 namespace tokenizer_test {
 
 enum class Lang {
@@ -97,5 +99,7 @@ inline std::string Tokens(Tokenizer& t) {
 }
 
 }  // namespace tokenizer_test
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOKENIZER_TOKENIZER_TEST_UTIL_H_

@@ -12,6 +12,8 @@
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 const char kHelp[] =
@@ -61,3 +63,5 @@ void add_check_command(CLI::App& app, CommandContext& ctx) {
       "", "non-empty"));
   cmd->callback([&ctx, dir] { ctx.status = check_dir(*dir, ctx.out, ctx.err); });
 }
+
+}  // namespace refgrove

@@ -10,6 +10,8 @@
 #include "testing/data_files.h"
 #include "tools/tool_test_util.h"
 
+namespace refgrove {
+
 namespace {
 
 ToolRun check(std::vector<std::string> args) {
@@ -67,3 +69,5 @@ TEST(CheckCommandTest, UsageErrorsExitTwo) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

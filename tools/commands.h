@@ -15,6 +15,8 @@ namespace CLI {
 class App;
 }
 
+namespace refgrove {
+
 // The streams a command reads and writes and the status it leaves. The
 // preprocess command runs the module's own preprocessing, which writes to
 // the standard streams whatever is given here.
@@ -54,5 +56,7 @@ void add_generate_command(CLI::App& app, CommandContext& ctx);
 
 // `refgrove serve`: the web explorer (native builds only).
 void add_serve_command(CLI::App& app, CommandContext& ctx);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_COMMANDS_H_

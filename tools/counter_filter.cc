@@ -1,5 +1,7 @@
 #include "tools/counter_filter.h"
 
+namespace refgrove {
+
 CounterFilter::int_type CounterFilter::overflow(int_type c) {
   if (traits_type::eq_int_type(c, traits_type::eof())) return traits_type::not_eof(c);
   const std::lock_guard<std::mutex> lock(mutex_);
@@ -31,3 +33,5 @@ void CounterFilter::put(char ch) {
   }
   target_.put(ch);
 }
+
+}  // namespace refgrove

@@ -13,6 +13,8 @@
 #include <ostream>
 #include <streambuf>
 
+namespace refgrove {
+
 class CounterFilter : public std::streambuf {
  public:
   explicit CounterFilter(std::ostream& target) : target_(target) {}
@@ -29,5 +31,7 @@ class CounterFilter : public std::streambuf {
   std::mutex mutex_;
   bool in_counter_ = false;  // after a "\r", up to the first byte that is not a digit
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_COUNTER_FILTER_H_

@@ -13,6 +13,8 @@
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 using refgrove::DataSetPtr;
@@ -316,3 +318,5 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
 
   add_query_command(app, ctx);
 }
+
+}  // namespace refgrove

@@ -8,7 +8,9 @@
 #include "core/data_set.h"
 #include "testing/data_dir_builder.h"
 #include "tools/tool_test_util.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
+
+namespace refgrove {
 
 namespace {
 
@@ -178,3 +180,5 @@ TEST(DumpGeneratorTest, DeterministicDumpsThatPreprocessCleanly) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -19,6 +19,8 @@
 #include "core/document_text.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 void write_json_line(const refgrove::DocumentText& doc, std::ostream& out) {
@@ -150,3 +152,5 @@ void add_export_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("-o,--output", args->output, "the file to write (default: standard output)")->type_name("FILE");
   cmd->callback([&ctx, args] { ctx.status = run_export(*args, ctx); });
 }
+
+}  // namespace refgrove

@@ -12,6 +12,8 @@
 #include "testing/data_dir_builder.h"
 #include "tools/tool_test_util.h"
 
+namespace refgrove {
+
 namespace {
 
 ToolRun Export(std::vector<std::string> args) {
@@ -126,3 +128,5 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

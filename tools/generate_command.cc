@@ -9,8 +9,10 @@
 #include <string>
 
 #include "tools/commands.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 #include "tools/tool_support.h"
+
+namespace refgrove {
 
 namespace {
 
@@ -60,3 +62,5 @@ void add_generate_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("OUT_DIR", args->dir, "the directory to write")->required();
   cmd->callback([&ctx, args] { ctx.status = generate(*args, ctx.out, ctx.err); });
 }
+
+}  // namespace refgrove

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <filesystem>
 
+namespace refgrove {
+
 namespace {
 
 int wake_signal() { return SIGRTMIN; }
@@ -59,3 +61,5 @@ void InterruptCleanup::clean_up_and_exit(int signal) {
   [[maybe_unused]] const ssize_t n = write(STDERR_FILENO, text, sizeof text - 1);
   _exit(128 + signal);
 }
+
+}  // namespace refgrove

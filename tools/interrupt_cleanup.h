@@ -19,6 +19,8 @@
 
 #include <signal.h>
 
+namespace refgrove {
+
 class InterruptCleanup {
  public:
   InterruptCleanup();
@@ -45,5 +47,7 @@ class InterruptCleanup {
   std::atomic<bool> stop_{false};
   std::thread watcher_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_INTERRUPT_CLEANUP_H_

@@ -13,6 +13,8 @@
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 // A reverse lookup from an argument of type Arg (a DID, an author id, a
@@ -109,3 +111,5 @@ void add_lookup_commands(CLI::App& app, CommandContext& ctx) {
   add_lookup<int>(app, ctx, kAuthorDocs, true);
   add_lookup<std::string>(app, ctx, kKeyDocs);
 }
+
+}  // namespace refgrove

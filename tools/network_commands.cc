@@ -23,9 +23,9 @@
 #include "tools/network_formats.h"
 #include "tools/tool_support.h"
 
-namespace {
+namespace refgrove {
 
-using namespace refgrove;
+namespace {
 
 // Loads the directory and runs `body` on it; the analysis's complaints
 // about its arguments become "refgrove COMMAND: ..." and status 1.
@@ -302,3 +302,5 @@ void add_network_commands(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("--largest", components->largest, "how many sizes to show")->transform(limit)->capture_default_str();
   cmd->callback([&ctx, components] { ctx.status = run_components(*components, ctx); });
 }
+
+}  // namespace refgrove

@@ -9,6 +9,8 @@
 #include "testing/data_dir_builder.h"
 #include "tools/tool_test_util.h"
 
+namespace refgrove {
+
 namespace {
 
 TestDocument paper(int did, int year, std::vector<int> cited, std::vector<std::string> authors, std::string title) {
@@ -117,3 +119,5 @@ TEST_F(NetworkCommandsTest, BadArguments) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

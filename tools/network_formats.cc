@@ -5,6 +5,8 @@
 #include "core/data_view.h"
 #include "network/citation_graph.h"
 
+namespace refgrove {
+
 namespace {
 
 NetworkNode node_of(const RefgroveData& d, const refgrove::CitationGraph& g, int did) {
@@ -104,3 +106,5 @@ std::string title_of(const RefgroveData& d, int did) {
   }
   return title;
 }
+
+}  // namespace refgrove

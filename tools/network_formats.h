@@ -12,6 +12,8 @@
 #include "core/data_set.h"
 #include "network/neighbourhood.h"
 
+namespace refgrove {
+
 // A node as written: its DID, and what is known of it.
 struct NetworkNode {
   int did = 0;
@@ -40,5 +42,7 @@ void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out);
 
 // The title of `did`, its words joined by blanks, as the bytes of the data.
 std::string title_of(const RefgroveData& d, int did);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_NETWORK_FORMATS_H_

@@ -9,6 +9,8 @@
 #include "tools/commands.h"
 #include "tools/safe_preprocess.h"
 
+namespace refgrove {
+
 namespace {
 
 const char kHelp[] =
@@ -56,3 +58,5 @@ void add_preprocess_command(CLI::App& app, CommandContext& ctx) {
     ctx.status = safe_preprocess(*request, ctx.out, ctx.err);
   });
 }
+
+}  // namespace refgrove

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cstdio>
 
+namespace refgrove {
+
 namespace {
 
 constexpr auto kRedrawInterval = std::chrono::milliseconds(250);
@@ -81,3 +83,5 @@ void ProgressDisplay::show_until_stopped() {
     }
   } while (!stop_requested_.wait_for(lock, interval, [this] { return stop_; }));
 }
+
+}  // namespace refgrove

@@ -14,6 +14,8 @@
 #include <string>
 #include <thread>
 
+namespace refgrove {
+
 // The text of the line after `seconds` with `read` of `total` bytes read:
 //   "reading the dumps: 43% of 960.2 MB, 381.0 MB/s, 1 s left"
 // The rate and the time left wait for a first measurement; once every byte
@@ -59,5 +61,7 @@ class ProgressDisplay {
   bool stop_ = false;
   std::thread thread_;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_PROGRESS_DISPLAY_H_

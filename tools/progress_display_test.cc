@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace refgrove {
+
 namespace {
 
 TEST(ProgressDisplayTest, Lines) {
@@ -42,3 +44,5 @@ TEST(ProgressDisplayTest, LogLinesAtEachTenth) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -6,6 +6,8 @@
 #include "tools/commands.h"
 #include "tools/usage_error.h"
 
+namespace refgrove {
+
 #ifndef REFGROVE_VERSION
 #error "REFGROVE_VERSION must be defined by the build (the project's version)"
 #endif
@@ -59,3 +61,5 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   }
   return ctx.status;
 }
+
+}  // namespace refgrove

@@ -3,4 +3,4 @@
 
 #include "tools/commands.h"
 
-int main(int argc, char** argv) { return refgrove_main(argc, argv, std::cin, std::cout, std::cerr); }
+int main(int argc, char** argv) { return refgrove::refgrove_main(argc, argv, std::cin, std::cout, std::cerr); }

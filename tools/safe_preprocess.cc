@@ -13,6 +13,8 @@
 #include "tools/progress_display.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr char kPrefix[] = "refgrove preprocess: ";
@@ -126,3 +128,5 @@ int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::os
     return fail(err, e.what());
   }
 }
+
+}  // namespace refgrove

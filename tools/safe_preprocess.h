@@ -12,6 +12,8 @@
 
 #include "preproc/format_limits.h"
 
+namespace refgrove {
+
 struct PreprocessRequest {
   std::string in_dir, out_dir;  // as given; a trailing "/" is optional
   // The module's own messages ("Preproc word data ...", the running DID
@@ -33,5 +35,7 @@ struct PreprocessRequest {
 // module writes it). SIGINT and SIGTERM meanwhile end the process with 130
 // and 143 after removing what the run had written.
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_SAFE_PREPROCESS_H_

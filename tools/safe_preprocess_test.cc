@@ -24,7 +24,9 @@
 #include "testing/child_process.h"
 #include "testing/data_files.h"
 #include "testing/test_files.h"
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
+
+namespace refgrove {
 
 namespace {
 
@@ -273,3 +275,5 @@ TEST_F(SafePreprocessTest, OnATerminalTheModulesMessagesNeedVerbose) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -14,6 +14,8 @@
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 constexpr int kTextAuthors = 3;  // authors named in the text format, before "et al."
@@ -134,3 +136,5 @@ void add_search_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("TERM", args->terms, "the search terms")->required();
   cmd->callback([&ctx, args] { ctx.status = run_search(*args, ctx); });
 }
+
+}  // namespace refgrove

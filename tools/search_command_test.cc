@@ -10,6 +10,8 @@
 #include "testing/data_files.h"
 #include "tools/tool_test_util.h"
 
+namespace refgrove {
+
 namespace {
 
 class SearchCommandTest : public ::testing::Test {
@@ -90,3 +92,5 @@ TEST_F(SearchCommandTest, ExitStatusTellsNoHitFromUsageErrors) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -8,6 +8,8 @@
 #include "tools/tool_support.h"
 #include "web/serve.h"
 
+namespace refgrove {
+
 namespace {
 
 struct ServeArgs {
@@ -50,3 +52,5 @@ void add_serve_command(CLI::App& app, CommandContext& ctx) {
         args->options, [&] { return load_data_dir("serve", args->dir, ctx.err); }, ctx.out, ctx.err);
   });
 }
+
+}  // namespace refgrove

@@ -11,6 +11,8 @@
 #include "core/document_text.h"
 #include "tools/tool_support.h"
 
+namespace refgrove {
+
 namespace {
 
 const char kHelp[] =
@@ -114,3 +116,5 @@ void add_show_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("DID", *dids, "document ids")->required()->transform(decimal());
   cmd->callback([&ctx, dir, dids] { ctx.status = run_show(*dir, *dids, ctx); });
 }
+
+}  // namespace refgrove

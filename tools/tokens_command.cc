@@ -17,6 +17,8 @@
 #include "tokenizer/stream_tokenizer.h"
 #include "tools/commands.h"
 
+namespace refgrove {
+
 namespace {
 
 const char kHelp[] =
@@ -212,3 +214,5 @@ void add_tokens_command(CLI::App& app, CommandContext& ctx) {
     ctx.status = list_tokens(*o, ctx.in, ctx.out, ctx.err);
   });
 }
+
+}  // namespace refgrove

@@ -8,6 +8,8 @@
 
 #include "tools/tool_test_util.h"
 
+namespace refgrove {
+
 namespace {
 
 // The exit status, then standard output, then standard error after "stderr: " when there is any.
@@ -86,3 +88,5 @@ TEST(TokensCommandTest, FilesAndHelp) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -8,6 +8,8 @@
 
 #include "core/data_set.h"
 
+namespace refgrove {
+
 std::string as_dir(const std::string& path) {
   if (path.empty() || path.back() == '/') return path;
   return path + "/";
@@ -70,3 +72,5 @@ int add_named_authors(const char* command, const RefgroveData& data, const std::
   }
   return status;
 }
+
+}  // namespace refgrove

@@ -14,6 +14,8 @@ class App;
 class Validator;
 }  // namespace CLI
 
+namespace refgrove {
+
 // `path` with a trailing "/" (the library appends file names to directory
 // paths without a separator).
 std::string as_dir(const std::string& path);
@@ -51,5 +53,7 @@ void add_data_dir_args(CLI::App* cmd, DataDirArgs* args);
 // and that the four data files are there; on failure writes
 // "refgrove <command>: ..." to `err` and returns null. The loading messages go to `err` only with -v.
 refgrove::DataSetPtr load_data_dir(const char* command, const DataDirArgs& args, std::ostream& err);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_TOOL_SUPPORT_H_

@@ -8,6 +8,8 @@
 
 #include "tools/commands.h"
 
+namespace refgrove {
+
 struct ToolRun {
   int status;
   std::string out, err;
@@ -23,5 +25,7 @@ inline ToolRun run_tool(std::vector<std::string> args, const std::string& input 
   const int status = refgrove_main(static_cast<int>(argv.size()), argv.data(), in, out, err);
   return ToolRun{status, out.str(), err.str()};
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_TOOL_TEST_UTIL_H_

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace refgrove {
+
 namespace {
 
 std::size_t edit_distance(const std::string& a, const std::string& b) {
@@ -84,3 +86,5 @@ void write_usage_error(CLI::App& app, const CLI::ParseError& error, std::ostream
   if (what.empty()) what = error.what();
   err << path << ": " << what << "\n" << usage(cmd) << "Run '" << path << " --help' for more.\n";
 }
+
+}  // namespace refgrove

@@ -19,6 +19,8 @@ class App;
 class ParseError;
 }  // namespace CLI
 
+namespace refgrove {
+
 // Writes the error that parsing the command line of `app` threw.
 void write_usage_error(CLI::App& app, const CLI::ParseError& error, std::ostream& err);
 
@@ -26,5 +28,7 @@ void write_usage_error(CLI::App& app, const CLI::ParseError& error, std::ostream
 // to insert, delete or replace; empty when even the nearest needs more than
 // a third of the word changed (or more than one character of a short word).
 std::string nearest_name(const std::string& word, const std::vector<std::string>& names);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_USAGE_ERROR_H_

@@ -11,6 +11,8 @@
 #include "tools/tool_test_util.h"
 #include "tools/usage_error.h"
 
+namespace refgrove {
+
 namespace {
 
 TEST(UsageErrorTest, NumbersAreDecimalInt32) {
@@ -100,3 +102,5 @@ TEST(UsageErrorTest, Messages) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -6,7 +6,9 @@
 
 #include <nlohmann/json.hpp>
 
+namespace refgrove {
 class RefgroveData;
+}  // namespace refgrove
 
 namespace refgrove::web {
 

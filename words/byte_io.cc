@@ -2,6 +2,8 @@
 
 #include <iterator>
 
+namespace refgrove {
+
 std::string read_rest_of_stream(std::istream& in) {
   std::string bytes;
   if (!in) return bytes;
@@ -18,3 +20,5 @@ std::string read_rest_of_stream(std::istream& in) {
   bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   return bytes;
 }
+
+}  // namespace refgrove

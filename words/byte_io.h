@@ -14,6 +14,8 @@
 #include <ostream>
 #include <string>
 
+namespace refgrove {
+
 // The n low bytes of v, least significant first.
 inline void encode_le(char* b, std::uint32_t v, int n) {
   for (int i = 0; i < n; ++i) b[i] = static_cast<char>(v >> (8 * i));
@@ -116,5 +118,7 @@ class ByteReader {
 // The rest of a stream, from its current position to its end; empty for a
 // stream in a failed state.
 std::string read_rest_of_stream(std::istream& in);
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_WORDS_BYTE_IO_H_

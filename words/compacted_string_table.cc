@@ -6,6 +6,8 @@
 
 #include "words/string_table.h"
 
+namespace refgrove {
+
 namespace {
 // The table whose alpha index is being sorted; read by str2word_cmp.
 const CompactedStringTable* sorting_table = nullptr;
@@ -89,3 +91,5 @@ void CompactedStringTable::makeAlphaIndex() const {
   std::sort(alpha_index_.get(), alpha_index_.get() + count - 1, str2word_cmp());
   sorting_table = nullptr;
 }
+
+}  // namespace refgrove

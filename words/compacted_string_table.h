@@ -23,6 +23,8 @@
 
 #include "words/byte_io.h"
 
+namespace refgrove {
+
 class StringTable;
 
 class CompactedStringTable {
@@ -88,5 +90,7 @@ class CompactedStringTable {
 struct str2word_cmp {
   bool operator()(const CompactedStringTable::Entry& a, const CompactedStringTable::Entry& b) const;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_WORDS_COMPACTED_STRING_TABLE_H_

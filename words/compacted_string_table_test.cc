@@ -8,6 +8,8 @@
 
 #include "words/string_table.h"
 
+namespace refgrove {
+
 namespace {
 
 CompactedStringTable freeze(const std::vector<std::string>& words) {
@@ -127,3 +129,5 @@ TEST(CompactedStringTable, DamagedFilesGiveNothingOutsideWhatIsThere) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+namespace refgrove {
+
 MappedFile::MappedFile(const std::string& name, std::size_t max_size) {
   fd_ = open(name.c_str(), O_RDONLY);
   struct stat st;
@@ -23,3 +25,5 @@ MappedFile::~MappedFile() {
   if (data_ != nullptr) munmap(const_cast<unsigned char*>(data_), size_);
   if (fd_ >= 0) close(fd_);
 }
+
+}  // namespace refgrove

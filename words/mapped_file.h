@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <string>
 
+namespace refgrove {
+
 class MappedFile {
  public:
   // Maps at most max_size bytes from the start of `name`.
@@ -28,5 +30,7 @@ class MappedFile {
   const unsigned char* data_ = nullptr;
   std::size_t size_ = 0;
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_WORDS_MAPPED_FILE_H_

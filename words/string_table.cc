@@ -6,6 +6,8 @@
 #include <cstring>
 #include <new>
 
+namespace refgrove {
+
 namespace {
 constexpr unsigned kInitialBits = 10;
 
@@ -185,3 +187,5 @@ void StringTable::grow() {
     slots_[i] = slot;
   }
 }
+
+}  // namespace refgrove

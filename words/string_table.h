@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+namespace refgrove {
+
 class StringTable {
  public:
   StringTable();
@@ -107,5 +109,7 @@ class StringTable {
   unsigned bits_;  // slots_.size() is 2^bits_
   std::vector<std::uint32_t> hashes_;  // the hash of each id, for grow()
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_WORDS_STRING_TABLE_H_

@@ -6,6 +6,8 @@
 
 #include "tokenizer/name_hash.h"
 
+namespace refgrove {
+
 namespace {
 
 TEST(NameHash, FiveTimesPlusSignedByteUpToFirstNul) {
@@ -85,3 +87,5 @@ TEST(StringTable, KeepsIdsAcrossGrowth) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

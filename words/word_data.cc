@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <fstream>
 
+namespace refgrove {
+
 WordData::WordData(const std::string& dir, std::ostream& log) {
   read_word_table(dir + kWordTableFile, log);
   read_headers(dir + kWordIdxFile, log);
@@ -43,3 +45,5 @@ void WordData::map_word_ids(const std::string& name, std::ostream& log) {
   log << "start=";
   log << "Done.\n";
 }
+
+}  // namespace refgrove

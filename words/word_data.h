@@ -25,6 +25,8 @@
 #include "words/mapped_file.h"
 #include "words/word_files.h"
 
+namespace refgrove {
+
 class WordData {
  public:
   // Loads "word-table", "word-idx" and "word-data" of `dir`, a prefix to
@@ -68,5 +70,7 @@ class WordData {
 
   std::unique_ptr<MappedFile> word_file_;  // "word-data", as far as the last header's offset names; null without files
 };
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_WORDS_WORD_DATA_H_

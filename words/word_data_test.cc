@@ -7,6 +7,8 @@
 
 #include "testing/test_files.h"
 
+namespace refgrove {
+
 namespace {
 
 std::vector<std::uint32_t> words_at(const WordData& data, std::int64_t from, std::int64_t to) {
@@ -102,3 +104,5 @@ TEST(WordData, MissingDirectoryLoadsEmpty) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

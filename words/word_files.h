@@ -21,6 +21,8 @@
 
 #include "words/byte_io.h"
 
+namespace refgrove {
+
 inline constexpr char kWordTableFile[] = "word-table";
 inline constexpr char kWordIdxFile[] = "word-idx";
 inline constexpr char kWordDataFile[] = "word-data";
@@ -68,5 +70,7 @@ inline void write_document_word_info(std::ostream& out, DocumentWordInfo info) {
 inline DocumentWordInfo read_document_word_info(const unsigned char* p) {
   return DocumentWordInfo{get_int32(p), get_int32(p + 4)};
 }
+
+}  // namespace refgrove
 
 #endif  // REFGROVE_WORDS_WORD_FILES_H_

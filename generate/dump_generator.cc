@@ -1,4 +1,4 @@
-#include "tools/dump_generator.h"
+#include "generate/dump_generator.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,6 +6,8 @@
 #include <iterator>
 #include <memory>
 #include <vector>
+
+namespace refgrove {
 
 namespace {
 
@@ -297,3 +299,5 @@ bool generate_dumps(const std::string& dir, const DumpGeneratorOptions& options,
   *result = r;
   return true;
 }
+
+}  // namespace refgrove

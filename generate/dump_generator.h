@@ -10,11 +10,13 @@
 // are not ASCII. The output depends only on the document count and the
 // seed: the generator uses no library distribution, so it is the same on
 // every platform.
-#ifndef REFGROVE_TOOLS_DUMP_GENERATOR_H_
-#define REFGROVE_TOOLS_DUMP_GENERATOR_H_
+#ifndef REFGROVE_GENERATE_DUMP_GENERATOR_H_
+#define REFGROVE_GENERATE_DUMP_GENERATOR_H_
 
 #include <cstdint>
 #include <string>
+
+namespace refgrove {
 
 struct DumpGeneratorOptions {
   std::int64_t docs = 1000;
@@ -32,4 +34,6 @@ struct DumpGeneratorResult {
 bool generate_dumps(const std::string& dir, const DumpGeneratorOptions& options, DumpGeneratorResult* result,
                     std::string* error);
 
-#endif  // REFGROVE_TOOLS_DUMP_GENERATOR_H_
+}  // namespace refgrove
+
+#endif  // REFGROVE_GENERATE_DUMP_GENERATOR_H_
