@@ -26,7 +26,6 @@
 
 #include "core/data_view.h"
 #include "core/document_text.h"
-#include "search/text_folding.h"
 #include "search/word_search.h"
 
 namespace refgrove {

@@ -79,8 +79,7 @@ int get_author_doc(const RefgroveData& d, int author_id, int i, int* did);
 // Documents whose key is `key`, by ascending DID; "-" and "" match nothing.
 int key_doc_count(const RefgroveData& d, const char* key, int* out);
 int get_key_doc(const RefgroveData& d, const char* key, int i, int* did);
-// Authors by name, with ASCII letters compared ignoring case
-// (author_names.h): those named `name`, by ascending id; those whose name
+// Authors by name, ignoring case and accents (author_names.h): those named `name`, by ascending id; those whose name
 // starts with `prefix`, by name. A null text matches no author.
 int author_named_count(const RefgroveData& d, const char* name, int* out);
 int get_author_named(const RefgroveData& d, const char* name, int i, int* author_id);

@@ -54,12 +54,12 @@ const AuthorNameIndex& author_names(const RefgroveData& d) {
 // A null name, or prefix, matches no author.
 std::span<const std::int32_t> authors_named(const RefgroveData& d, const char* name) {
   if (name == nullptr) return {};
-  return author_names(d).named(*d.graph, name);
+  return author_names(d).named(name);
 }
 
 std::span<const std::int32_t> authors_with_prefix(const RefgroveData& d, const char* prefix) {
   if (prefix == nullptr) return {};
-  return author_names(d).with_prefix(*d.graph, prefix);
+  return author_names(d).with_prefix(prefix);
 }
 
 }  // namespace

@@ -82,7 +82,7 @@ REFGROVE_VISIBLE int refgrove_get_author_doc_1(int author_id, int i, int* did);
 REFGROVE_VISIBLE int refgrove_key_doc_count_1(const char* key, int* out);
 REFGROVE_VISIBLE int refgrove_get_key_doc_1(const char* key, int i, int* did);
 
-/* Author ids by name, ASCII letters compared ignoring case: those named
+/* Author ids by name, ignoring case and accents: those named
  * `name`, by ascending id; those whose name starts with `prefix`, by name
  * (the empty prefix gives every author). Same conventions as the reverse
  * lookups above. */

@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "core/lookup.h"
-#include "search/text_folding.h"
+#include "core/text_folding.h"
 
 namespace refgrove {
 namespace {
@@ -130,7 +130,7 @@ class WordIndex::Builder {
     for (std::int32_t id = 0; id < table.count; ++id) {
       const char* text = table.lookup(id);
       if (text == nullptr) continue;
-      folded[static_cast<std::size_t>(id)] = fold_word(text);
+      folded[static_cast<std::size_t>(id)] = fold_text(text);
       with_text.push_back(static_cast<std::uint32_t>(id));
     }
     std::sort(with_text.begin(), with_text.end(),

@@ -3,7 +3,7 @@
 //
 // Every document's words are its title words (graph record) followed by its
 // real abstract (core/lookup.h abstract_run); words without a text in the
-// word table are left out. A term is a folded word (text_folding.h); word
+// word table are left out. A term is a folded word (core/text_folding.h); word
 // ids whose texts fold alike share one term. Terms are numbered in byte
 // order of their folded texts, so the terms that start with a prefix form
 // one range of ids; a hash table finds a whole term in a probe or two

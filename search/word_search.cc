@@ -8,7 +8,7 @@
 #include <unordered_set>
 #include <utility>
 
-#include "search/text_folding.h"
+#include "core/text_folding.h"
 
 namespace refgrove {
 namespace {
@@ -217,7 +217,7 @@ std::vector<QueryTerm> parse_query(std::string_view query) {
   for (const std::string_view piece : split_terms(query)) {
     if (piece == "*") throw SearchUsageError("a lone \"*\" is no search term: give the start of a word before it");
     const bool prefix = piece.ends_with('*');
-    QueryTerm term{fold_word(prefix ? piece.substr(0, piece.size() - 1) : piece), prefix};
+    QueryTerm term{fold_text(prefix ? piece.substr(0, piece.size() - 1) : piece), prefix};
     if (!seen.insert(term.folded + (prefix ? "*" : "")).second) continue;
     if (terms.size() == kMaxQueryTerms) {
       throw SearchUsageError("too many search terms: a query has at most " + std::to_string(kMaxQueryTerms) +

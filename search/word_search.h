@@ -1,7 +1,7 @@
 // Ranked search of a loaded data set's documents by their words.
 //
 // A query is a list of terms separated by white space. A term matches a word
-// when both fold to the same text (text_folding.h); a term ending in "*"
+// when both fold to the same text (core/text_folding.h); a term ending in "*"
 // matches every word whose folded text starts with the rest. Mode kAnd keeps
 // the documents holding every term, kOr those holding at least one.
 //

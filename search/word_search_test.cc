@@ -18,7 +18,7 @@
 #include "core/data_view.h"
 #include "testing/test_documents.h"
 #include "search/refgrove_search.h"
-#include "search/text_folding.h"
+#include "core/text_folding.h"
 #include "testing/data_files.h"
 
 namespace refgrove {
@@ -35,11 +35,11 @@ std::vector<std::string> words_of(const RefgroveData& d, int did) {
   const char* w = nullptr;
   refgrove::title_length(d, did, &n);
   for (int i = 0; i < n; ++i) {
-    if (refgrove::get_title_word(d, did, i, &w)) words.push_back(refgrove::fold_word(w));
+    if (refgrove::get_title_word(d, did, i, &w)) words.push_back(refgrove::fold_text(w));
   }
   refgrove::abstract_length(d, did, &n);
   for (int i = 0; i < n; ++i) {
-    if (refgrove::get_abstract_word(d, did, i, &w)) words.push_back(refgrove::fold_word(w));
+    if (refgrove::get_abstract_word(d, did, i, &w)) words.push_back(refgrove::fold_text(w));
   }
   return words;
 }
@@ -53,7 +53,7 @@ std::vector<SearchHit> scan(const RefgroveData& d, const std::string& query, Sea
   }
   const auto matches = [](const std::string& term, const std::string& word) {
     const bool prefix = term.back() == '*';
-    const std::string folded = refgrove::fold_word(prefix ? term.substr(0, term.size() - 1) : term);
+    const std::string folded = refgrove::fold_text(prefix ? term.substr(0, term.size() - 1) : term);
     return prefix ? word.starts_with(folded) : word == folded;
   };
   int last = 0;

@@ -180,6 +180,7 @@ answer(refgrove_document(146)).
 answer(findall(A, refgrove_author_named('a. lee', A), [3])).
 answer(findall(A, refgrove_author_named("A. LEE", A), [3])).
 answer(findall(A, refgrove_author_named('P. Erdős', A), [9])).
+answer(findall(A, refgrove_author_named('P. ERDOS', A), [9])).
 answer(findall(N, (refgrove_author_prefix('p. e', A), refgrove_id2author(A, N)), ['P. Eades', 'P. Erdős'])).
 answer(refgrove_author_prefix('', 0)).
 
@@ -215,7 +216,6 @@ no_answer(refgrove_cites(107, 110)).
 no_answer(refgrove_key_did(chen95, 108)).
 no_answer(refgrove_author_document(21, _)).
 no_answer(refgrove_author_named('a. le', _)).
-no_answer(refgrove_author_named('P. ERDŐS', _)).
 no_answer(refgrove_author_named('a. lee', 4)).
 no_answer(refgrove_author_prefix('zz', _)).
 no_answer(refgrove_cites(107, 100000000000000000000)).

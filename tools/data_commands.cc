@@ -301,7 +301,7 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
   author->footer(
       "Prints the name of each author id, one per line. --name NAME\n"
       "(repeatable) prints the id and name, tab-separated, of each author named\n"
-      "NAME, ASCII letters ignoring case, or, for NAME*, of each author whose\n"
+      "NAME, ignoring case and accents, or, for NAME*, of each author whose\n"
       "name starts with NAME. Exit status 1 when an id is not in the author\n"
       "table or a name names no author.");
   auto author_args = std::make_shared<DataDirArgs>();

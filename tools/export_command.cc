@@ -13,7 +13,6 @@
 #include <string_view>
 #include <vector>
 
-#include "search/text_folding.h"
 #include "tools/commands.h"
 #include "tools/network_formats.h"
 #include "core/document_text.h"

@@ -92,7 +92,7 @@ const Lookup<int> kAuthorDocs = {
     "author-docs", "list the documents of authors, by author id",
     "Prints, for each author id, the DIDs of the documents listing the\n"
     "author, in ascending order. --name NAME (repeatable) adds the authors\n"
-    "named NAME, ASCII letters ignoring case, or, for NAME*, those whose name\n"
+    "named NAME, ignoring case and accents, or, for NAME*, those whose name\n"
     "starts with NAME. Exit status 1 when an author has none or a name names\n"
     "no author.",
     "ID", "no document by author", refgrove::author_doc_count, refgrove::get_author_doc};

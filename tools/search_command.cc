@@ -108,9 +108,10 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
 const char kHelp[] =
     "Prints the documents of the data directory DIR whose title or abstract\n"
     "holds every TERM (with --any: at least one), best first by BM25.\n"
-    "A term matches a word equal to it ignoring case (ASCII and the Latin\n"
-    "letters of Latin-1 and Latin Extended-A); a term ending in \"*\" matches\n"
-    "every word starting with the rest. Quote such terms for the shell.\n"
+    "A term matches a word equal to it ignoring case and accents (Unicode\n"
+    "case folding, composed and decomposed forms alike); a term ending in\n"
+    "\"*\" matches every word starting with the rest. Quote such terms for\n"
+    "the shell.\n"
     "\n"
     "text: for people: rank, title, year, first authors, DID and score.\n"
     "tsv: did<TAB>score<TAB>title per line.\n"

@@ -160,6 +160,8 @@ TEST(ExplorerApi, SearchFindsWordsKeysAndAuthors) {
       {"graph*", "and", "", ""},           {"graph citation", "or", "", ""}, {"graph citation", "and", "", ""},
       {"chen95", "and", "chen95", ""},     {"lee", "and", "", "A. Lee"},     {"erd%C5%91s", "and", "", "P. Erdős"},
       {"baeza-yates", "or", "", "R. Baeza-Yates"},
+      {"ERDOS", "and", "", "P. Erdős"},
+      {"erdo%CC%8Bs", "and", "", "P. Erdős"},  // o and a combining double acute
   };
   for (const auto& c : cases) {
     const std::string path = "/api/search?q=" + c.query + "&mode=" + c.mode + "&limit=5";

@@ -4,7 +4,8 @@
 #include <vector>
 
 #include "core/data_view.h"
-#include "search/text_folding.h"
+#include "core/text_folding.h"
+#include "core/utf8_text.h"
 #include "web/api_params.h"
 
 namespace refgrove::web {
@@ -22,7 +23,7 @@ const FoldedAuthorNames& folded_author_names(const RefgroveData& d) {
     folded.names.reserve(static_cast<std::size_t>(n));
     for (int id = 0; id < n; ++id) {
       const char* name = nullptr;
-      folded.names.push_back(id2author(d, id, &name) ? fold_word(name) : std::string());
+      folded.names.push_back(id2author(d, id, &name) ? fold_text(name) : std::string());
     }
     return folded;
   });
@@ -39,7 +40,7 @@ bool starts_a_word(std::string_view name, std::string_view term) {
 
 Json matching_authors(const RefgroveData& d, std::string_view query, int limit) {
   std::vector<std::string> terms;
-  for (const std::string_view term : split_terms(query)) terms.push_back(fold_word(term));
+  for (const std::string_view term : split_terms(query)) terms.push_back(fold_text(term));
   const std::vector<std::string>& names = folded_author_names(d).names;
   Json authors = Json::array();
   for (std::size_t id = 0; id < names.size() && authors.size() < static_cast<std::size_t>(limit); ++id) {

@@ -499,9 +499,9 @@ message_hook/3 sees them.
 
 %!  refgrove_author_named(+Name, ?AuthorId) is nondet.
 %
-%   AuthorId is an author whose name is Name, ASCII letters compared
-%   ignoring case (so 'p. erdős' finds 'P. Erdős', 'P. ERDŐS' does not),
-%   by ascending id. Name may be a string.
+%   AuthorId is an author whose name is Name ignoring case and accents
+%   (so 'p. erdős', 'P. ERDŐS' and 'p. erdos' find 'P. Erdős'), by
+%   ascending id. Name may be a string.
 %
 %   ==
 %   ?- refgrove_author_named('a. lee', Id).
@@ -514,8 +514,8 @@ message_hook/3 sees them.
 
 %!  refgrove_author_prefix(+Prefix, ?AuthorId) is nondet.
 %
-%   AuthorId is an author whose name starts with Prefix, ASCII letters
-%   compared ignoring case, in the order of the names. Prefix may be a
+%   AuthorId is an author whose name starts with Prefix ignoring case and
+%   accents, in the order of the folded names. Prefix may be a
 %   string; '' gives every author.
 %
 %   ==
@@ -768,8 +768,8 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   (equal scores by ascending Did).
 %
 %   Query is an atom or string of terms separated by white space. A term
-%   matches a word equal to it ignoring case (ASCII letters and the Latin
-%   letters of Latin-1 and Latin Extended-A); a term ending in `*`
+%   matches a word equal to it ignoring case and accents (Unicode case
+%   folding, composed and decomposed forms alike); a term ending in `*`
 %   matches every word that starts with the rest. Before any
 %   refgrove_load/1 nothing matches. For example:
 %
