@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
@@ -109,10 +110,18 @@ bool digest_file(const std::string& path, ChecksumKind kind, FileDigest* digest,
   }
 }
 
-bool write_manifest(const std::string& dir, const std::string& path, const std::string& made_by,
-                    std::string* error) {
+const std::vector<std::string>& optional_data_file_names() {
+  static const std::vector<std::string> names = {kOutsideKeysFile};
+  return names;
+}
+
+bool write_manifest(const std::string& dir, const std::string& path, const std::string& made_by, std::string* error) {
   json files = json::object();
-  for (const std::string& name : data_file_names()) {
+  std::vector<std::string> names = data_file_names();
+  for (const std::string& name : optional_data_file_names()) {
+    if (access((dir + name).c_str(), F_OK) == 0) names.push_back(name);
+  }
+  for (const std::string& name : names) {
     FileDigest d;
     if (!digest_file(dir + name, ChecksumKind::xxh3_64, &d, error)) return false;
     files[name] = {{"size", d.size}, {checksum_key(ChecksumKind::xxh3_64), hex64(d.checksum)}};
@@ -131,16 +140,26 @@ std::vector<ManifestMismatch> manifest_mismatches(const std::string& dir) {
   }
   std::vector<ManifestMismatch> mismatches;
   const json& files = manifest["files"];
-  for (const std::string& name : data_file_names()) {
+  std::vector<std::string> names = data_file_names();
+  for (const std::string& name : optional_data_file_names()) {
+    if (files.contains(name)) names.push_back(name);
+  }
+  for (const std::string& name : names) {
     FileDigest listed, actual;
     ChecksumKind kind = ChecksumKind::xxh3_64;
     std::string error;
     if (!files.contains(name) || !parse_entry(files[name], &listed, &kind)) {
       mismatches.push_back(unusable_manifest("no valid size and checksum for " + name + ": it cannot be compared."));
-    } else if (digest_file(dir + name, kind, &actual, &error) &&
-               (actual.size != listed.size || actual.checksum != listed.checksum)) {
-      mismatches.push_back(ManifestMismatch{name,
-                                 "the file is not the one " + std::string(kManifestFile) + " lists (size " +
+    } else if (!digest_file(dir + name, kind, &actual, &error)) {
+      // A missing data file is the consistency check's to report; an
+      // optional one only the manifest knows about.
+      if (!std::count(data_file_names().begin(), data_file_names().end(), name)) {
+        mismatches.push_back(ManifestMismatch{
+            name, "the file that " + std::string(kManifestFile) + " lists cannot be read: " + error + "."});
+      }
+    } else if ((actual.size != listed.size || actual.checksum != listed.checksum)) {
+      mismatches.push_back(
+          ManifestMismatch{name, "the file is not the one " + std::string(kManifestFile) + " lists (size " +
                                      std::to_string(actual.size) + ", listed " + std::to_string(listed.size) +
                                      (actual.checksum == listed.checksum ? "" : "; the checksum differs") +
                                      "): the files come from different runs, or this one was changed since."});

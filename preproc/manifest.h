@@ -28,6 +28,12 @@ inline constexpr char kManifestFile[] = "refgrove-manifest.json";
 // The names of the four data files, in the order the manifest lists them.
 const std::vector<std::string>& data_file_names();
 
+// The data files that a data directory may hold beside the four, listed by
+// the manifest when they are there: the keys of the works cited from outside
+// the set, which an import writes (import/outside_keys.h).
+inline constexpr char kOutsideKeysFile[] = "outside-keys";
+const std::vector<std::string>& optional_data_file_names();
+
 enum class ChecksumKind { xxh3_64, fnv1a64 };
 
 // FNV-1a 64 of `size` bytes, continuing from `hash` (start with the offset

@@ -60,8 +60,9 @@ class AnnouncedRunFiles {
 
 // The files moved into place, the manifest last, so that the target's old
 // manifest gives away a move cut short.
-std::vector<std::string> files_to_move() {
+std::vector<std::string> files_to_move(const StagedRequest& request) {
   std::vector<std::string> names = data_file_names();
+  for (const auto& [name, contents] : request.extra_files) names.push_back(name);
   names.push_back(kManifestFile);
   return names;
 }
@@ -100,9 +101,10 @@ std::string with_path_replaced(std::string text, const std::string& from, const 
   return text;
 }
 
-StagedRunError::StagedRunError(Stage stage, std::string target, std::string path, std::string reason,
-                               std::string what)
-    : PreprocError(std::move(path), std::move(reason)), stage(stage), target(std::move(target)),
+StagedRunError::StagedRunError(Stage stage, std::string target, std::string path, std::string reason, std::string what)
+    : PreprocError(std::move(path), std::move(reason)),
+      stage(stage),
+      target(std::move(target)),
       what_(std::move(what)) {}
 
 std::string StagedRunError::outcome() const {
@@ -121,7 +123,8 @@ StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hoo
   std::string error;
   TargetPaths paths;
   if (!resolve_target(request.out_dir, &paths, &error)) fail(Stage::setup, request.out_dir, request.out_dir, error);
-  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(paths, [&] { hooks.waiting(paths); }, &error);
+  const std::unique_ptr<TargetLock> lock = TargetLock::acquire(
+      paths, [&] { hooks.waiting(paths); }, &error);
   if (lock == nullptr) fail(Stage::setup, paths, error);
   for (const std::string& removed : remove_leftovers(paths)) hooks.removed_leftover(removed);
   // Declared after the lock: the staging directory is gone before the lock
@@ -131,6 +134,11 @@ StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hoo
   const AnnouncedRunFiles announced(hooks, staging, paths);
 
   StagedResult result{paths.target, preprocess_into(request, staging, paths)};
+  for (const auto& [name, contents] : request.extra_files) {
+    if (!write_synced(staging.prefix() + name, contents, &error)) {
+      fail(Stage::run, paths, with_path_replaced(error, staging.path(), paths.target));
+    }
+  }
   // The check, the manifest's checksums and writing the data files to disk
   // each read the files or wait for the disk: they run side by side. The
   // files are flushed here once and for all; the flush before the move
@@ -149,7 +157,7 @@ StagedResult staged_preprocess(const StagedRequest& request, StagedRunHooks& hoo
   }
   flushed.get();
   const std::unique_lock<std::mutex> moving = hooks.moving();
-  if (!move_into_place(staging.path(), paths, files_to_move(), &error)) fail(Stage::move, paths, error);
+  if (!move_into_place(staging.path(), paths, files_to_move(request), &error)) fail(Stage::move, paths, error);
   return result;
 }
 

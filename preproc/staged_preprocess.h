@@ -13,6 +13,7 @@
 
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "preproc/preprocess.h"
@@ -26,6 +27,10 @@ struct StagedRequest {
   // always checked (PreprocOptions::checked).
   PreprocOptions options;
   std::string made_by;  // the face, recorded in the manifest
+  // Optional data files (optional_data_file_names() in manifest.h) written
+  // beside the others: name and contents. Listed in the manifest and moved
+  // into place with the data files.
+  std::vector<std::pair<std::string, std::string>> extra_files;
 };
 
 // What a face says or does at the steps of a run; every hook may be left
@@ -67,7 +72,7 @@ class StagedRunError : public PreprocError {
   std::string outcome() const;
 
   Stage stage;
-  std::string target;  // absolute; as given when it could not be resolved
+  std::string target;                 // absolute; as given when it could not be resolved
   std::vector<std::string> problems;  // Stage::check
 
  private:

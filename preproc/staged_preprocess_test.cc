@@ -41,7 +41,7 @@ class RecordingHooks : public StagedRunHooks {
 
 StagedResult run(const std::string& in, const std::string& out, const std::string& made_by, StagedRunHooks& hooks) {
   std::ostream quiet(nullptr);
-  StagedRequest request{in, out, {}, made_by};
+  StagedRequest request{in, out, {}, made_by, {}};
   request.options.out = request.options.err = &quiet;
   return staged_preprocess(request, hooks);
 }

@@ -22,9 +22,6 @@ namespace refgrove {
 
 namespace {
 
-const char* const kWordDumpFiles[] = {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt",
-                                      "word-data3-mar-2002.txt"};
-
 // Stands for every word holding a byte outside ASCII.
 const std::string kForeignWord = "[foreign]";
 

@@ -24,6 +24,10 @@
 
 namespace refgrove {
 
+// The three word dumps of an input directory, in the order they are read.
+inline constexpr const char* kWordDumpFiles[] = {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt",
+                                                 "word-data3-mar-2002.txt"};
+
 class WordPreproc {
  public:
   // The word dumps' language: the characters of kSingleChars are tokens of
@@ -55,7 +59,7 @@ class WordPreproc {
   // What one word dump held beside its documents.
   struct DumpCounts {
     std::int64_t lines_without_did = 0;
-    std::int64_t clamped_dids = 0;  // DIDs beyond the int32 range, clamped to it
+    std::int64_t clamped_dids = 0;            // DIDs beyond the int32 range, clamped to it
     std::vector<std::int32_t> outlying_dids;  // those that did_may_be_unindexed, -1 left out
 
     DumpCounts& operator+=(const DumpCounts& other) {

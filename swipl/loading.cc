@@ -118,7 +118,7 @@ std::function<bool()> io_error(const std::string& path, const std::string& reaso
 std::function<bool()> run_preprocessing(const std::string& in, const std::string& out, std::ostream& log) {
   std::ostringstream messages;
   LibraryHooks hooks(log);
-  StagedRequest request{in, out, {}, "refgrove_preproc/2"};
+  StagedRequest request{in, out, {}, "refgrove_preproc/2", {}};
   request.options.out = request.options.err = &messages;
   const auto relay_messages = [&] { log << with_path_replaced(messages.str(), hooks.staging(), dir_prefix(out)); };
   try {

@@ -57,6 +57,9 @@ void add_fronts_commands(CLI::App& app, CommandContext& ctx);
 // `refgrove generate`: synthetic text dumps.
 void add_generate_command(CLI::App& app, CommandContext& ctx);
 
+// `refgrove import`: works in a source's format into a data directory
+// (native builds only).
+void add_import_command(CLI::App& app, CommandContext& ctx);
 // `refgrove serve`: the web explorer (native builds only).
 void add_serve_command(CLI::App& app, CommandContext& ctx);
 

@@ -48,6 +48,9 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   add_generate_command(app, ctx);
   add_network_commands(app, ctx);
   add_fronts_commands(app, ctx);
+#ifdef REFGROVE_IMPORT
+  add_import_command(app, ctx);
+#endif
 #ifdef REFGROVE_SERVE
   add_serve_command(app, ctx);
 #endif

@@ -35,36 +35,6 @@ void print_summary(std::ostream& out, const std::string& target, const PreprocSu
       << "  " << s.unindexed << " documents whose DID cannot be indexed (negative or out of range: not found by DID)\n";
 }
 
-// The tool's part in a staged run: its messages on `err`, the run's files
-// removed on SIGINT and SIGTERM, and `refgrove check` on the data made.
-class ToolHooks : public StagedRunHooks {
- public:
-  explicit ToolHooks(std::ostream& err) : err_(err) {}
-
-  void waiting(const TargetPaths& paths) override {
-    err_ << kPrefix << "another run is writing " << paths.target << " (lock " << paths.lock_file()
-         << "); waiting for it to finish\n"
-         << std::flush;
-  }
-  void removed_leftover(const std::string& path) override {
-    err_ << kPrefix << "removed " << path << ", left behind by a run that was interrupted\n";
-  }
-  void run_files_made(const std::string& staging_dir, const std::string& lock_file) override {
-    interrupts_.set_run_files(staging_dir, lock_file);
-  }
-  void run_files_gone() override { interrupts_.set_run_files("", ""); }
-  std::vector<std::string> check(const std::string& dir) override {
-    std::vector<std::string> problems;
-    for (const Finding& f : validate_data_dir(dir)) problems.push_back(f.text());
-    return problems;
-  }
-  std::unique_lock<std::mutex> moving() override { return interrupts_.hold(); }
-
- private:
-  std::ostream& err_;
-  InterruptCleanup interrupts_;
-};
-
 // Runs the request, showing the module's messages (-v), a progress line on
 // a terminal, or log lines; then the summary.
 int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
@@ -75,7 +45,7 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
   // filter, from different threads: each with an ostream of its own.
   std::ostream out_log(&out_filter), err_log(&err_filter), progress_log(&err_filter);
   PreprocProgress progress;
-  StagedRequest staged{request.in_dir, request.out_dir, {}, "refgrove preprocess"};
+  StagedRequest staged{request.in_dir, request.out_dir, {}, "refgrove preprocess", {}};
   PreprocOptions& options = staged.options;
   options.limits = request.limits;
   options.progress = &progress;
@@ -103,8 +73,34 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
 
 }  // namespace
 
+ToolRunHooks::ToolRunHooks(std::ostream& err, std::string prefix) : err_(err), prefix_(std::move(prefix)) {}
+
+void ToolRunHooks::waiting(const TargetPaths& paths) {
+  err_ << prefix_ << "another run is writing " << paths.target << " (lock " << paths.lock_file()
+       << "); waiting for it to finish\n"
+       << std::flush;
+}
+
+void ToolRunHooks::removed_leftover(const std::string& path) {
+  err_ << prefix_ << "removed " << path << ", left behind by a run that was interrupted\n";
+}
+
+void ToolRunHooks::run_files_made(const std::string& staging_dir, const std::string& lock_file) {
+  interrupts_.set_run_files(staging_dir, lock_file);
+}
+
+void ToolRunHooks::run_files_gone() { interrupts_.set_run_files("", ""); }
+
+std::vector<std::string> ToolRunHooks::check(const std::string& dir) {
+  std::vector<std::string> problems;
+  for (const Finding& f : validate_data_dir(dir)) problems.push_back(f.text());
+  return problems;
+}
+
+std::unique_lock<std::mutex> ToolRunHooks::moving() { return interrupts_.hold(); }
+
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err) {
-  ToolHooks hooks(err);  // first: the threads started later inherit its signal mask
+  ToolRunHooks hooks(err, kPrefix);  // first: the threads started later inherit its signal mask
   if (const std::string problem = directory_problem(request.in_dir); !problem.empty()) {
     return fail(err, request.in_dir + ": " + problem);
   }

@@ -11,6 +11,8 @@
 #include <string>
 
 #include "preproc/format_limits.h"
+#include "preproc/staged_preprocess.h"
+#include "tools/interrupt_cleanup.h"
 
 namespace refgrove {
 
@@ -27,6 +29,26 @@ struct PreprocessRequest {
   bool terminal = false;
   // What the data files can hold; smaller limits stand in for them in tests.
   FormatLimits limits;
+};
+
+// The tool's part in a staged run (`refgrove preprocess`, `refgrove import`):
+// its messages on `err`, each after `prefix`, the run's files removed on
+// SIGINT and SIGTERM, and `refgrove check` on the data made. Make it before
+// any thread: the threads started later inherit its signal mask.
+class ToolRunHooks : public StagedRunHooks {
+ public:
+  ToolRunHooks(std::ostream& err, std::string prefix);
+  void waiting(const TargetPaths& paths) override;
+  void removed_leftover(const std::string& path) override;
+  void run_files_made(const std::string& staging_dir, const std::string& lock_file) override;
+  void run_files_gone() override;
+  std::vector<std::string> check(const std::string& dir) override;
+  std::unique_lock<std::mutex> moving() override;
+
+ private:
+  std::ostream& err_;
+  std::string prefix_;
+  InterruptCleanup interrupts_;
 };
 
 // Runs the request; `out` gets the summary, `err` the errors. Returns the

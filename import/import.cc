@@ -1,0 +1,121 @@
+#include "import/import.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "graph/graph_dump.h"
+#include "import/openalex_reader.h"
+#include "import/outside_keys.h"
+#include "preproc/manifest.h"
+#include "preproc/word_preproc.h"
+
+namespace refgrove {
+namespace {
+
+// The directory of the dumps written for one run, beside the target,
+// removed with its files when the run ends.
+class DumpDir {
+ public:
+  explicit DumpDir(const TargetPaths& paths)
+      : path_(paths.parent + "/." + paths.name + ".refgrove-import." + std::to_string(getpid())) {
+    if (mkdir(path_.c_str(), 0700) != 0) throw ImportError(path_, 0, "", std::strerror(errno));
+  }
+  ~DumpDir() {
+    unlink(file(kGraphDumpFile).c_str());
+    for (const char* name : kWordDumpFiles) unlink(file(name).c_str());
+    rmdir(path_.c_str());
+  }
+  DumpDir(const DumpDir&) = delete;
+  DumpDir& operator=(const DumpDir&) = delete;
+
+  const std::string& path() const { return path_; }
+  std::string file(const std::string& name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_;
+};
+
+struct Format {
+  std::function<bool(const std::string&)> usable;  // a file met in a directory
+  std::size_t (*padding)();
+  void (*read)(const std::string&, const FileContents&, const WorkSink&);
+};
+
+const Format& format_of(const std::string& name) {
+  static const Format openalex{is_openalex_file, openalex_padding, read_openalex};
+  if (name == "openalex") return openalex;
+  throw ImportError(name, 0, "", "not a format that refgrove imports (known: openalex)");
+}
+
+WorkSetCounts write_dumps(const WorkSet& set, const DumpDir& dumps, std::vector<std::string>* outside) {
+  std::ofstream graph(dumps.file(kGraphDumpFile), std::ios::binary);
+  std::ofstream words(dumps.file(kWordDumpFiles[0]), std::ios::binary);
+  std::ofstream empty2(dumps.file(kWordDumpFiles[1])), empty3(dumps.file(kWordDumpFiles[2]));
+  const WorkSetCounts counts = set.write_dumps(graph, words, outside);
+  graph.close();
+  words.close();
+  if (!graph || !words || !empty2 || !empty3) throw ImportError(dumps.path(), 0, "", "the dumps cannot be written");
+  return counts;
+}
+
+}  // namespace
+
+const std::vector<std::string>& import_formats() {
+  static const std::vector<std::string> names = {"openalex"};
+  return names;
+}
+
+ImportSummary import_works(const std::string& format_name, const std::vector<std::string>& inputs,
+                           const std::string& target, const ImportOptions& options, StagedRunHooks& hooks,
+                           const std::function<void(const ImportError&)>& on_bad) {
+  const Format& format = format_of(format_name);
+  const std::vector<std::string> files = list_input_files(inputs, format.usable);
+  if (files.empty()) throw ImportError(format_name, 0, "", "no input given");
+  ImportSummary summary;
+  WorkSet set(options.years);
+  WorkSink sink;
+  sink.work = [&set](ImportedWork w) { set.add(std::move(w)); };
+  sink.bad = [&](const ImportError& e) {
+    if (!options.skip_bad) throw e;
+    ++summary.refused;
+    if (on_bad) on_bad(e);
+  };
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const FileContents contents = read_input_file(files[i], format.padding());
+    format.read(files[i], contents, sink);
+    if (options.progress) options.progress(i + 1, files.size(), set.read());
+  }
+
+  if (set.read() == 0) {
+    throw ImportError(files.size() == 1 ? files.front() : inputs.front(), 0, "", "no works found in the input");
+  }
+  TargetPaths paths;
+  std::string error;
+  if (!resolve_target(target, &paths, &error)) throw ImportError(target, 0, "", error);
+  const DumpDir dumps(paths);
+  std::vector<std::string> outside;
+  summary.works = write_dumps(set, dumps, &outside);
+
+  StagedRequest request{dumps.path(), target, {}, "refgrove import", {}};
+  if (options.out) request.options.out = options.out;
+  if (options.err) request.options.err = options.err;
+  if (!outside.empty()) {
+    request.extra_files.emplace_back(kOutsideKeysFile, outside_keys_file(summary.works.kept + 1, outside));
+  }
+  StagedResult result;
+  try {
+    result = staged_preprocess(request, hooks);
+  } catch (const DumpParseError& e) {  // the dumps are written to parse: a fault here is ours
+    throw ImportError(target, 0, "", "the works written as dumps do not parse (" + e.message + ")");
+  }
+  summary.target = result.target;
+  summary.data = result.summary;
+  return summary;
+}
+
+}  // namespace refgrove

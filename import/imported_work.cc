@@ -1,0 +1,105 @@
+#include "import/imported_work.h"
+
+#include <string_view>
+
+namespace refgrove {
+namespace {
+
+// NUL too: a string of the input may hold one, the dumps cannot.
+bool is_dump_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0'; }
+
+// The element words of the graph dump's line: in a title or a name they
+// would end it, so they are left out of both.
+bool is_dump_element(std::string_view token) { return token == "Title:" || token == "Authors:"; }
+
+// The tokens of `text` as the dump's tokenizer splits them, each after a
+// blank.
+std::string dump_tokens(std::string_view text) {
+  std::string out;
+  std::size_t i = 0;
+  while (i < text.size()) {
+    while (i < text.size() && is_dump_blank(text[i])) ++i;
+    const std::size_t start = i;
+    while (i < text.size() && !is_dump_blank(text[i])) ++i;
+    const std::string_view token = text.substr(start, i - start);
+    if (token.empty() || is_dump_element(token)) continue;
+    out += ' ';
+    out += token;
+  }
+  return out;
+}
+
+}  // namespace
+
+void WorkSet::add(ImportedWork work) {
+  ++read_;
+  const auto [at, inserted] = by_key_.try_emplace(work.key, works_.size());
+  if (inserted) {
+    works_.push_back(std::move(work));
+  } else {
+    works_[at->second] = std::move(work);
+    ++replaced_;
+  }
+}
+
+WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
+                                   std::vector<std::string>* outside_keys) const {
+  WorkSetCounts counts;
+  counts.read = read_;
+  counts.replaced = replaced_;
+  const auto kept = [this](const ImportedWork& w) { return !years_ || years_->contains(w.year); };
+  // DIDs of the kept works first, then of the outside works as cited.
+  std::unordered_map<std::string_view, std::int64_t> did_of;
+  for (const ImportedWork& w : works_) {
+    if (kept(w)) did_of.emplace(w.key, ++counts.kept);
+  }
+  std::int64_t did = 0;
+  std::vector<std::int64_t> cited;
+  for (const ImportedWork& w : works_) {
+    if (!kept(w)) continue;
+    ++did;
+    cited.clear();
+    for (const std::string& key : w.cites) {
+      auto [at, inserted] = did_of.try_emplace(key, counts.kept + counts.outside_works + 1);
+      if (inserted) {
+        ++counts.outside_works;
+        outside_keys->push_back(key);
+      }
+      ++(at->second <= counts.kept ? counts.citations_within : counts.citations_outside);
+      cited.push_back(at->second);
+    }
+    graph << did << ' ' << (w.key.empty() ? "-" : w.key) << ' ';
+    if (w.year) {
+      graph << *w.year;
+    } else {
+      graph << '-';
+    }
+    graph << " GIDs:";
+    for (std::int64_t c : cited) graph << ' ' << c;
+    graph << " DIDs:";
+    for (std::int64_t c : cited) graph << ' ' << c;
+    graph << " Title:";
+    // A dump's title has at least one word: an unknown one is written "-",
+    // as the dumps write an unknown key or year.
+    const std::string title = dump_tokens(w.title);
+    graph << (title.empty() ? " -" : title);
+    graph << " Authors:";
+    bool first = true;
+    for (const std::string& name : w.authors) {
+      const std::string tokens = dump_tokens(name);
+      if (tokens.empty()) continue;
+      if (!first) graph << " and";
+      graph << tokens;
+      first = false;
+    }
+    graph << '\n';
+    if (!w.abstract.empty()) {
+      words << did << ' ' << (w.key.empty() ? "-" : w.key);
+      words << dump_tokens(w.abstract);
+      words << '\n';
+    }
+  }
+  return counts;
+}
+
+}  // namespace refgrove

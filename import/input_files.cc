@@ -1,0 +1,125 @@
+#include "import/input_files.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+
+namespace refgrove {
+namespace {
+
+std::string error_text(const std::string& file, std::int64_t line, const std::string& field,
+                       const std::string& message) {
+  std::string text = file;
+  if (line > 0) text += ":" + std::to_string(line);
+  text += ": ";
+  if (!field.empty()) text += field + ": ";
+  return text + message;
+}
+
+bool ends_with(const std::string& s, const std::string& end) {
+  return s.size() >= end.size() && s.compare(s.size() - end.size(), end.size(), end) == 0;
+}
+
+void walk(const std::string& dir, const std::function<bool(const std::string&)>& usable,
+          std::vector<std::string>* files) {
+  std::unique_ptr<DIR, int (*)(DIR*)> d(opendir(dir.c_str()), closedir);
+  if (!d) throw ImportError(dir, 0, "", std::strerror(errno));
+  std::vector<std::string> names;
+  while (const dirent* e = readdir(d.get())) {
+    if (e->d_name[0] != '.') names.emplace_back(e->d_name);
+  }
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) {
+    const std::string path = dir + "/" + name;
+    struct stat st;
+    if (stat(path.c_str(), &st) != 0) continue;
+    if (S_ISDIR(st.st_mode)) {
+      walk(path, usable, files);
+    } else if (S_ISREG(st.st_mode) && usable(name)) {
+      files->push_back(path);
+    }
+  }
+}
+
+void read_plain(const std::string& path, FileContents* contents) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw ImportError(path, 0, "", std::strerror(errno));
+  in.seekg(0, std::ios::end);
+  const std::streamoff size = in.tellg();
+  in.seekg(0);
+  contents->bytes.resize(static_cast<std::size_t>(size));
+  if (!in.read(contents->bytes.data(), size)) throw ImportError(path, 0, "", "cannot be read");
+  contents->size = contents->bytes.size();
+}
+
+// zlib's gz* functions: concatenated members, as parallel compressors make
+// them, are read one after the other.
+void read_gzip(const std::string& path, FileContents* contents) {
+  std::unique_ptr<gzFile_s, int (*)(gzFile)> gz(gzopen(path.c_str(), "rb"), gzclose);
+  if (!gz) throw ImportError(path, 0, "", std::strerror(errno));
+  gzbuffer(gz.get(), 1 << 18);
+  std::string& bytes = contents->bytes;
+  std::size_t size = 0;
+  for (;;) {
+    if (bytes.size() - size < (1 << 20)) bytes.resize(std::max<std::size_t>(bytes.size() * 2, 1 << 22));
+    const int n = gzread(gz.get(), bytes.data() + size,
+                         static_cast<unsigned>(std::min<std::size_t>(bytes.size() - size, 1u << 30)));
+    if (n < 0) {
+      int code = 0;
+      const char* message = gzerror(gz.get(), &code);
+      throw ImportError(path, 0, "", std::string("damaged compressed data (") + message + ")");
+    }
+    if (n == 0) break;
+    size += static_cast<std::size_t>(n);
+  }
+  int code = 0;
+  const char* message = gzerror(gz.get(), &code);
+  if (code != Z_OK) throw ImportError(path, 0, "", std::string("damaged compressed data (") + message + ")");
+  bytes.resize(size);
+  contents->size = size;
+}
+
+}  // namespace
+
+ImportError::ImportError(std::string file, std::int64_t line, std::string field, std::string message)
+    : std::runtime_error(error_text(file, line, field, message)),
+      file(std::move(file)),
+      line(line),
+      field(std::move(field)),
+      message(std::move(message)) {}
+
+std::vector<std::string> list_input_files(const std::vector<std::string>& inputs,
+                                          const std::function<bool(const std::string&)>& usable) {
+  std::vector<std::string> files;
+  for (const std::string& input : inputs) {
+    struct stat st;
+    if (stat(input.c_str(), &st) != 0) throw ImportError(input, 0, "", std::strerror(errno));
+    if (!S_ISDIR(st.st_mode)) {
+      files.push_back(input);
+      continue;
+    }
+    const std::size_t before = files.size();
+    walk(input, usable, &files);
+    if (files.size() == before) throw ImportError(input, 0, "", "the directory holds no file to import");
+  }
+  return files;
+}
+
+FileContents read_input_file(const std::string& path, std::size_t padding) {
+  FileContents contents;
+  if (ends_with(path, ".gz")) {
+    read_gzip(path, &contents);
+  } else {
+    read_plain(path, &contents);
+  }
+  contents.bytes.append(padding, '\0');
+  return contents;
+}
+
+}  // namespace refgrove

@@ -1,0 +1,43 @@
+// Works in OpenAlex's JSON: JSON Lines (one work per line, as in the
+// snapshot's works/updated_date=*/part_*.gz) or API pages (one object whose
+// "results" is a list of works), told apart line by line.
+//
+// Of a work: "id" (its key: the part after the last "/",
+// https://openalex.org/W2741809807 -> W2741809807), "publication_year",
+// "title" (else "display_name"), "authorships"[]."author"."display_name" in
+// their order, "abstract_inverted_index" (word -> positions: the abstract is
+// the words in position order, joined by blanks) and "referenced_works"
+// (keys as for "id"). A field that is missing or null is unknown. Blank
+// lines are skipped.
+#ifndef REFGROVE_IMPORT_OPENALEX_READER_H_
+#define REFGROVE_IMPORT_OPENALEX_READER_H_
+
+#include <functional>
+#include <string>
+
+#include "import/imported_work.h"
+#include "import/input_files.h"
+
+namespace refgrove {
+
+// What a reader does with what it reads: each work, and each record it
+// cannot use (an ImportError naming the file, the line and the field).
+struct WorkSink {
+  std::function<void(ImportedWork)> work;
+  std::function<void(const ImportError&)> bad;
+};
+
+// Reads the works of `contents` (from read_input_file(), padded), the file
+// `path`, into `sink`.
+void read_openalex(const std::string& path, const FileContents& contents, const WorkSink& sink);
+
+// The padding read_openalex needs after the contents.
+std::size_t openalex_padding();
+
+// Whether a file met in a directory is an OpenAlex file: .gz, .json,
+// .jsonl, .ndjson.
+bool is_openalex_file(const std::string& name);
+
+}  // namespace refgrove
+
+#endif  // REFGROVE_IMPORT_OPENALEX_READER_H_
