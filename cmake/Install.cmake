@@ -1,6 +1,7 @@
 # `cmake --install`: the command-line tool, refgrove.so, its C header, and
 # the files with which C and C++ programs find them (pkg-config and a CMake
-# package). Layout under the prefix:
+# package); the Python package installs itself (python/CMakeLists.txt).
+# Layout under the prefix:
 #   bin/refgrove
 #   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
@@ -53,13 +54,14 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/refgroveConfig.cmake ${CMAKE_CURRENT_B
         DESTINATION ${REFGROVE_CMAKE_DIR})
 
 # Installs into a temporary prefix and builds a C program (and the same as
-# C++) against it, once through pkg-config and once through find_package.
+# C++) against it, once through pkg-config and once through find_package;
+# with the Python package, imports it from the prefix.
 # Not where refgrove.so needs the host's symbols (i386) or a sanitizer's
 # runtime (the program would have to be built with it too).
 if(NOT REFGROVE_I386 AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_test(NAME install_test
            COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/cmake/install_test/run.sh ${CMAKE_BINARY_DIR}
                    ${CMAKE_CURRENT_SOURCE_DIR}/data/sample/ ${CMAKE_C_COMPILER} ${CMAKE_CXX_COMPILER}
-                   ${CMAKE_GENERATOR} ${PROJECT_VERSION})
+                   ${CMAKE_GENERATOR} ${PROJECT_VERSION} "${REFGROVE_PYTHON_PACKAGE_DIR}")
   set_tests_properties(install_test PROPERTIES TIMEOUT 300)
 endif()

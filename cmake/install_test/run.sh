@@ -4,9 +4,11 @@
 # find_package. The program preprocesses the sample dumps, loads them and
 # asks for one document and searches a word. The pkg-config file must give the project's version
 # and paths without "//".
-# Usage: run.sh BUILD_DIR SAMPLE_DIR/ C_COMPILER CXX_COMPILER GENERATOR VERSION
+# When the build has the Python package, /usr/bin/python3 imports it from
+# PYTHON_DIR under the prefix (Python's own layout) and answers the same.
+# Usage: run.sh BUILD_DIR SAMPLE_DIR/ C_COMPILER CXX_COMPILER GENERATOR VERSION [PYTHON_DIR]
 set -euo pipefail
-build=$1 sample=$2 cc=$3 cxx=$4 generator=$5 version=$6
+build=$1 sample=$2 cc=$3 cxx=$4 generator=$5 version=$6 python_dir=${7:-}
 here=$(cd "$(dirname "$0")" && pwd)
 tmp=$(mktemp -d)
 trap 'rm -rf "$tmp"' EXIT
@@ -61,3 +63,19 @@ cmake -S "$here" -B "$tmp/consumer" -G "$generator" -DCMAKE_PREFIX_PATH="$prefix
 cmake --build "$tmp/consumer" >/dev/null
 check find_package_c "$tmp/consumer/use_refgrove_c"
 check find_package_cxx "$tmp/consumer/use_refgrove_cxx"
+
+if [ -n "$python_dir" ]; then
+  out=$(cd "$tmp" && PYTHONPATH="$prefix/$python_dir" /usr/bin/python3 -c "
+import refgrove
+assert refgrove.__file__ == '$prefix/$python_dir/refgrove/__init__.py', refgrove.__file__
+refgrove.preprocess('$sample', '$tmp/data_python', progress=False)
+with refgrove.load('$tmp/data_python') as ds:
+    doc = ds.document(107)
+    print(f'{doc.did}: {doc.key} {doc.year}; {len(ds)} records; {refgrove.__version__}')")
+  if [ "$out" != "107: chen95 1995; 32 records; $version" ]; then
+    echo "python: got '$out'" >&2
+    exit 1
+  fi
+  test -f "$prefix/$python_dir/refgrove/py.typed" && test -f "$prefix/$python_dir/refgrove/_refgrove.pyi"
+  echo "python: ok"
+fi
