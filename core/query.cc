@@ -204,8 +204,8 @@ int get_author_prefix(const RefgroveData& d, const char* prefix, int i, int* aut
 
 std::span<const std::int32_t> named_authors(const RefgroveData& d, std::string_view text) {
   if (!text.empty() && text.back() == '*')
-    return author_names(d).with_prefix(*d.graph, text.substr(0, text.size() - 1));
-  return author_names(d).named(*d.graph, text);
+    return author_names(d).with_prefix(text.substr(0, text.size() - 1));
+  return author_names(d).named(text);
 }
 
 int abstract_length(const RefgroveData& d, int did, int* out) {

@@ -76,7 +76,7 @@ py::dict preprocess(std::string in_dir, std::string out_dir, const py::object& p
   PreprocProgress read;
   read.total_bytes = dumps_size(dir_prefix(in_dir));
   std::ostringstream out_messages, err_messages;  // written by different threads
-  StagedRequest request{in_dir, out_dir, {}, "refgrove.preprocess (Python)"};
+  StagedRequest request{in_dir, out_dir, {}, "refgrove.preprocess (Python)", {}};
   request.options.out = &out_messages;
   request.options.err = &err_messages;
   request.options.progress = &read;

@@ -12,9 +12,9 @@
 #include "tools/network_command.h"
 #include "tools/network_formats.h"
 
+namespace refgrove {
 namespace {
 
-using namespace refgrove;
 
 const char kMainPathHelp[] =
     "Prints the global main path of DIR's citation graph: the path from a\n"
@@ -102,3 +102,5 @@ void add_fronts_commands(CLI::App& app, CommandContext& ctx) {
     ctx.status = run_timeline(*timeline, ctx);
   });
 }
+
+}  // namespace refgrove

@@ -8,6 +8,7 @@
 #include "testing/data_dir_builder.h"
 #include "tools/tool_test_util.h"
 
+namespace refgrove {
 namespace {
 
 TestDocument paper(int did, int year, std::vector<int> cited, std::vector<std::string> authors, std::string title) {
@@ -87,3 +88,5 @@ TEST_F(FrontsCommandsTest, BadArguments) {
 }
 
 }  // namespace
+
+}  // namespace refgrove

@@ -10,6 +10,7 @@
 #include "tools/commands.h"
 #include "tools/safe_preprocess.h"
 
+namespace refgrove {
 namespace {
 
 constexpr char kPrefix[] = "refgrove import: ";
@@ -107,3 +108,5 @@ void add_import_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_flag("--skip-bad", args->skip_bad, "skip bad records and count them instead of stopping");
   cmd->callback([&ctx, args] { ctx.status = run_import(*args, ctx.out, ctx.err); });
 }
+
+}  // namespace refgrove
