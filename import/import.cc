@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "graph/graph_dump.h"
+#include "import/csv_reader.h"
 #include "import/openalex_reader.h"
 #include "import/outside_keys.h"
 #include "preproc/manifest.h"
@@ -40,16 +41,32 @@ class DumpDir {
   std::string path_;
 };
 
+// One format that refgrove imports; import_formats() lists their names.
 struct Format {
-  std::function<bool(const std::string&)> usable;  // a file met in a directory
-  std::size_t (*padding)();
-  void (*read)(const std::string&, const FileContents&, const WorkSink&);
+  const char* name;
+  bool (*usable)(const std::string&);  // a file met in a directory
+  std::size_t padding;                 // zero bytes wanted after a file's contents
+  void (*read)(const std::string&, const FileContents&, const ImportOptions&, const WorkSink&);
+};
+
+const Format kFormats[] = {
+    {"openalex", is_openalex_file, openalex_padding(),
+     [](const std::string& path, const FileContents& contents, const ImportOptions&, const WorkSink& sink) {
+       read_openalex(path, contents, sink);
+     }},
+    {"csv", is_csv_file, 0,
+     [](const std::string& path, const FileContents& contents, const ImportOptions& options, const WorkSink& sink) {
+       read_csv(path, contents, options.columns, sink);
+     }},
 };
 
 const Format& format_of(const std::string& name) {
-  static const Format openalex{is_openalex_file, openalex_padding, read_openalex};
-  if (name == "openalex") return openalex;
-  throw ImportError(name, 0, "", "not a format that refgrove imports (known: openalex)");
+  for (const Format& format : kFormats) {
+    if (name == format.name) return format;
+  }
+  std::string known;
+  for (const Format& format : kFormats) known += std::string(known.empty() ? "" : ", ") + format.name;
+  throw ImportError(name, 0, "", "not a format that refgrove imports (known: " + known + ")");
 }
 
 WorkSetCounts write_dumps(const WorkSet& set, const DumpDir& dumps, std::vector<std::string>* outside) {
@@ -66,7 +83,11 @@ WorkSetCounts write_dumps(const WorkSet& set, const DumpDir& dumps, std::vector<
 }  // namespace
 
 const std::vector<std::string>& import_formats() {
-  static const std::vector<std::string> names = {"openalex"};
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> all;
+    for (const Format& format : kFormats) all.emplace_back(format.name);
+    return all;
+  }();
   return names;
 }
 
@@ -80,18 +101,21 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   WorkSet set(options.years);
   WorkSink sink;
   sink.work = [&set](ImportedWork w) { set.add(std::move(w)); };
+  sink.citation = [&set](std::string citing, std::string cited) {
+    set.add_citation(std::move(citing), std::move(cited));
+  };
   sink.bad = [&](const ImportError& e) {
     if (!options.skip_bad) throw e;
     ++summary.refused;
     if (on_bad) on_bad(e);
   };
   for (std::size_t i = 0; i < files.size(); ++i) {
-    const FileContents contents = read_input_file(files[i], format.padding());
-    format.read(files[i], contents, sink);
+    const FileContents contents = read_input_file(files[i], format.padding);
+    format.read(files[i], contents, options, sink);
     if (options.progress) options.progress(i + 1, files.size(), set.read());
   }
 
-  if (set.read() == 0) {
+  if (set.read() == 0) {  // citations alone make no data set
     throw ImportError(files.size() == 1 ? files.front() : inputs.front(), 0, "", "no works found in the input");
   }
   TargetPaths paths;

@@ -42,6 +42,11 @@ void WorkSet::add(ImportedWork work) {
   }
 }
 
+void WorkSet::add_citation(std::string citing, std::string cited) {
+  cites_apart_[std::move(citing)].push_back(std::move(cited));
+  ++cites_apart_count_;
+}
+
 WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
                                    std::vector<std::string>* outside_keys) const {
   WorkSetCounts counts;
@@ -53,20 +58,25 @@ WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
   for (const ImportedWork& w : works_) {
     if (kept(w)) did_of.emplace(w.key, ++counts.kept);
   }
-  std::int64_t did = 0;
+  std::int64_t did = 0, placed_apart = 0;
   std::vector<std::int64_t> cited;
+  const auto cite = [&](const std::string& key) {
+    auto [at, inserted] = did_of.try_emplace(key, counts.kept + counts.outside_works + 1);
+    if (inserted) {
+      ++counts.outside_works;
+      outside_keys->push_back(key);
+    }
+    ++(at->second <= counts.kept ? counts.citations_within : counts.citations_outside);
+    cited.push_back(at->second);
+  };
   for (const ImportedWork& w : works_) {
     if (!kept(w)) continue;
     ++did;
     cited.clear();
-    for (const std::string& key : w.cites) {
-      auto [at, inserted] = did_of.try_emplace(key, counts.kept + counts.outside_works + 1);
-      if (inserted) {
-        ++counts.outside_works;
-        outside_keys->push_back(key);
-      }
-      ++(at->second <= counts.kept ? counts.citations_within : counts.citations_outside);
-      cited.push_back(at->second);
+    for (const std::string& key : w.cites) cite(key);
+    if (const auto apart = cites_apart_.find(w.key); apart != cites_apart_.end()) {
+      for (const std::string& key : apart->second) cite(key);
+      placed_apart += static_cast<std::int64_t>(apart->second.size());
     }
     graph << did << ' ' << (w.key.empty() ? "-" : w.key) << ' ';
     if (w.year) {
@@ -94,11 +104,15 @@ WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
     }
     graph << '\n';
     if (!w.abstract.empty()) {
-      words << did << ' ' << (w.key.empty() ? "-" : w.key);
+      // The token after a word dump line's DID is skipped, but the word
+      // dumps' tokenizer would cut a key holding punctuation into several:
+      // "-" stands in for it.
+      words << did << " -";
       words << dump_tokens(w.abstract);
       words << '\n';
     }
   }
+  counts.citations_unplaced = cites_apart_count_ - placed_apart;
   return counts;
 }
 

@@ -9,6 +9,10 @@
 // after them, in the order they are first cited. A citation's group id is
 // the cited work's DID.
 //
+// Citations may also come apart from the works (tables of citing and cited
+// keys): they are added to the citing work's own, after them, in the order
+// read; those whose citing work is not in the set are left out and counted.
+//
 // The set is written as the text dumps that preprocessing reads
 // (graph/graph_dump.h): one graph line per work, one word-dump line per work
 // with an abstract. Preprocessing those dumps then makes the data directory,
@@ -22,11 +26,14 @@
 #define REFGROVE_IMPORT_IMPORTED_WORK_H_
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <unordered_map>
 #include <vector>
+
+#include "import/input_files.h"
 
 namespace refgrove {
 
@@ -51,7 +58,17 @@ struct WorkSetCounts {
   std::int64_t kept = 0;      // works in the set
   std::int64_t replaced = 0;  // records replaced by a later one of the same key
   std::int64_t citations_within = 0, citations_outside = 0;
-  std::int64_t outside_works = 0;  // distinct works cited from outside the set
+  std::int64_t outside_works = 0;       // distinct works cited from outside the set
+  std::int64_t citations_unplaced = 0;  // read apart, by works not in the set
+};
+
+// What a reader does with what it reads: each work, each citation read
+// apart from its work, and each record it cannot use (an ImportError naming
+// the file, the line and the field).
+struct WorkSink {
+  std::function<void(ImportedWork)> work;
+  std::function<void(std::string citing, std::string cited)> citation;
+  std::function<void(const ImportError&)> bad;
 };
 
 class WorkSet {
@@ -59,6 +76,7 @@ class WorkSet {
   explicit WorkSet(std::optional<YearRange> years = std::nullopt) : years_(years) {}
 
   void add(ImportedWork work);
+  void add_citation(std::string citing, std::string cited);
 
   // Writes the graph dump and the first word dump (the other two stay
   // empty) and returns the counts. `outside_keys` gets the keys of the
@@ -71,6 +89,9 @@ class WorkSet {
   std::optional<YearRange> years_;
   std::vector<ImportedWork> works_;                      // first-read order
   std::unordered_map<std::string, std::size_t> by_key_;  // index in works_
+  // Citations read apart, by citing key, and the order their keys came in.
+  std::unordered_map<std::string, std::vector<std::string>> cites_apart_;
+  std::int64_t cites_apart_count_ = 0;
   std::int64_t read_ = 0, replaced_ = 0;
 };
 

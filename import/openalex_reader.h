@@ -12,20 +12,12 @@
 #ifndef REFGROVE_IMPORT_OPENALEX_READER_H_
 #define REFGROVE_IMPORT_OPENALEX_READER_H_
 
-#include <functional>
 #include <string>
 
 #include "import/imported_work.h"
 #include "import/input_files.h"
 
 namespace refgrove {
-
-// What a reader does with what it reads: each work, and each record it
-// cannot use (an ImportError naming the file, the line and the field).
-struct WorkSink {
-  std::function<void(ImportedWork)> work;
-  std::function<void(const ImportError&)> bad;
-};
 
 // Reads the works of `contents` (from read_input_file(), padded), the file
 // `path`, into `sink`.

@@ -19,6 +19,7 @@ Dumps import_text(const std::string& text, std::optional<YearRange> years = std:
   WorkSet set(years);
   Dumps d;
   WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
+                {},
                 [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
   read_openalex("in.jsonl", contents, sink);
   std::ostringstream graph, words;
@@ -40,7 +41,7 @@ TEST(OpenAlexReader, FieldsPresentAbsentNullEmpty) {
   const Case cases[] = {
       {"every field",
        R"({"id":"https://openalex.org/W1","publication_year":2001,"title":"A b","authorships":[{"author":{"display_name":"Ann Lee"}},{"author":{"display_name":"Bo Chen"}}],"abstract_inverted_index":{"second":[1],"first":[0],"again":[2]},"referenced_works":[]})",
-       {"1 W1 2001 GIDs: DIDs: Title: A b Authors: Ann Lee and Bo Chen\n", "1 W1 first second again\n", "", ""}},
+       {"1 W1 2001 GIDs: DIDs: Title: A b Authors: Ann Lee and Bo Chen\n", "1 - first second again\n", "", ""}},
       {"only the id", R"({"id":"W7"})", {"1 W7 - GIDs: DIDs: Title: - Authors:\n", "", "", ""}},
       {"nulls are unknown",
        R"({"id":"W7","publication_year":null,"title":null,"display_name":null,"authorships":null,"abstract_inverted_index":null,"referenced_works":null})",
@@ -56,7 +57,7 @@ TEST(OpenAlexReader, FieldsPresentAbsentNullEmpty) {
        {"1 W7 - GIDs: DIDs: Title: - Authors: X\n", "", "", ""}},
       {"line ends, tabs and dump elements in text",
        "{\"id\":\"W7\",\"title\":\"one\\ntwo\\tAuthors: three\\r\",\"abstract_inverted_index\":{\"a\\nb\":[0]}}",
-       {"1 W7 - GIDs: DIDs: Title: one two three Authors:\n", "1 W7 a b\n", "", ""}},
+       {"1 W7 - GIDs: DIDs: Title: one two three Authors:\n", "1 - a b\n", "", ""}},
       {"UTF-8 kept as it is",
        R"({"id":"W7","title":"Erdős–Rényi","authorships":[{"author":{"display_name":"Pál Erdős"}}]})",
        {"1 W7 - GIDs: DIDs: Title: Erdős–Rényi Authors: Pál Erdős\n", "", "", ""}},
