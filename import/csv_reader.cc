@@ -15,11 +15,9 @@ struct BadField {
   std::string field, message;
 };
 
-bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0'; }
-
 std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && is_blank(s.front())) s.remove_prefix(1);
-  while (!s.empty() && is_blank(s.back())) s.remove_suffix(1);
+  while (!s.empty() && is_dump_blank(s.front())) s.remove_prefix(1);
+  while (!s.empty() && is_dump_blank(s.back())) s.remove_suffix(1);
   return s;
 }
 
@@ -66,7 +64,7 @@ class ColumnPlaces {
 std::string key_in(const std::vector<std::string>& record, const ColumnPlaces& places, const std::string& ours) {
   const std::string_view key = trimmed(places.value(record, ours));
   if (key.empty()) throw BadField{places.name(ours), "empty id"};
-  if (std::any_of(key.begin(), key.end(), is_blank)) throw BadField{places.name(ours), "an id with a blank"};
+  if (has_dump_blank(key)) throw BadField{places.name(ours), "an id with a blank"};
   return std::string(key);
 }
 

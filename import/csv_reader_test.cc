@@ -24,6 +24,7 @@ Dumps import_tables(const std::vector<Table>& tables, const CsvColumns& columns 
   Dumps d;
   const WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
                       [&set](std::string citing, std::string cited) { set.add_citation(citing, cited); },
+                      {},
                       [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
   for (const Table& t : tables) {
     try {

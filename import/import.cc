@@ -10,8 +10,10 @@
 
 #include "graph/graph_dump.h"
 #include "import/csv_reader.h"
+#include "import/json_records.h"
 #include "import/openalex_reader.h"
 #include "import/outside_keys.h"
+#include "import/s2_reader.h"
 #include "preproc/manifest.h"
 #include "preproc/word_preproc.h"
 
@@ -50,9 +52,13 @@ struct Format {
 };
 
 const Format kFormats[] = {
-    {"openalex", is_openalex_file, openalex_padding(),
+    {"openalex", is_json_file, json_padding(),
      [](const std::string& path, const FileContents& contents, const ImportOptions&, const WorkSink& sink) {
        read_openalex(path, contents, sink);
+     }},
+    {"s2", is_json_file, json_padding(),
+     [](const std::string& path, const FileContents& contents, const ImportOptions&, const WorkSink& sink) {
+       read_s2(path, contents, sink);
      }},
     {"csv", is_csv_file, 0,
      [](const std::string& path, const FileContents& contents, const ImportOptions& options, const WorkSink& sink) {
@@ -101,6 +107,9 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   WorkSet set(options.years);
   WorkSink sink;
   sink.work = [&set](ImportedWork w) { set.add(std::move(w)); };
+  sink.abstract = [&set](std::string key, std::string abstract) {
+    set.add_abstract(std::move(key), std::move(abstract));
+  };
   sink.citation = [&set](std::string citing, std::string cited) {
     set.add_citation(std::move(citing), std::move(cited));
   };

@@ -23,12 +23,8 @@ namespace refgrove {
 // `path`, into `sink`.
 void read_openalex(const std::string& path, const FileContents& contents, const WorkSink& sink);
 
-// The padding read_openalex needs after the contents.
-std::size_t openalex_padding();
-
-// Whether a file met in a directory is an OpenAlex file: .gz, .json,
-// .jsonl, .ndjson.
-bool is_openalex_file(const std::string& name);
+// The contents must be followed by json_padding() bytes (json_records.h);
+// the files met in a directory are those of is_json_file().
 
 }  // namespace refgrove
 

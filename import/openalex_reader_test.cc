@@ -3,9 +3,10 @@
 #include "import/openalex_reader.h"
 
 #include <gtest/gtest.h>
-#include <simdjson.h>
 
 #include <sstream>
+
+#include "import/json_records.h"
 
 namespace refgrove {
 namespace {
@@ -15,10 +16,11 @@ struct Dumps {
 };
 
 Dumps import_text(const std::string& text, std::optional<YearRange> years = std::nullopt) {
-  FileContents contents{text + std::string(openalex_padding(), '\0'), text.size()};
+  FileContents contents{text + std::string(json_padding(), '\0'), text.size()};
   WorkSet set(years);
   Dumps d;
   WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
+                {},
                 {},
                 [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
   read_openalex("in.jsonl", contents, sink);

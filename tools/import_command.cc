@@ -26,6 +26,10 @@ const char kHelp[] =
     "ending in .gz, .json, .jsonl and .ndjson. A work read again replaces the\n"
     "earlier record. Keys are the works' short ids (W2741809807).\n"
     "\n"
+    "FORMAT s2: Semantic Scholar's dataset files (papers, abstracts,\n"
+    "citations; JSON Lines, each record known by its fields); in directories,\n"
+    "the files ending in .gz, .json, .jsonl and .ndjson. Keys are corpus ids.\n"
+    "\n"
     "FORMAT csv: tables of works (a header with id and any of year, title,\n"
     "authors separated by ';', abstract) and of citations (citing, cited),\n"
     "comma-separated, tab-separated when the name ends in .tsv; in\n"
@@ -68,6 +72,9 @@ void print_summary(std::ostream& out, const refgrove::ImportSummary& s) {
       << " citations of " << s.works.outside_works << " works outside it\n";
   if (s.works.citations_unplaced > 0) {
     out << "  " << s.works.citations_unplaced << " citations by works not in the set left out\n";
+  }
+  if (s.works.citations_unknown > 0) {
+    out << "  " << s.works.citations_unknown << " citations of works not known (no id) left out\n";
   }
   out << "  " << s.data.documents << " documents with abstracts, " << s.data.words << " distinct words, "
       << s.data.authors << " authors\n";
@@ -115,7 +122,7 @@ void add_import_command(CLI::App& app, CommandContext& ctx) {
   CLI::App* cmd = app.add_subcommand("import", "make a data directory of works in a source's own format");
   cmd->footer(kHelp);
   auto args = std::make_shared<ImportArgs>();
-  cmd->add_option("FORMAT", args->format, "the inputs' format: openalex or csv")->required();
+  cmd->add_option("FORMAT", args->format, "the inputs' format: openalex, s2 or csv")->required();
   cmd->add_option("DIR", args->target, "the data directory to make")->required();
   cmd->add_option("INPUT", args->inputs, "input files or directories")->required();
   cmd->add_option("--years", args->years, "keep only the works of the years FROM-TO");
