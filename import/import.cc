@@ -7,8 +7,10 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <memory>
 
 #include "graph/graph_dump.h"
+#include "import/arxiv_reader.h"
 #include "import/csv_reader.h"
 #include "import/json_records.h"
 #include "import/openalex_reader.h"
@@ -43,26 +45,46 @@ class DumpDir {
   std::string path_;
 };
 
+// A reader of files that stand each on its own.
+template <void (*Read)(const std::string&, const FileContents&, const WorkSink&)>
+class FileByFile : public WorkReader {
+ public:
+  void read(const std::string& path, const FileContents& contents, const WorkSink& sink) override {
+    Read(path, contents, sink);
+  }
+};
+
+class CsvTables : public WorkReader {
+ public:
+  explicit CsvTables(const CsvColumns& columns) : columns_(columns) {}
+  void read(const std::string& path, const FileContents& contents, const WorkSink& sink) override {
+    read_csv(path, contents, columns_, sink);
+  }
+
+ private:
+  CsvColumns columns_;
+};
+
 // One format that refgrove imports; import_formats() lists their names.
 struct Format {
   const char* name;
   bool (*usable)(const std::string&);  // a file met in a directory
-  std::size_t padding;                 // zero bytes wanted after a file's contents
-  void (*read)(const std::string&, const FileContents&, const ImportOptions&, const WorkSink&);
+  std::size_t (*padding)();            // zero bytes wanted after a file's contents
+  std::unique_ptr<WorkReader> (*reader)(const ImportOptions&);
 };
 
+std::size_t no_padding() { return 0; }
+
 const Format kFormats[] = {
-    {"openalex", is_json_file, json_padding(),
-     [](const std::string& path, const FileContents& contents, const ImportOptions&, const WorkSink& sink) {
-       read_openalex(path, contents, sink);
-     }},
-    {"s2", is_json_file, json_padding(),
-     [](const std::string& path, const FileContents& contents, const ImportOptions&, const WorkSink& sink) {
-       read_s2(path, contents, sink);
-     }},
-    {"csv", is_csv_file, 0,
-     [](const std::string& path, const FileContents& contents, const ImportOptions& options, const WorkSink& sink) {
-       read_csv(path, contents, options.columns, sink);
+    {"openalex", is_json_file, json_padding,
+     [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<FileByFile<read_openalex>>(); }},
+    {"s2", is_json_file, json_padding,
+     [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<FileByFile<read_s2>>(); }},
+    {"arxiv", is_arxiv_file, no_padding,
+     [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<ArxivReader>(); }},
+    {"csv", is_csv_file, no_padding,
+     [](const ImportOptions& options) -> std::unique_ptr<WorkReader> {
+       return std::make_unique<CsvTables>(options.columns);
      }},
 };
 
@@ -118,11 +140,13 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
     ++summary.refused;
     if (on_bad) on_bad(e);
   };
+  const std::unique_ptr<WorkReader> reader = format.reader(options);
   for (std::size_t i = 0; i < files.size(); ++i) {
-    const FileContents contents = read_input_file(files[i], format.padding);
-    format.read(files[i], contents, options, sink);
+    const FileContents contents = read_input_file(files[i], format.padding());
+    reader->read(files[i], contents, sink);
     if (options.progress) options.progress(i + 1, files.size(), set.read());
   }
+  reader->finish(sink);
 
   if (set.read() == 0) {  // citations alone make no data set
     throw ImportError(files.size() == 1 ? files.front() : inputs.front(), 0, "", "no works found in the input");

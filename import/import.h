@@ -50,7 +50,7 @@ struct ImportSummary {
   PreprocSummary data;
 };
 
-// The formats known: "openalex", "s2", "csv".
+// The formats known: "openalex", "s2", "arxiv", "csv".
 const std::vector<std::string>& import_formats();
 
 // Imports `inputs` (files or directories) of `format` into the data

@@ -82,6 +82,16 @@ struct WorkSink {
   std::function<void(const ImportError&)> bad;
 };
 
+// A format's reader: the files of one import are read one after the
+// other, in order; finish() then hands over what the reader held back
+// until it had seen them all (citations whose keys depend on other files).
+class WorkReader {
+ public:
+  virtual ~WorkReader() = default;
+  virtual void read(const std::string& path, const FileContents& contents, const WorkSink& sink) = 0;
+  virtual void finish(const WorkSink&) {}
+};
+
 class WorkSet {
  public:
   explicit WorkSet(std::optional<YearRange> years = std::nullopt) : years_(years) {}

@@ -30,6 +30,11 @@ const char kHelp[] =
     "citations; JSON Lines, each record known by its fields); in directories,\n"
     "the files ending in .gz, .json, .jsonl and .ndjson. Keys are corpus ids.\n"
     "\n"
+    "FORMAT arxiv: arXiv abstracts (.abs files: Paper:, Title:, Authors:,\n"
+    "Date: and the abstract) and citation edge lists in SNAP's layout (other\n"
+    "files: FromNodeId ToNodeId lines, cit-HepTh.txt); in directories, the\n"
+    "files ending in .abs, .txt and those with .gz. Keys are arXiv ids.\n"
+    "\n"
     "FORMAT csv: tables of works (a header with id and any of year, title,\n"
     "authors separated by ';', abstract) and of citations (citing, cited),\n"
     "comma-separated, tab-separated when the name ends in .tsv; in\n"
@@ -122,7 +127,7 @@ void add_import_command(CLI::App& app, CommandContext& ctx) {
   CLI::App* cmd = app.add_subcommand("import", "make a data directory of works in a source's own format");
   cmd->footer(kHelp);
   auto args = std::make_shared<ImportArgs>();
-  cmd->add_option("FORMAT", args->format, "the inputs' format: openalex, s2 or csv")->required();
+  cmd->add_option("FORMAT", args->format, "the inputs' format: openalex, s2, arxiv or csv")->required();
   cmd->add_option("DIR", args->target, "the data directory to make")->required();
   cmd->add_option("INPUT", args->inputs, "input files or directories")->required();
   cmd->add_option("--years", args->years, "keep only the works of the years FROM-TO");
