@@ -1,15 +1,16 @@
 // `refgrove generate`: synthetic text dumps for benchmarks and scale tests.
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <cinttypes>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <string>
 
-#include "tools/commands.h"
 #include "generate/dump_generator.h"
+#include "generate/works_generator.h"
+#include "tools/commands.h"
 #include "tools/tool_support.h"
 
 namespace refgrove {
@@ -22,25 +23,53 @@ const char kHelp[] =
     "ascending DIDs, about 10 citations of earlier documents, 9 title words,\n"
     "2.5 authors and 120 abstract words drawn from a Zipf-distributed\n"
     "vocabulary; some keys and years are missing. The same N and S always\n"
-    "give the same files. 200,000 documents take about 190 MB.";
+    "give the same files. 200,000 documents take about 190 MB.\n"
+    "\n"
+    "With --format, the same documents are written as works in a source's own\n"
+    "format, for refgrove import: openalex (part_NNN.gz, 100,000 works each;\n"
+    "keys W + the DID), s2 (papers, abstracts and citations .jsonl; keys the\n"
+    "DIDs), arxiv (abs/NNNN/NNNNNNN.abs and cit-generated.txt; keys gen/ + the\n"
+    "DID in seven digits) or csv (works.csv, citations.csv; keys W + the DID).";
 
 struct GenerateArgs {
-  DumpGeneratorOptions options;
-  std::string dir;
+  DocumentGeneratorOptions options;
+  std::string dir, format = "dumps";
 };
+
+// The works of a source's format; false with `error` set when they cannot
+// be written.
+bool write_works(const GenerateArgs& args, std::int64_t* bytes, std::int32_t* last_did, std::string* error) {
+  WorksGeneratorResult result;
+  if (!generate_works(args.format, as_dir(args.dir), args.options, &result, error)) return false;
+  *bytes = result.bytes;
+  *last_did = result.last_did;
+  return true;
+}
 
 int generate(const GenerateArgs& args, std::ostream& out, std::ostream& err) {
   std::error_code ec;
   std::filesystem::create_directories(args.dir, ec);
-  DumpGeneratorResult result;
   std::string error;
-  if (!generate_dumps(as_dir(args.dir), args.options, &result, &error)) {
-    err << "refgrove generate: " << error << "\n";
-    return 1;
-  }
   char line[160];
-  std::snprintf(line, sizeof line, "wrote %" PRId64 " documents (largest DID %" PRId32 ", %" PRId64 " abstract words, %.1f MB) to ",
-                args.options.docs, result.last_did, result.words, static_cast<double>(result.bytes) / 1e6);
+  if (args.format == "dumps") {
+    DumpGeneratorResult result;
+    if (!generate_dumps(as_dir(args.dir), args.options, &result, &error)) {
+      err << "refgrove generate: " << error << "\n";
+      return 1;
+    }
+    std::snprintf(line, sizeof line,
+                  "wrote %" PRId64 " documents (largest DID %" PRId32 ", %" PRId64 " abstract words, %.1f MB) to ",
+                  args.options.docs, result.last_did, result.words, static_cast<double>(result.bytes) / 1e6);
+  } else {
+    std::int64_t bytes = 0;
+    std::int32_t last_did = 0;
+    if (!write_works(args, &bytes, &last_did, &error)) {
+      err << "refgrove generate: " << error << "\n";
+      return 1;
+    }
+    std::snprintf(line, sizeof line, "wrote %" PRId64 " works as %s (largest DID %" PRId32 ", %.1f MB) to ",
+                  args.options.docs, args.format.c_str(), last_did, static_cast<double>(bytes) / 1e6);
+  }
   out << line << args.dir << "\n";
   return 0;
 }
@@ -59,6 +88,8 @@ void add_generate_command(CLI::App& app, CommandContext& ctx) {
       ->type_name("S")
       ->capture_default_str()
       ->transform(decimal(0, std::numeric_limits<std::int64_t>::max()));
+  cmd->add_option("--format", args->format, "dumps (the default), or works as openalex, s2, arxiv or csv")
+      ->check(CLI::IsMember({"dumps", "openalex", "s2", "arxiv", "csv"}));
   cmd->add_option("OUT_DIR", args->dir, "the directory to write")->required();
   cmd->callback([&ctx, args] { ctx.status = generate(*args, ctx.out, ctx.err); });
 }
