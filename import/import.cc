@@ -126,14 +126,15 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   const std::vector<std::string> files = list_input_files(inputs, format.usable);
   if (files.empty()) throw ImportError(format_name, 0, "", "no input given");
   ImportSummary summary;
-  WorkSet set(options.years);
+  // Freed once written as dumps, before preprocessing takes its own memory.
+  auto set = std::make_unique<WorkSet>(options.years);
   WorkSink sink;
-  sink.work = [&set](ImportedWork w) { set.add(std::move(w)); };
+  sink.work = [&set](ImportedWork w) { set->add(std::move(w)); };
   sink.abstract = [&set](std::string key, std::string abstract) {
-    set.add_abstract(std::move(key), std::move(abstract));
+    set->add_abstract(std::move(key), std::move(abstract));
   };
   sink.citation = [&set](std::string citing, std::string cited) {
-    set.add_citation(std::move(citing), std::move(cited));
+    set->add_citation(std::move(citing), std::move(cited));
   };
   sink.bad = [&](const ImportError& e) {
     if (!options.skip_bad) throw e;
@@ -144,11 +145,11 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   for (std::size_t i = 0; i < files.size(); ++i) {
     const FileContents contents = read_input_file(files[i], format.padding());
     reader->read(files[i], contents, sink);
-    if (options.progress) options.progress(i + 1, files.size(), set.read());
+    if (options.progress) options.progress(i + 1, files.size(), set->read());
   }
   reader->finish(sink);
 
-  if (set.read() == 0) {  // citations alone make no data set
+  if (set->read() == 0) {  // citations alone make no data set
     throw ImportError(files.size() == 1 ? files.front() : inputs.front(), 0, "", "no works found in the input");
   }
   TargetPaths paths;
@@ -156,7 +157,8 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   if (!resolve_target(target, &paths, &error)) throw ImportError(target, 0, "", error);
   const DumpDir dumps(paths);
   std::vector<std::string> outside;
-  summary.works = write_dumps(set, dumps, &outside);
+  summary.works = write_dumps(*set, dumps, &outside);
+  set.reset();
 
   StagedRequest request{dumps.path(), target, {}, "refgrove import", {}};
   if (options.out) request.options.out = options.out;
