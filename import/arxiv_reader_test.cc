@@ -4,36 +4,21 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
+#include "import/read_into_dumps.h"
 
 namespace refgrove {
 namespace {
-
-struct Dumps {
-  std::string graph, words, outside, errors;
-};
 
 struct File {
   std::string name, text;
 };
 
 Dumps import_files(const std::vector<File>& files) {
-  WorkSet set;
-  Dumps d;
-  const WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
-                      [&set](std::string citing, std::string cited) { set.add_citation(citing, cited); },
-                      {},
-                      [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
-  ArxivReader reader;
-  for (const File& f : files) reader.read(f.name, FileContents{f.text, f.text.size()}, sink);
-  reader.finish(sink);
-  std::ostringstream graph, words;
-  std::vector<std::string> outside;
-  set.write_dumps(graph, words, &outside);
-  d.graph = graph.str();
-  d.words = words.str();
-  for (const std::string& k : outside) d.outside += k + " ";
-  return d;
+  return read_into_dumps([&](const WorkSink& sink) {
+    ArxivReader reader;
+    for (const File& f : files) reader.read(f.name, FileContents{f.text, f.text.size()}, sink);
+    reader.finish(sink);
+  });
 }
 
 const char kAbs[] =
@@ -85,11 +70,7 @@ TEST(ArxivReader, AbstractsAndEdgeLists) {
         "e.txt:4: not a line FromNodeId<TAB>ToNodeId\ne.txt:5: not a line FromNodeId<TAB>ToNodeId\n"}},
   };
   for (const auto& c : cases) {
-    const Dumps d = import_files(c.files);
-    EXPECT_EQ(d.graph, c.expected.graph) << c.name;
-    EXPECT_EQ(d.words, c.expected.words) << c.name;
-    EXPECT_EQ(d.outside, c.expected.outside) << c.name;
-    EXPECT_EQ(d.errors, c.expected.errors) << c.name;
+    EXPECT_EQ(import_files(c.files), c.expected) << c.name;
   }
 }
 

@@ -4,42 +4,25 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
-#include "import/csv_table.h"
+#include "import/read_into_dumps.h"
 
 namespace refgrove {
 namespace {
-
-struct Dumps {
-  std::string graph, words, outside, errors;
-};
 
 struct Table {
   std::string name, text;
 };
 
 Dumps import_tables(const std::vector<Table>& tables, const CsvColumns& columns = {}) {
-  WorkSet set;
-  Dumps d;
-  const WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
-                      [&set](std::string citing, std::string cited) { set.add_citation(citing, cited); },
-                      {},
-                      [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
-  for (const Table& t : tables) {
-    try {
-      read_csv(t.name, FileContents{t.text, t.text.size()}, columns, sink);
-    } catch (const ImportError& e) {
-      d.errors += std::string("stopped: ") + e.what() + "\n";
+  return read_into_dumps([&](const WorkSink& sink) {
+    for (const Table& t : tables) {
+      try {
+        read_csv(t.name, FileContents{t.text, t.text.size()}, columns, sink);
+      } catch (const ImportError& e) {
+        sink.bad(ImportError(t.name, e.line, e.field, "stopped: " + e.message));
+      }
     }
-  }
-  std::ostringstream graph, words;
-  std::vector<std::string> outside;
-  set.write_dumps(graph, words, &outside);
-  d.graph = graph.str();
-  d.words = words.str();
-  for (const std::string& k : outside) d.outside += k + " ";
-  return d;
+  });
 }
 
 struct Case {
@@ -52,10 +35,7 @@ void check(const Case& c, const CsvColumns& columns = {}) {
   const Dumps d = import_tables(c.tables, columns);
   std::string input;
   for (const Table& t : c.tables) input += "--- " + t.name + "\n" + t.text;
-  EXPECT_EQ(d.graph, c.expected.graph) << c.name << "\n" << input;
-  EXPECT_EQ(d.words, c.expected.words) << c.name << "\n" << input;
-  EXPECT_EQ(d.outside, c.expected.outside) << c.name << "\n" << input;
-  EXPECT_EQ(d.errors, c.expected.errors) << c.name << "\n" << input;
+  EXPECT_EQ(d, c.expected) << c.name << "\n" << input;
 }
 
 TEST(CsvReader, WorksAndCitations) {
@@ -123,7 +103,7 @@ TEST(CsvReader, BadRecordsNameTheFileTheLineAndTheColumn) {
       {"an unknown header stops the file",
        {{"w.csv", "paper,title\nP1,t\n"}},
        {"", "", "",
-        "stopped: w.csv:1: a header without \"id\" (a works table) or \"citing\" and \"cited\" (a citations "
+        "w.csv:1: stopped: a header without \"id\" (a works table) or \"citing\" and \"cited\" (a citations "
         "table); --columns names other headers\n"}},
       {"a citation with an empty key", {{"c.csv", "citing,cited\nP1,\n"}}, {"", "", "", "c.csv:2: cited: empty id\n"}},
   };
@@ -131,14 +111,14 @@ TEST(CsvReader, BadRecordsNameTheFileTheLineAndTheColumn) {
 }
 
 TEST(CsvReader, CitationsOfWorksOutsideTheSetAreCounted) {
-  WorkSet set;
-  set.add(ImportedWork{"P1", 2001, "", {}, "", {}});
-  set.add_citation("P1", "P9");
-  set.add_citation("Q1", "P1");
-  set.add_citation("Q2", "P1");
-  std::ostringstream graph, words;
-  std::vector<std::string> outside;
-  const WorkSetCounts counts = set.write_dumps(graph, words, &outside);
+  WorkSetCounts counts;
+  read_into_dumps(
+      [](const WorkSink& sink) {
+        const std::string works = "id\nP1\n", cites = "citing,cited\nP1,P9\nQ1,P1\nQ2,P1\n";
+        read_csv("w.csv", FileContents{works, works.size()}, {}, sink);
+        read_csv("c.csv", FileContents{cites, cites.size()}, {}, sink);
+      },
+      std::nullopt, &counts);
   EXPECT_EQ(counts.citations_outside, 1);
   EXPECT_EQ(counts.citations_unplaced, 2);
 }

@@ -1,6 +1,7 @@
 #include "import/json_records.h"
 
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace refgrove {
@@ -50,6 +51,17 @@ std::string json_text(const simdjson::dom::element& object, const char* name) {
   std::string_view s;
   if (value.get(s) != simdjson::SUCCESS) throw BadField{name, "not a string"};
   return std::string(s);
+}
+
+std::optional<std::int32_t> json_year(const simdjson::dom::element& object, const char* name) {
+  simdjson::dom::element value;
+  if (!json_field(object, name, &value)) return std::nullopt;
+  std::int64_t year;
+  if (value.get(year) != simdjson::SUCCESS || year < std::numeric_limits<std::int32_t>::min() ||
+      year > std::numeric_limits<std::int32_t>::max()) {
+    throw BadField{name, "not a year"};
+  }
+  return static_cast<std::int32_t>(year);
 }
 
 }  // namespace refgrove

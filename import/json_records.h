@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "import/input_files.h"
@@ -41,6 +42,10 @@ bool json_field(const simdjson::dom::element& object, const char* name, simdjson
 // The string field `name` of `object`; empty when missing or null. Throws
 // BadField when it is not a string.
 std::string json_text(const simdjson::dom::element& object, const char* name);
+
+// The whole-number field `name` of `object` as a year; none when missing
+// or null. Throws BadField when it is not a 32-bit whole number.
+std::optional<std::int32_t> json_year(const simdjson::dom::element& object, const char* name);
 
 }  // namespace refgrove
 

@@ -1,7 +1,6 @@
 #include "import/openalex_reader.h"
 
 #include <algorithm>
-#include <limits>
 #include <string_view>
 #include <utility>
 
@@ -59,14 +58,7 @@ ImportedWork work_of(const element& work) {
   element value;
   if (!json_field(work, "id", &value)) throw BadField{"id", "missing"};
   w.key = key_of(value, "id");
-  if (json_field(work, "publication_year", &value)) {
-    std::int64_t year;
-    if (value.get(year) != simdjson::SUCCESS || year < std::numeric_limits<std::int32_t>::min() ||
-        year > std::numeric_limits<std::int32_t>::max()) {
-      throw BadField{"publication_year", "not a year"};
-    }
-    w.year = static_cast<std::int32_t>(year);
-  }
+  w.year = json_year(work, "publication_year");
   w.title = json_text(work, "title");
   if (!json_field(work, "title", &value)) w.title = json_text(work, "display_name");
   if (json_field(work, "authorships", &value)) {

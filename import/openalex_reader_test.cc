@@ -4,33 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "import/json_records.h"
+#include "import/read_into_dumps.h"
 
 namespace refgrove {
 namespace {
 
-struct Dumps {
-  std::string graph, words, outside, errors;
-};
-
 Dumps import_text(const std::string& text, std::optional<YearRange> years = std::nullopt) {
-  FileContents contents{text + std::string(json_padding(), '\0'), text.size()};
-  WorkSet set(years);
-  Dumps d;
-  WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
-                {},
-                {},
-                [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
-  read_openalex("in.jsonl", contents, sink);
-  std::ostringstream graph, words;
-  std::vector<std::string> outside;
-  set.write_dumps(graph, words, &outside);
-  d.graph = graph.str();
-  d.words = words.str();
-  for (const std::string& k : outside) d.outside += k + " ";
-  return d;
+  const FileContents contents{text + std::string(json_padding(), '\0'), text.size()};
+  return read_into_dumps([&](const WorkSink& sink) { read_openalex("in.jsonl", contents, sink); }, years);
 }
 
 struct Case {

@@ -1,6 +1,5 @@
 #include "import/s2_reader.h"
 
-#include <limits>
 #include <string_view>
 
 #include "import/json_records.h"
@@ -30,15 +29,8 @@ std::string required_id(const element& record, const char* name) {
 ImportedWork paper_of(const element& record) {
   ImportedWork w;
   w.key = required_id(record, "corpusid");
+  w.year = json_year(record, "year");
   element value;
-  if (json_field(record, "year", &value)) {
-    std::int64_t year;
-    if (value.get(year) != simdjson::SUCCESS || year < std::numeric_limits<std::int32_t>::min() ||
-        year > std::numeric_limits<std::int32_t>::max()) {
-      throw BadField{"year", "not a year"};
-    }
-    w.year = static_cast<std::int32_t>(year);
-  }
   w.title = json_text(record, "title");
   if (json_field(record, "authors", &value)) {
     simdjson::dom::array authors;
