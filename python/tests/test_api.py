@@ -290,3 +290,25 @@ def test_preprocess_failures_leave_the_target(tmp_path):
         refgrove.preprocess(SAMPLE_DUMPS, target, progress=stop)
     assert {p.name: p.read_bytes() for p in target.iterdir()} == before
     assert [p.name for p in tmp_path.iterdir() if "refgrove" in p.name] == [], "no lock or staging directory left"
+
+
+def test_conversions_of_small_and_empty_sets(tmp_path):
+    # The last document neither cites nor is cited: igraph's edge list alone
+    # would not make its vertex.
+    small = tmp_path / "small"
+    write_dumps(small / "dumps", [(1, "a", 1999, [2], ["A"], "One"), (2, "b", "-", [], ["B"], "Two"),
+                                  (3, "c", 2001, [], ["A", "B"], "Three")], {1: "x", 3: "y"})
+    empty = tmp_path / "empty"
+    write_dumps(empty / "dumps", [], {})
+    for dumps in (small, empty):
+        refgrove.preprocess(dumps / "dumps", dumps / "data", progress=False)
+    ds = refgrove.load(small / "data")
+    g = ds.to_igraph()
+    assert (g.vcount(), g.get_edgelist(), g.vs["did"]) == (3, [(0, 1)], [1, 2, 3])
+    assert ds.to_pandas().year.isna().tolist() == [False, True, False]
+    assert list(ds.to_networkx().edges()) == [(1, 2)] and ds.to_scipy().toarray().tolist() == [[0, 1, 0], [0, 0, 0], [0, 0, 0]]
+    ds = refgrove.load(empty / "data")
+    assert len(ds) == 0 and ds.dids.tolist() == [] and ds.citation_edges().shape == (0, 2)
+    assert ds.to_igraph().vcount() == 0 and len(ds.to_pandas()) == 0 and ds.to_networkx().number_of_nodes() == 0
+    assert ds.to_scipy().shape == (0, 0) and ds.pagerank().tolist() == [] and ds.coauthor_edges().shape == (0, 2)
+    assert ds.search("x") == [] and ds.ranked() == [] and ds.components("coauthor").tolist() == []

@@ -150,6 +150,17 @@ def test_closing_while_threads_query(generated):
     assert closed[0] == 6 and answered[0] > 0
 
 
+def test_edge_text_closed_before_it_is_read(generated):
+    # Its writer, blocked on a full pipe, ends when the reader goes.
+    with refgrove.load(generated) as ds:
+        for _ in range(3):
+            text = ds._edge_text()
+            with open(text.path, "rb") as f:
+                assert f.read(10)
+            text.close()
+            text.close()
+
+
 def test_arrays_outlive_their_data_set(generated, tmp_path):
     ds = refgrove.load(generated)
     arrays = {
