@@ -65,6 +65,22 @@ class ObjectColumn {
   PyObject** slots_;
 };
 
+// Python's cyclic garbage collector held off for the scope: the objects
+// made here (texts, ints, lists of them) form no cycles, and it would
+// otherwise walk the young ones again and again as they pile up.
+class NoCollection {
+ public:
+  NoCollection() : was_enabled_(PyGC_Disable() == 1) {}
+  ~NoCollection() {
+    if (was_enabled_) PyGC_Enable();
+  }
+  NoCollection(const NoCollection&) = delete;
+  NoCollection& operator=(const NoCollection&) = delete;
+
+ private:
+  bool was_enabled_;
+};
+
 const CitationGraph& graph(const RefgroveData& d) {
   const py::gil_scoped_release release;
   return CitationGraph::of(d);
@@ -75,6 +91,7 @@ const CitationGraph& graph(const RefgroveData& d) {
 py::dict table(const DataSetHandle& self) {
   const DataSetPtr d = self.get();
   const CitationGraph& g = graph(*d);
+  const NoCollection no_collection;
   SharedObjects names(static_cast<std::size_t>(get_nb_authors(*d)));
   SharedObjects dids(d->did_index.size());
   const auto n = static_cast<std::size_t>(g.size());
@@ -111,6 +128,7 @@ py::dict table(const DataSetHandle& self) {
 py::list edge_tuples(const DataSetHandle& self) {
   const DataSetPtr d = self.get();
   const CitationGraph& g = graph(*d);
+  const NoCollection no_collection;
   SharedObjects dids(static_cast<std::size_t>(g.size()));  // by node
   const auto did = [&](std::int32_t v) { return dids.get(v, [&] { return py::int_(g.did(v)); }); };
   py::list edges(static_cast<std::size_t>(g.edge_count()));
