@@ -3,7 +3,8 @@
 //
 // Usage: network_bench DATA_DIR/ OUT_DIR/
 // Prints "name: value" lines: the load, PageRank from the loaded set to the
-// scores (graph building included), 1,000 two-hop neighbourhoods, the
+// scores (graph building included), 1,000 two-hop neighbourhoods (the best
+// of five rounds, by the wall clock and by CPU time), the
 // latencies of collaboration distances and of co-citation and coupling top
 // 20 over 1,000 random arguments, and the heap that the loaded set and the
 // analyses' structures hold. Writes to OUT_DIR the citation edges
@@ -36,6 +37,7 @@ using namespace refgrove;
 using Clock = std::chrono::steady_clock;
 
 constexpr int kSamples = 1000;
+constexpr int kRounds = 5;
 
 double seconds_since(Clock::time_point start) { return std::chrono::duration<double>(Clock::now() - start).count(); }
 // Heap in use: small blocks and the large ones malloc maps on their own.
@@ -130,28 +132,39 @@ int main(int argc, char** argv) {
     authors_b[i] = std::uniform_int_distribution<std::int32_t>(0, co.author_count() - 1)(rng);
   }
 
+  // The best of kRounds rounds, by the wall clock and by CPU time, so that
+  // a burst of other work on a shared machine does not decide the figure.
   std::size_t reached = 0, edges = 0;
   for (const bool with_edges : {false, true}) {
-    start = Clock::now();
-    for (const std::int32_t did : papers) {
-      const Neighbourhood n = neighbourhood(d, did, {2, Direction::both, 1000000000, with_edges});
-      reached += n.nodes.size();
-      edges += n.edges.size();
+    double best_wall = 1e9, best_cpu = 1e9;
+    for (int round = 0; round < kRounds; ++round) {
+      reached = edges = 0;
+      start = Clock::now();
+      const double cpu_start = cpu_seconds();
+      for (const std::int32_t did : papers) {
+        const Neighbourhood n = neighbourhood(d, did, {2, Direction::both, 1000000000, with_edges});
+        reached += n.nodes.size();
+        edges += n.edges.size();
+      }
+      best_cpu = std::min(best_cpu, cpu_seconds() - cpu_start);
+      best_wall = std::min(best_wall, seconds_since(start));
     }
-    std::printf("two_hop_neighbourhoods_1000%s_s: %.4f\n", with_edges ? "_with_edges" : "", seconds_since(start));
+    std::printf("two_hop_neighbourhoods_1000%s_s: %.4f (cpu %.4f)\n", with_edges ? "_with_edges" : "", best_wall,
+                best_cpu);
   }
-  std::printf("two_hop_mean_nodes: %.1f\ntwo_hop_mean_edges: %.1f\n", static_cast<double>(reached) / kSamples / 2,
+  std::printf("two_hop_mean_nodes: %.1f\ntwo_hop_mean_edges: %.1f\n", static_cast<double>(reached) / kSamples,
               static_cast<double>(edges) / kSamples);
 
   std::size_t connected = 0;
-  latencies("collaboration_distance", [&](int i) { connected += collaboration_distance(d, authors_a[i], authors_b[i]).has_value(); });
+  latencies("collaboration_distance",
+            [&](int i) { connected += collaboration_distance(d, authors_a[i], authors_b[i]).has_value(); });
   std::printf("collaboration_connected: %zu of %d\n", connected, kSamples);
   latencies("cocitation_top20", [&](int i) { similar(d, papers[i], SimilarBy::cocitation, 20); });
   latencies("coupling_top20", [&](int i) { similar(d, papers[i], SimilarBy::coupling, 20); });
 
   std::printf("heap_loaded_set_mb: %.1f\n", heap_loaded - heap_before);
-  std::printf("heap_analyses_mb: %.1f\n", heap_mb() - heap_loaded -
-                                              static_cast<double>(own_graph.memory() + scores.scores.capacity() * 8) / 1e6);
+  std::printf("heap_analyses_mb: %.1f\n",
+              heap_mb() - heap_loaded - static_cast<double>(own_graph.memory() + scores.scores.capacity() * 8) / 1e6);
   write_graphs(g, co, argv[2]);
   return 0;
 }

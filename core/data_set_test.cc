@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include "testing/test_documents.h"
 
 namespace {
@@ -46,7 +48,11 @@ TEST_F(DataSetTest, LoadAndReloadMessages) {
     e = capture.err();
   }
   EXPECT_EQ(err[0].rfind("Reading Word Data from ", 0), 0u) << err[0];
-  EXPECT_EQ(err[1], "deleting loaded data...\n" + err[0]);
+  // The second mapping need not land where the first one did (it does not
+  // under an emulator), so the address is left out of the comparison.
+  const std::regex address("at 0x[0-9a-f]+");
+  EXPECT_EQ(std::regex_replace(err[1], address, "at ADDRESS"),
+            "deleting loaded data...\n" + std::regex_replace(err[0], address, "at ADDRESS"));
   const std::string graph_part = "graph_file_name=" + dir_.path() + "graph_data\n" +
                                  "Reading Graph Data...\nread 3 items.\nDone.\n";
   EXPECT_NE(err[0].find("start=Done.\n" + graph_part), std::string::npos) << err[0];

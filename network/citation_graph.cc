@@ -44,6 +44,15 @@ CitationGraph::CitationGraph(const RefgroveData& d) : node_of_did_(d.did_index.s
   }
   cited_.items.shrink_to_fit();
   citing_ = Adjacency::transposed(cited_, size());
+  cited_counts_ = counts_of(cited_.items);
+  citing_counts_ = counts_of(citing_.items);
+}
+
+std::vector<std::int32_t> CitationGraph::counts_of(const std::vector<std::int32_t>& nodes) const {
+  std::vector<std::int32_t> counts;
+  counts.reserve(nodes.size());
+  for (const std::int32_t w : nodes) counts.push_back(citation_count(w));
+  return counts;
 }
 
 const CitationGraph& CitationGraph::of(const RefgroveData& d) {
@@ -59,7 +68,7 @@ std::int32_t CitationGraph::require_node(std::int64_t did) const {
 std::size_t CitationGraph::memory() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
   return bytes(dids_) + bytes(node_of_did_) + bytes(years_) + bytes(cited_.offsets) + bytes(cited_.items) +
-         bytes(citing_.offsets) + bytes(citing_.items);
+         bytes(citing_.offsets) + bytes(citing_.items) + bytes(cited_counts_) + bytes(citing_counts_);
 }
 
 const char* to_text(Direction dir) {

@@ -12,6 +12,7 @@
 #ifndef REFGROVE_NETWORK_CITATION_GRAPH_H_
 #define REFGROVE_NETWORK_CITATION_GRAPH_H_
 
+#include <climits>
 #include <cstdint>
 #include <span>
 #include <stdexcept>
@@ -97,13 +98,22 @@ class CitationGraph {
     __builtin_prefetch(&cited_.offsets[at]);
     __builtin_prefetch(&citing_.offsets[at]);
   }
+  void prefetch_did(std::int32_t v) const { __builtin_prefetch(&dids_[static_cast<std::size_t>(v)]); }
   void prefetch_cited(std::int32_t v) const {
     __builtin_prefetch(cited_.items.data() + cited_.offsets[static_cast<std::size_t>(v)]);
   }
   // The starts of v's lists in direction `dir`, once prefetch_node(v) is done.
+  // With the citation counts kept beside them (for_each_neighbour_key).
   void prefetch_neighbours(std::int32_t v, Direction dir) const {
-    if (dir != Direction::in) prefetch_cited(v);
-    if (dir != Direction::out) __builtin_prefetch(citing_.items.data() + citing_.offsets[static_cast<std::size_t>(v)]);
+    const auto at = static_cast<std::size_t>(v);
+    if (dir != Direction::in) {
+      prefetch_cited(v);
+      __builtin_prefetch(cited_counts_.data() + cited_.offsets[at]);
+    }
+    if (dir != Direction::out) {
+      __builtin_prefetch(citing_.items.data() + citing_.offsets[at]);
+      __builtin_prefetch(citing_counts_.data() + citing_.offsets[at]);
+    }
   }
 
   // Calls f(w) for every neighbour w of v in direction `dir` (with `both`, a
@@ -116,6 +126,30 @@ class CitationGraph {
       for (const std::int32_t w : citing(v)) f(w);
   }
 
+  // The order of nodes in a ring of a neighbourhood as one number: by
+  // citation count descending, then by node (DID order). The node is the
+  // low half (see node_of_ring_key).
+  static std::uint64_t ring_key(std::int32_t citation_count, std::int32_t w) {
+    return static_cast<std::uint64_t>(INT32_MAX - citation_count) << 32 | static_cast<std::uint32_t>(w);
+  }
+  static std::int32_t node_of_ring_key(std::uint64_t key) { return static_cast<std::int32_t>(key & 0xffffffffu); }
+
+  // Calls f(ring_key(citation_count(w), w)) for every neighbour w of v, as
+  // for_each_neighbour does. The counts are kept beside the lists, so that
+  // ordering a ring reads nothing of its nodes but the lists that hold them.
+  template <class F>
+  void for_each_neighbour_key(std::int32_t v, Direction dir, F f) const {
+    const auto at = static_cast<std::size_t>(v);
+    const auto each = [&](const Adjacency& lists, const std::vector<std::int32_t>& counts) {
+      for (auto i = lists.offsets[at]; i < lists.offsets[at + 1]; ++i) {
+        const auto item = static_cast<std::size_t>(i);
+        f(ring_key(counts[item], lists.items[item]));
+      }
+    };
+    if (dir != Direction::in) each(cited_, cited_counts_);
+    if (dir != Direction::out) each(citing_, citing_counts_);
+  }
+
   // The record year of node v (-1 when unknown).
   std::int32_t year(std::int32_t v) const { return years_[static_cast<std::size_t>(v)]; }
 
@@ -123,11 +157,18 @@ class CitationGraph {
   std::size_t memory() const;
 
  private:
+  // The citation count of each of `nodes`, in their order.
+  std::vector<std::int32_t> counts_of(const std::vector<std::int32_t>& nodes) const;
+
   std::vector<std::int32_t> dids_;         // node -> DID, ascending
   std::vector<std::int32_t> node_of_did_;  // DID -> node or -1
   std::vector<std::int32_t> years_;        // node -> year
   Adjacency cited_;                        // node -> cited nodes
   Adjacency citing_;                       // node -> citing nodes
+  // The citation count of each node listed, item by item beside cited_ and
+  // citing_.
+  std::vector<std::int32_t> cited_counts_;
+  std::vector<std::int32_t> citing_counts_;
 };
 
 // The text of a direction ("out", "in", "both") and back; from_text throws

@@ -1,7 +1,6 @@
 #include "network/neighbourhood.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <string>
 
@@ -14,19 +13,17 @@ void require_not_negative(std::int64_t value, const char* what) {
   if (value < 0) throw NetworkArgumentError(std::string(what) + " must not be negative, not " + std::to_string(value));
 }
 
-// Sorts nodes by citation count descending, then by node (DID order), on
-// keys that hold both.
-void sort_by_citations(const CitationGraph& g, std::vector<std::int32_t>::iterator first,
-                       std::vector<std::int32_t>::iterator last) {
-  std::vector<std::uint64_t> keys;
-  keys.reserve(static_cast<std::size_t>(last - first));
-  for (auto it = first; it != last; ++it) g.prefetch_node(*it);
-  for (auto it = first; it != last; ++it) {
-    const auto fewer = static_cast<std::uint64_t>(INT32_MAX - g.citation_count(*it));
-    keys.push_back(fewer << 32 | static_cast<std::uint32_t>(*it));
+// Orders a ring's keys (CitationGraph::ring_key). When only the first
+// `wanted` of them are kept, sorts those alone and takes the others out of
+// `seen`.
+void order_ring(std::vector<std::uint64_t>& keys, std::size_t wanted, NodeBits& seen) {
+  if (keys.size() > wanted) {
+    const auto cut = keys.begin() + static_cast<std::ptrdiff_t>(wanted);
+    std::nth_element(keys.begin(), cut, keys.end());
+    for (auto it = cut; it != keys.end(); ++it) seen.remove(CitationGraph::node_of_ring_key(*it));
+    keys.erase(cut, keys.end());
   }
   std::sort(keys.begin(), keys.end());
-  for (const std::uint64_t key : keys) *first++ = static_cast<std::int32_t>(key & 0xffffffffu);
 }
 
 // The citations from `nodes` (ascending, already asked for with
@@ -45,8 +42,10 @@ std::vector<CitationEdge> citations_among(const CitationGraph& g, const std::vec
 
 // A breadth-first walk level by level. Nodes are ordered by hops first, so
 // once the levels walked hold `limit` nodes, the walk stops: only the last
-// level is cut, by citation count. Membership is kept in NodeBits, which
-// stay in the cache while the citations among the kept nodes are looked up.
+// level is cut, by citation count. A ring is ordered on the keys that the
+// lists of the ring before hold, without visiting its nodes. Membership is
+// kept in NodeBits, which stay in the cache while the citations among the
+// kept nodes are looked up.
 Neighbourhood neighbourhood(const RefgroveData& d, std::int32_t did, const NeighbourhoodOptions& options) {
   require_not_negative(options.hops, "the hop count");
   require_not_negative(options.limit, "the limit");
@@ -58,27 +57,31 @@ Neighbourhood neighbourhood(const RefgroveData& d, std::int32_t did, const Neigh
   NodeBits& seen = NodeBits::take(static_cast<std::size_t>(g.size()));
   std::vector<std::int32_t> kept = {centre};  // nodes, in result order
   std::vector<std::size_t> level_starts = {0, 1};
+  std::vector<std::uint64_t> ring;
   seen.insert(centre);
   const auto limit = static_cast<std::size_t>(options.limit);
   for (std::int64_t hops = 1; hops <= options.hops && kept.size() < limit; ++hops) {
     const std::size_t level_start = level_starts[level_starts.size() - 2], level_end = kept.size();
     // The level's lists are asked for all at once, so that their misses
-    // overlap; sort_by_citations has asked for the nodes already.
+    // overlap.
+    for (std::size_t i = level_start; i < level_end; ++i) g.prefetch_node(kept[i]);
     for (std::size_t i = level_start; i < level_end; ++i) g.prefetch_neighbours(kept[i], options.direction);
+    ring.clear();
     for (std::size_t i = level_start; i < level_end; ++i) {
-      g.for_each_neighbour(kept[i], options.direction, [&](std::int32_t w) {
+      g.for_each_neighbour_key(kept[i], options.direction, [&](std::uint64_t key) {
+        const std::int32_t w = CitationGraph::node_of_ring_key(key);
         if (seen.contains(w)) return;
         seen.insert(w);
-        kept.push_back(w);
+        ring.push_back(key);
       });
     }
-    if (kept.size() == level_end) break;
-    sort_by_citations(g, kept.begin() + static_cast<std::ptrdiff_t>(level_end), kept.end());
+    if (ring.empty()) break;
+    order_ring(ring, limit - kept.size(), seen);
+    for (const std::uint64_t key : ring) kept.push_back(CitationGraph::node_of_ring_key(key));
     level_starts.push_back(kept.size());
   }
-  for (std::size_t i = std::min(limit, kept.size()); i < kept.size(); ++i) seen.remove(kept[i]);
-  if (kept.size() > limit) kept.resize(limit);
 
+  for (const std::int32_t v : kept) g.prefetch_did(v);
   std::int32_t hops = 0;
   for (std::size_t i = 0; i < kept.size(); ++i) {
     while (i >= level_starts[static_cast<std::size_t>(hops) + 1]) ++hops;

@@ -316,7 +316,8 @@ TEST_P(NetworkTest, Neighbourhoods) {
   for (const int centre : m.dids) {
     for (const Direction dir : {Direction::out, Direction::in, Direction::both}) {
       for (const std::int64_t hops : {std::int64_t{0}, std::int64_t{1}, std::int64_t{2}, std::int64_t{1000000000}}) {
-        for (const std::int64_t limit : {std::int64_t{0}, std::int64_t{1}, std::int64_t{3}, std::int64_t{1000000000}}) {
+        for (const std::int64_t limit :
+             {std::int64_t{0}, std::int64_t{1}, std::int64_t{3}, std::int64_t{10}, std::int64_t{1000000000}}) {
           std::vector<NeighbourNode> expected;
           for (const int did : m.dids)
             if (const int h = m.distance(dir, centre, did); h != kNone && h <= hops) expected.push_back({did, h});

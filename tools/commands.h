@@ -49,6 +49,9 @@ void add_check_command(CLI::App& app, CommandContext& ctx);
 // `refgrove rank`, `distance`, `neighbourhood`, `similar`, `components`:
 // the analyses of the citation network.
 void add_network_commands(CLI::App& app, CommandContext& ctx);
+// `refgrove main-path`, `authors`, `timeline`: the network's structure in
+// time.
+void add_fronts_commands(CLI::App& app, CommandContext& ctx);
 // `refgrove generate`: synthetic text dumps.
 void add_generate_command(CLI::App& app, CommandContext& ctx);
 

@@ -20,15 +20,12 @@
 #include "network/ranking.h"
 #include "network/similarity.h"
 #include "tools/commands.h"
+#include "tools/network_command.h"
 #include "tools/network_formats.h"
 #include "tools/tool_support.h"
 
-namespace {
+namespace refgrove {
 
-using namespace refgrove;
-
-// Loads the directory and runs `body` on it; the analysis's complaints
-// about its arguments become "refgrove COMMAND: ..." and status 1.
 int run_on(const char* command, const DataDirArgs& dir, CommandContext& ctx,
            const std::function<int(const RefgroveData&)>& body) {
   const DataSetPtr data = load_data_dir(command, dir, ctx.err);
@@ -43,12 +40,18 @@ int run_on(const char* command, const DataDirArgs& dir, CommandContext& ctx,
 }
 
 CLI::App* add_network_command(CLI::App& app, const char* name, const char* summary, const char* help,
-                               DataDirArgs* dir) {
+                              DataDirArgs* dir) {
   CLI::App* cmd = app.add_subcommand(name, summary);
   cmd->footer(help);
   add_data_dir_args(cmd, dir);
   return cmd;
 }
+
+}  // namespace refgrove
+
+namespace {
+
+using namespace refgrove;
 
 // --- rank
 

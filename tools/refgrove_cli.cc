@@ -45,6 +45,7 @@ int refgrove_main(int argc, const char* const* argv, std::istream& in, std::ostr
   add_check_command(app, ctx);
   add_generate_command(app, ctx);
   add_network_commands(app, ctx);
+  add_fronts_commands(app, ctx);
 #ifdef REFGROVE_SERVE
   add_serve_command(app, ctx);
 #endif

@@ -1,5 +1,5 @@
-// `refgrove serve DIR [--port N] [--host ADDR]`: the web explorer over a
-// data directory (web/serve.h).
+// `refgrove serve DIR [--port N] [--host ADDR] [--allow-host NAME]...
+// [--no-token]`: the web explorer over a data directory (web/serve.h).
 #include <CLI/CLI.hpp>
 
 #include <memory>
@@ -21,6 +21,11 @@ const char kHelp[] =
     "with their co-authors and collaboration paths, rankings; and the JSON\n"
     "API that the page reads (/api/...). It listens on the loopback address\n"
     "unless --host says otherwise, and runs until interrupted (Ctrl-C).\n"
+    "Requests must name the server in their Host header (its address, or\n"
+    "localhost, or a loopback address; --allow-host adds names). Listening\n"
+    "beyond loopback, every request needs the access token printed in the\n"
+    "address (kept in a cookie, or sent as Authorization: Bearer TOKEN),\n"
+    "unless --no-token.\n"
     "SIGHUP loads DIR again (after a new refgrove preprocess) while requests\n"
     "go on.\n"
     "\n"
@@ -36,6 +41,10 @@ void add_serve_command(CLI::App& app, CommandContext& ctx) {
   add_data_dir_args(cmd, &args->dir);
   cmd->add_option("--port", args->options.port, "the TCP port")->check(CLI::Range(0, 65535))->capture_default_str();
   cmd->add_option("--host", args->options.host, "the address to listen on")->capture_default_str();
+  cmd->add_option("--allow-host", args->options.allowed_hosts,
+                  "a name (with any port) that the Host header may give besides the server's own; repeatable")
+      ->allow_extra_args(false);
+  cmd->add_flag("--no-token", args->options.no_token, "need no access token, even when listening beyond loopback");
   cmd->callback([&ctx, args] {
     ctx.status = refgrove::web::serve(
         args->options, [&] { return load_data_dir("serve", args->dir, ctx.err); }, ctx.out, ctx.err);

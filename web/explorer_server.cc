@@ -1,29 +1,36 @@
 #include "web/explorer_server.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/eventfd.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <climits>
 #include <csignal>
 #include <functional>
+#include <sstream>
 #include <stdexcept>
-
-#include <sys/socket.h>
 
 #include "core/data_set.h"
 #include "web/api_params.h"
 #include "web/connection_threads.h"
-#include "web/page_files.h"
 #include "web/network_api.h"
+#include "web/page_files.h"
 #include "web/paper_api.h"
 #include "web/search_api.h"
 
 namespace refgrove::web {
 namespace {
 
-// Enough for every client of a local explorer and a thousand idle ones.
-constexpr std::size_t kMaxThreads = 4096;
+// Threads beyond max_connections, to answer the connections past it.
+constexpr std::size_t kSpareThreads = 64;
 constexpr auto kThreadIdleTime = std::chrono::seconds(10);
-// How long a connection may stay silent, before and within a request.
-constexpr int kTimeoutSeconds = 5;
 constexpr std::size_t kRequestsPerConnection = 10000;
+
+std::string error_body(const std::string& message) {
+  return Json{{"error", message}}.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
 
 void send_json(httplib::Response& res, int status, const Json& body) {
   res.status = status;
@@ -31,7 +38,45 @@ void send_json(httplib::Response& res, int status, const Json& body) {
 }
 
 void send_error(httplib::Response& res, int status, const std::string& message) {
-  send_json(res, status, Json{{"error", message}});
+  res.status = status;
+  res.set_content(error_body(message), "application/json");
+}
+
+// A whole response with an error, for the connection to send on its own.
+std::string error_answer(int status, const char* reason, const std::string& message) {
+  const std::string body = error_body(message);
+  return "HTTP/1.1 " + std::to_string(status) + " " + reason +
+         "\r\nContent-Type: application/json\r\nContent-Length: " + std::to_string(body.size()) +
+         "\r\nConnection: close\r\nX-Content-Type-Options: nosniff\r\n\r\n" + body;
+}
+
+// A duration for people: "10 s", "1.5 s".
+std::string seconds_text(std::chrono::milliseconds duration) {
+  std::ostringstream text;
+  text << static_cast<double>(duration.count()) / 1000 << " s";
+  return text.str();
+}
+
+// The message of an error that the HTTP library answers by itself.
+std::string library_error(int status) {
+  switch (status) {
+    case 400:
+      return "the request is malformed";
+    case 404:
+      return "not found";
+    case 414:
+      return "the request line is too long";
+    default:
+      return "the request cannot be answered (HTTP status " + std::to_string(status) + ")";
+  }
+}
+
+// Whether the connection may carry another request after `req`: one that
+// announces a body (not read: only GET and HEAD are answered) ends it.
+bool allows_next_request(const httplib::Request& req) {
+  const std::string length = req.get_header_value("Content-Length");
+  return (req.method == "GET" || req.method == "HEAD") && (length.empty() || length == "0") &&
+         !req.has_header("Transfer-Encoding");
 }
 
 using Answer = std::function<Json(const RefgroveData&, const httplib::Request&)>;
@@ -102,21 +147,73 @@ Json rank_answer(const RefgroveData& d, const httplib::Request& req) {
 
 }  // namespace
 
-ExplorerServer::ExplorerServer(const DataSetSlot& slot) : slot_(slot) {
-  server_.new_task_queue = [] { return new ConnectionThreads(kMaxThreads, kThreadIdleTime); };
-  server_.set_tcp_nodelay(true);  // answers are single small writes: no waiting for ACKs
-  server_.set_keep_alive_timeout(kTimeoutSeconds);
-  server_.set_read_timeout(kTimeoutSeconds);
-  server_.set_write_timeout(kTimeoutSeconds);
-  server_.set_keep_alive_max_count(kRequestsPerConnection);
-  server_.set_payload_max_length(0);  // a GET has no body
-  server_.set_default_headers({{"X-Content-Type-Options", "nosniff"},
-                               {"Content-Security-Policy", "default-src 'self'; img-src 'self' data:"}});
+ExplorerServer::ExplorerServer(const DataSetSlot& slot, ExplorerOptions options)
+    : slot_(slot),
+      options_(std::move(options)),
+      access_(access_rules("127.0.0.1", 0)),
+      stop_fd_(eventfd(0, EFD_CLOEXEC)) {
+  if (stop_fd_ < 0) throw std::runtime_error("cannot make an eventfd");
+  server_.new_task_queue = [this] {
+    return new ConnectionThreads(options_.max_connections + kSpareThreads, kThreadIdleTime);
+  };
+  server_.set_keep_alive_timeout(std::chrono::ceil<std::chrono::seconds>(options_.limits.idle_timeout).count());
+  server_.set_keep_alive_max_count(kRequestsPerConnection);  // as the Keep-Alive header tells clients
+  server_.set_default_headers(
+      {{"X-Content-Type-Options", "nosniff"}, {"Content-Security-Policy", "default-src 'self'; img-src 'self' data:"}});
   server_.set_exception_handler([](const httplib::Request&, httplib::Response& res, std::exception_ptr) {
     send_error(res, 500, "internal error");
   });
+  server_.set_error_handler(httplib::Server::HandlerWithResponse([](const httplib::Request&, httplib::Response& res) {
+    if (!res.body.empty()) return httplib::Server::HandlerResponse::Unhandled;
+    send_error(res, res.status, library_error(res.status));
+    return httplib::Server::HandlerResponse::Handled;
+  }));
+  server_.set_pre_routing_handler([this](const httplib::Request& req, httplib::Response& res) {
+    return refused(req, res) ? httplib::Server::HandlerResponse::Handled : httplib::Server::HandlerResponse::Unhandled;
+  });
   add_api_routes();
   add_page_routes();
+}
+
+ExplorerServer::~ExplorerServer() { ::close(stop_fd_); }
+
+bool ExplorerServer::refused(const httplib::Request& req, httplib::Response& res) const {
+  if (req.get_header_value_count("Host") != 1) {
+    send_error(res, 400, "the request must have one Host header");
+    return true;
+  }
+  const std::string host = req.get_header_value("Host");
+  if (!access_->host_allowed(host)) {
+    send_error(
+        res, 403,
+        "this server does not answer for the host \"" + host + "\" (refgrove serve --allow-host NAME adds a name)");
+    return true;
+  }
+  if (req.method != "GET" && req.method != "HEAD") {
+    res.set_header("Allow", "GET, HEAD");
+    res.set_header("Connection", "close");  // its body, if any, is not read
+    send_error(res, 405, "only GET and HEAD requests are answered");
+    return true;
+  }
+  switch (access_->token_from(req.get_header_value("Authorization"), req.get_header_value("Cookie"),
+                              req.get_param_value("token"))) {
+    case AccessRules::TokenFrom::kMissing:
+      res.set_header("WWW-Authenticate", "Bearer");
+      send_error(res, 401,
+                 "this server needs its access token: open the address with ?token= that refgrove serve printed, "
+                 "or send the header Authorization: Bearer TOKEN");
+      return true;
+    case AccessRules::TokenFrom::kQuery:
+      // The browser keeps the token from now on; the page's address loses it.
+      res.set_header("Set-Cookie", access_->token_cookie());
+      if (req.path == "/" || req.path == "/index.html") {
+        res.set_redirect("/", 303);
+        return true;
+      }
+      return false;
+    default:
+      return false;
+  }
 }
 
 void ExplorerServer::add_api_routes() {
@@ -131,9 +228,8 @@ void ExplorerServer::add_api_routes() {
   server_.Get("/api/neighbourhood/([^/]*)", api(slot_, neighbourhood_answer));
   server_.Get("/api/path", api(slot_, path_answer));
   server_.Get("/api/rank", api(slot_, rank_answer));
-  server_.Get("/api/.*", [](const httplib::Request&, httplib::Response& res) {
-    send_error(res, 404, "no such API endpoint");
-  });
+  server_.Get("/api/.*",
+              [](const httplib::Request&, httplib::Response& res) { send_error(res, 404, "no such API endpoint"); });
 }
 
 void ExplorerServer::add_page_routes() {
@@ -151,16 +247,71 @@ void ExplorerServer::add_page_routes() {
 
 void ExplorerServer::Server::raise_backlog() { ::listen(svr_sock_, SOMAXCONN); }
 
+bool ExplorerServer::Server::process_and_close_socket(int sock) {
+  const int on = 1;  // answers are single small writes: no waiting for ACKs
+  setsockopt(sock, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+  SocketConnection connection(sock, owner_.stop_fd_, owner_.options_.limits);
+  if (owner_.connections_.fetch_add(1) < owner_.options_.max_connections) {
+    serve_connection(connection);
+  } else {
+    connection.refuse(
+        error_answer(503, "Service Unavailable", "the server has too many open connections; try again later"));
+  }
+  owner_.connections_.fetch_sub(1);
+  return true;
+}
+
+void ExplorerServer::Server::serve_connection(ClientConnection& connection) {
+  const ConnectionLimits& limits = owner_.options_.limits;
+  for (std::size_t served = 1; connection.next_request(); ++served) {
+    bool closed = false, next_allowed = false;
+    const bool last = served == kRequestsPerConnection;
+    const bool answered = process_request(connection, last, closed,
+                                          [&](httplib::Request& req) { next_allowed = allows_next_request(req); });
+    switch (connection.cut()) {
+      case ClientConnection::Cut::kTooSlow:
+        return connection.refuse(error_answer(
+            408, "Request Timeout", "the request did not arrive within " + seconds_text(limits.transfer_timeout)));
+      case ClientConnection::Cut::kTooLarge:
+        return connection.refuse(error_answer(431, "Request Header Fields Too Large",
+                                              "the request line and header fields are longer than " +
+                                                  std::to_string(limits.max_header_bytes) + " bytes"));
+      case ClientConnection::Cut::kNone:
+        break;
+    }
+    if (!answered || closed || !next_allowed || last) return;
+  }
+}
+
 int ExplorerServer::bind(const std::string& host, int port) {
   // A client that goes away mid-response must not end the process.
   std::signal(SIGPIPE, SIG_IGN);
   const int bound = port == 0 ? server_.bind_to_any_port(host) : server_.bind_to_port(host, port) ? port : -1;
-  if (bound >= 0) server_.raise_backlog();
+  if (bound < 0) return bound;
+  server_.raise_backlog();
+  access_ = access_rules(host, bound);
   return bound;
+}
+
+std::unique_ptr<AccessRules> ExplorerServer::access_rules(const std::string& host, int port) const {
+  auto rules = std::make_unique<AccessRules>(host, port, options_.token);
+  for (const std::string& name : options_.allowed_hosts) rules->allow_host(name);
+  return rules;
 }
 
 void ExplorerServer::run() { server_.listen_after_bind(); }
 
-void ExplorerServer::stop() { server_.stop(); }
+void ExplorerServer::stop() {
+  const std::uint64_t one = 1;
+  (void)!::write(stop_fd_, &one, sizeof one);
+  server_.stop();
+}
+
+std::string ExplorerServer::answer(std::string_view requests) {
+  std::string output;
+  MemoryConnection connection(requests, output, options_.limits);
+  server_.serve_connection(connection);
+  return output;
+}
 
 }  // namespace refgrove::web

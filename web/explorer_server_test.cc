@@ -3,11 +3,7 @@
 // reloads while requests run.
 #include "web/explorer_server.h"
 
-#include <arpa/inet.h>
 #include <gtest/gtest.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <nlohmann/json.hpp>
 
@@ -16,7 +12,6 @@
 #include <climits>
 #include <map>
 #include <memory>
-#include <sstream>
 #include <thread>
 
 #include "core/data_view.h"
@@ -27,47 +22,14 @@
 #include "search/word_search.h"
 #include "testing/data_files.h"
 #include "core/document_text.h"
-#include "web/serve.h"
+#include "web/served_sample_test.h"
 
 namespace refgrove::web {
 namespace {
 
 using JsonValue = nlohmann::json;
 
-// The sample, preprocessed and served once for the whole suite.
-class ServedSample {
- public:
-  ServedSample() {
-    preprocess_sample(dir_.path());
-    slot_.replace(load(dir_.path()));
-    port_ = server_.bind("127.0.0.1", 0);
-    serving_ = std::thread([this] { server_.run(); });
-  }
-  ~ServedSample() {
-    server_.stop();
-    serving_.join();
-  }
-
-  static DataSetPtr load(const std::string& dir) {
-    std::ostringstream log;
-    DataSetPtr set = load_data_set(dir, log);
-    prepare_for_serving(*set);
-    return set;
-  }
-
-  DataSetSlot& slot() { return slot_; }
-  const RefgroveData& data() { return *slot_.current(); }
-  int port() const { return port_; }
-  const std::string& dir() const { return dir_.path(); }
-
- private:
-  TempDir dir_;
-  DataSetSlot slot_;
-  ExplorerServer server_{slot_};
-  int port_ = -1;
-  std::thread serving_;
-};
-
+// The sample, served once for the whole suite.
 ServedSample& sample() {
   static auto* served = new ServedSample;  // lives until the process ends
   return *served;
@@ -340,55 +302,20 @@ TEST(ExplorerServer, ServesItsEmbeddedPageAndNothingElse) {
 
 // ---- Bad clients ----------------------------------------------------------
 
-// A raw connection to the server, for what httplib::Client would not send.
-class RawConnection {
- public:
-  RawConnection() : fd_(socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(sample().port()));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    connected_ = connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0;
-  }
-  ~RawConnection() { close(fd_); }
-  RawConnection(const RawConnection&) = delete;
-  RawConnection& operator=(const RawConnection&) = delete;
-
-  bool connected() const { return connected_; }
-  void send_text(const std::string& text) { (void)!send(fd_, text.data(), text.size(), MSG_NOSIGNAL); }
-  // Sends no more: the server sees the end of the request stream.
-  void end_sending() { shutdown(fd_, SHUT_WR); }
-  // What the server sends until it closes or `limit` bytes have come.
-  std::string receive(std::size_t limit = 1 << 20) {
-    std::string text;
-    char buffer[4096];
-    while (text.size() < limit) {
-      const ssize_t n = recv(fd_, buffer, std::min(sizeof buffer, limit - text.size()), 0);
-      if (n <= 0) break;
-      text.append(buffer, static_cast<std::size_t>(n));
-    }
-    return text;
-  }
-
- private:
-  int fd_;
-  bool connected_ = false;
-};
-
 TEST(ExplorerServer, MalformedRequestsGetA4xxOrAClosedConnection) {
-  const std::string huge_query = "GET /api/stats?q=" + std::string(1 << 20, 'a') + " HTTP/1.1\r\nHost: x\r\n\r\n";
+  const std::string host = sample().host();
   const std::string requests[] = {
-      huge_query,
-      "GET /api/paper/%%%zz HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n",
-      "GET /%2e%2e/%2e%2e/etc/passwd HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n",
-      "GET ../../etc/passwd HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n",
-      "BREW /api/stats HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n",
+      get_request("/api/stats?q=" + std::string(1 << 20, 'a'), host),
+      get_request("/api/paper/%%%zz", host),
+      get_request("/%2e%2e/%2e%2e/etc/passwd", host),
+      get_request("../../etc/passwd", host),
+      "BREW /api/stats HTTP/1.1\r\nHost: " + host + "\r\nConnection: close\r\n\r\n",
       "GET /api/stats HTTP/9.9\r\n\r\n",
       "\x01\x02garbage\r\n\r\n",
-      "GET /api/stats HTTP/1.1\r\nHost: x\r\nX-Long: " + std::string(1 << 20, 'h') + "\r\n\r\n",
+      get_request("/api/stats", host, "X-Long: " + std::string(1 << 20, 'h') + "\r\n"),
   };
   for (const std::string& request : requests) {
-    RawConnection c;
+    RawConnection c(sample().port());
     ASSERT_TRUE(c.connected());
     c.send_text(request);
     c.end_sending();
@@ -401,7 +328,7 @@ TEST(ExplorerServer, MalformedRequestsGetA4xxOrAClosedConnection) {
 
 TEST(ExplorerServer, AnswersOthersWhileAThousandConnectionsIdle) {
   std::vector<std::unique_ptr<RawConnection>> idle;
-  for (int i = 0; i < 1000; ++i) idle.push_back(std::make_unique<RawConnection>());
+  for (int i = 0; i < 1000; ++i) idle.push_back(std::make_unique<RawConnection>(sample().port()));
   idle[0]->send_text("GET /api/stats HTTP/1.1\r\n");  // and never the end of its header
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(get("/api/paper/101").status, 200);
@@ -410,8 +337,8 @@ TEST(ExplorerServer, AnswersOthersWhileAThousandConnectionsIdle) {
 
 TEST(ExplorerServer, OutlivesClientsThatLeaveMidResponse) {
   for (int i = 0; i < 20; ++i) {
-    RawConnection c;
-    c.send_text("GET /d3.min.js HTTP/1.1\r\nHost: x\r\n\r\n");
+    RawConnection c(sample().port());
+    c.send_text("GET /d3.min.js HTTP/1.1\r\nHost: " + sample().host() + "\r\n\r\n");
     c.receive(100);
   }
   EXPECT_EQ(get("/api/stats").status, 200);
