@@ -15,6 +15,8 @@ namespace py = pybind11;
 void bind_data_set(py::class_<DataSetHandle>& c);
 // The per-document arrays and the graphs as arrays (array_binding.cc).
 void bind_arrays(py::class_<DataSetHandle>& c);
+// Main paths, author impact and timelines (fronts_binding.cc).
+void bind_fronts(py::class_<DataSetHandle>& c);
 // The whole set as Python objects for pandas, networkx and igraph
 // (table_binding.cc).
 void bind_tables(py::class_<DataSetHandle>& c);

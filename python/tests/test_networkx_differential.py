@@ -126,3 +126,70 @@ def test_similarity_counts(case):
             found = [(nodes[j], int(n)) for j, n in zip(row.indices, row.data) if j != i and n > 0]
             expected = sorted(found, key=lambda item: (-item[1], item[0]))
             assert ds.similar(nodes[i], by=by, limit=None) == expected, (nodes[i], by)
+
+
+def test_search_path_counts_and_main_path(case):
+    # SPC on the condensation: an edge's weight is the number of paths from
+    # a source to its tail times the number from its head to a sink.
+    ds, graph, _, _ = case
+    dag = nx.condensation(graph)
+    order = list(nx.topological_sort(dag))
+    to_here = {c: 1.0 if dag.in_degree(c) == 0 else 0.0 for c in dag}
+    for c in order:
+        for s in dag.successors(c):
+            to_here[s] += to_here[c]
+    from_here = {c: 1.0 if dag.out_degree(c) == 0 else 0.0 for c in dag}
+    for c in reversed(order):
+        for s in dag.successors(c):
+            from_here[c] += from_here[s]
+    component = dag.graph["mapping"]
+    expected = [0.0 if component[u] == component[v] else to_here[component[u]] * from_here[component[v]]
+                for u, v in ds.citation_edges().tolist()]
+    assert np.allclose(ds.search_path_counts(), expected, rtol=1e-12, atol=0)
+
+    def weight(a, b):
+        return to_here[a] * from_here[b]
+
+    best = {}
+    for c in reversed(order):
+        best[c] = max((weight(c, s) + best[s] for s in dag.successors(c)), default=0.0)
+    steps = [component[did] for did in ds.main_path()]
+    steps = [c for i, c in enumerate(steps) if i == 0 or c != steps[i - 1]]
+    assert dag.in_degree(steps[0]) == 0 and dag.out_degree(steps[-1]) == 0
+    assert all(dag.has_edge(a, b) for a, b in zip(steps, steps[1:]))
+    top = max(best[c] for c in dag if dag.in_degree(c) == 0)
+    assert sum(weight(a, b) for a, b in zip(steps, steps[1:])) == pytest.approx(top, rel=1e-12)
+
+
+def test_author_impact_and_timelines(case):
+    ds, graph, coauthors, rng = case
+    docs_of, year = {}, {}
+    for did in graph:
+        doc = ds.document(did)
+        year[did] = doc.year
+        for author in set(doc.author_ids):
+            docs_of.setdefault(author, []).append(did)
+    impacts = {}
+    for author in coauthors:
+        docs = docs_of.get(author, [])
+        counts = sorted((graph.in_degree(d) for d in docs), reverse=True)
+        years = [year[d] for d in docs if year[d] is not None]
+        impacts[author] = (len(docs), sum(counts), sum(1 for i, n in enumerate(counts) if n >= i + 1),
+                           min(years, default=None), max(years, default=None))
+        assert tuple(ds.author_impact(author)) == impacts[author], author
+    for by, at in (("documents", 0), ("citations", 1), ("h-index", 2)):
+        expected = sorted(((a, v[at]) for a, v in impacts.items()), key=lambda item: (-item[1], item[0]))
+        assert ds.ranked_authors(by=by, limit=None) == expected, by
+
+    def by_year(dids):
+        counts = {}
+        for did in dids:
+            for citing in graph.predecessors(did):
+                if year[citing] is not None:
+                    counts[year[citing]] = counts.get(year[citing], 0) + 1
+        return sorted(counts.items())
+
+    for did in rng.sample(list(graph), 20):
+        assert ds.timeline(did) == by_year([did]), did
+    for author in rng.sample(list(coauthors), 20):
+        assert ds.timeline(author=author) == by_year(docs_of.get(author, [])), author
