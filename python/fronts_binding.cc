@@ -17,13 +17,6 @@
 namespace refgrove::python {
 namespace {
 
-template <class Work>
-auto without_gil(const DataSetHandle& self, Work work) {
-  const DataSetPtr d = self.get();
-  const py::gil_scoped_release release;
-  return work(*d);
-}
-
 py::object optional_year(std::int32_t year) { return year == -1 ? py::object(py::none()) : py::int_(year); }
 
 // The SPC weight of each citation, in the order of citation_edges().
@@ -52,10 +45,7 @@ py::tuple authors_ranked(const DataSetHandle& self, py::handle by_arg, py::handl
   const std::int64_t limit = count_arg(limit_arg, "the limit");
   const std::vector<RankedAuthor> top =
       without_gil(self, [&](const RefgroveData& d) { return ranked_authors(d, by, one_more(limit)); });
-  py::list list;
-  for (std::size_t i = 0; i < top.size() && static_cast<std::int64_t>(i) < limit; ++i)
-    list.append(py::make_tuple(top[i].author, top[i].value));
-  return py::make_tuple(list, static_cast<std::int64_t>(top.size()) > limit);
+  return cut(top, limit, [](const RankedAuthor& r) { return py::make_tuple(r.author, r.value); });
 }
 
 Timeline timeline(const DataSetHandle& self, py::handle did_arg, py::handle author_arg) {

@@ -82,8 +82,7 @@ class NoCollection {
 };
 
 const CitationGraph& graph(const RefgroveData& d) {
-  const py::gil_scoped_release release;
-  return CitationGraph::of(d);
+  return *without_gil(d, [](const RefgroveData& set) { return &CitationGraph::of(set); });
 }
 
 // key (str or None), title, authors (lists of names) and cites (lists of
