@@ -23,7 +23,7 @@ from ._errors import (
     PreprocessError,
 )
 from ._refgrove import __version__
-from ._data_set import CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
+from ._data_set import AuthorImpact, CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
 from ._preprocess import PreprocessResult, preprocess
 
 __all__ = [
@@ -34,6 +34,7 @@ __all__ = [
     "Document",
     "Hits",
     "CollaborationPath",
+    "AuthorImpact",
     "Neighbourhood",
     "PreprocessResult",
     "Error",
