@@ -1,13 +1,15 @@
 #include "fronts/clusters.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <map>
 #include <mutex>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "core/lookup.h"
-#include "core/utf8_text.h"
+#include "core/text_folding.h"
 
 namespace refgrove {
 namespace {
@@ -33,52 +35,95 @@ ClusterGraph cluster_graph(const RefgroveData& d, const ClusterOptions& o) {
   return coauthor_cluster_graph(CoauthorGraph::of(d));
 }
 
-// The distinct title words of every citation-graph node, and in how many
-// titles each word is.
+// Whether a folded title word can label a cluster: at least three
+// characters, a letter or digit among them, and not an English function
+// word, which says nothing of what a cluster is about.
+bool labels(const std::string& word) {
+  static const std::unordered_set<std::string> function_words = {
+      "about", "after",  "against", "all",     "also",  "among",   "and",     "any",     "are",   "because",
+      "been",  "before", "being",   "between", "both",  "but",     "can",     "could",   "does",  "during",
+      "each",  "for",    "from",    "had",     "has",   "have",    "how",     "into",    "its",   "may",
+      "more",  "most",   "not",     "off",     "one",   "only",    "onto",    "other",   "our",   "out",
+      "over",  "should", "some",    "such",    "than",  "that",    "the",     "their",   "them",  "then",
+      "there", "these",  "they",    "this",    "those", "through", "toward",  "towards", "two",   "under",
+      "upon",  "using",  "very",    "via",     "was",   "were",    "what",    "when",    "where", "which",
+      "while", "who",    "why",     "will",    "with",  "within",  "without", "would",   "you",   "your"};
+  std::size_t characters = 0;
+  bool letter = false;
+  for (const char c : word) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte & 0xc0) != 0x80) ++characters;
+    if (std::isalnum(byte) || byte >= 0x80) letter = true;
+  }
+  return characters >= 3 && letter && !function_words.contains(word);
+}
+
+// The distinct label words (folded, see labels()) of the title of every
+// citation-graph node, and in how many titles each word is.
 struct TitleWords {
-  Adjacency words;  // node -> word ids (as int32), ascending
-  std::unordered_map<std::int32_t, std::int32_t> titles;
+  std::vector<std::string> text;     // term -> its folded text
+  Adjacency terms;                   // node -> terms, ascending
+  std::vector<std::int32_t> titles;  // term -> titles having it
 
   TitleWords(const RefgroveData& d, const CitationGraph& g) {
+    std::unordered_map<std::uint32_t, std::int32_t> term_of_word;  // -1: no label word
+    std::unordered_map<std::string, std::int32_t> term_of_text;
     std::vector<std::int32_t> ids;
     for (std::int32_t v = 0; v < g.size(); ++v) {
       ids.clear();
       if (const RefgroveGraphData* r = graph_record(d, g.did(v)))
-        for (std::int32_t i = 0; i < r->title.size(); ++i) ids.push_back(static_cast<std::int32_t>(r->title[i].id()));
+        for (std::int32_t i = 0; i < r->title.size(); ++i) {
+          const std::uint32_t word = r->title[i].id();
+          auto [found, fresh] = term_of_word.try_emplace(word, -1);
+          if (fresh) found->second = term(word_text(d, word), term_of_text);
+          if (found->second >= 0) ids.push_back(found->second);
+        }
       std::sort(ids.begin(), ids.end());
       ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-      for (const std::int32_t w : ids) ++titles[w];
-      words.items.insert(words.items.end(), ids.begin(), ids.end());
-      words.offsets.push_back(static_cast<std::int64_t>(words.items.size()));
+      for (const std::int32_t t : ids) ++titles[at(t)];
+      terms.items.insert(terms.items.end(), ids.begin(), ids.end());
+      terms.offsets.push_back(static_cast<std::int64_t>(terms.items.size()));
     }
+  }
+
+ private:
+  std::int32_t term(const char* word, std::unordered_map<std::string, std::int32_t>& term_of_text) {
+    if (!word) return -1;
+    std::string folded = fold_text(word);
+    if (!labels(folded)) return -1;
+    const auto [found, fresh] = term_of_text.try_emplace(folded, static_cast<std::int32_t>(text.size()));
+    if (fresh) {
+      text.push_back(std::move(folded));
+      titles.push_back(0);
+    }
+    return found->second;
   }
 };
 
-std::vector<std::string> label_of(const RefgroveData& d, const TitleWords& all, std::span<const std::int32_t> nodes) {
+std::vector<std::string> label_of(const TitleWords& all, std::span<const std::int32_t> nodes) {
   std::unordered_map<std::int32_t, std::int32_t> in_cluster;
   for (const std::int32_t v : nodes)
-    for (const std::int32_t w : all.words[v]) ++in_cluster[w];
-  const double documents = static_cast<double>(all.words.size());
+    for (const std::int32_t t : all.terms[v]) ++in_cluster[t];
+  const double documents = static_cast<double>(all.terms.size());
   struct Scored {
     double score;
-    std::string word;
+    const std::string* word;
   };
   std::vector<Scored> scored;
-  for (const auto& [w, count] : in_cluster) {
-    const std::int32_t titles = all.titles.at(w);
+  for (const auto& [t, count] : in_cluster) {
+    const std::int32_t titles = all.titles[at(t)];
     if (2.0 * titles > documents) continue;
     const double p = count / static_cast<double>(nodes.size());
     const double score = p * std::log(p / (titles / documents));
-    const char* text = word_text(d, static_cast<std::uint32_t>(w));
-    if (score > 0 && text) scored.push_back({score, as_utf8(text)});
+    if (score > 0) scored.push_back({score, &all.text[at(t)]});
   }
   const auto better = [](const Scored& a, const Scored& b) {
-    return a.score != b.score ? a.score > b.score : a.word < b.word;
+    return a.score != b.score ? a.score > b.score : *a.word < *b.word;
   };
   const std::size_t keep = std::min(kLabelWords, scored.size());
   std::partial_sort(scored.begin(), scored.begin() + static_cast<std::ptrdiff_t>(keep), scored.end(), better);
   std::vector<std::string> label;
-  for (std::size_t i = 0; i < keep; ++i) label.push_back(scored[i].word);
+  for (std::size_t i = 0; i < keep; ++i) label.push_back(*scored[i].word);
   return label;
 }
 
@@ -178,7 +223,7 @@ void Clustering::describe(const RefgroveData& d, const CitationGraph& g) {
           return g.citation_count(a) != g.citation_count(b) ? g.citation_count(a) > g.citation_count(b) : a < b;
         });
     for (std::size_t i = 0; i < keep; ++i) cluster.top.push_back(g.did(top[i]));
-    cluster.label = label_of(d, titles, nodes);
+    cluster.label = label_of(titles, nodes);
   }
 }
 

@@ -6,11 +6,14 @@
 // smallest member. A cluster's documents are its members for the document
 // graphs and the documents of its authors for the co-author graph; from them
 // come the years it spans, its most cited documents and its label: the title
-// words most characteristic of it. A word's score in a cluster is
+// words most characteristic of it. Title words are folded (text_folding.h:
+// case and accents); those of fewer than three characters, without a letter
+// or digit, English function words ("the", "and", "with"...) and words in
+// more than half of all titles are left out. A word's score in a cluster is
 // p log(p / q), p the share of the cluster's documents whose title has it and
 // q that share among all documents: frequent in the cluster, rare outside.
-// Words scoring 0 or less and words in more than half of all titles are
-// never chosen; ties go to the word first in byte order.
+// Words scoring 0 or less are never chosen; ties go to the word first in
+// byte order.
 #ifndef REFGROVE_FRONTS_CLUSTERS_H_
 #define REFGROVE_FRONTS_CLUSTERS_H_
 
