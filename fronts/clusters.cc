@@ -167,16 +167,17 @@ ClusterQuality cluster_quality_from_text(const std::string& text) {
 Clustering::Clustering(const RefgroveData& d, const ClusterOptions& options) : options_(options) {
   if (!std::isfinite(options.resolution) || options.resolution < 0)
     throw NetworkArgumentError("the resolution must be a number of at least 0");
-  if (options.min_citations < 0 || options.min_weight < 1)
-    throw NetworkArgumentError("min_citations must be at least 0 and min_weight at least 1");
+  if (options.min_citations < 0 || options.min_weight < 1 || options.iterations < 0)
+    throw NetworkArgumentError("min_citations and iterations must be at least 0, min_weight at least 1");
   const CitationGraph& g = CitationGraph::of(d);
   const ClusterGraph graph = cluster_graph(d, options);
-  const LeidenResult r = leiden(graph.graph, {options.quality, options.resolution, options.seed, 0});
+  const LeidenResult r = leiden(graph.graph, {options.quality, options.resolution, options.seed, options.iterations});
   const bool authors = options.graph == ClusterGraphKind::coauthor;
   members_.reserve(graph.items.size());
   for (const std::int32_t item : graph.items) members_.push_back(authors ? item : g.did(item));
   cluster_ = r.cluster;
   iterations_ = r.iterations;
+  stable_ = r.stable;
   quality_ = r.quality;
   std::vector<double> shares;
   modularity_ = refgrove::modularity(graph.graph, cluster_, &shares);

@@ -42,6 +42,7 @@ struct ClusterOptions {
   std::uint64_t seed = 1;
   std::int32_t min_citations = 1;  // cocitation and coupling
   std::int32_t min_weight = 1;     // cocitation and coupling
+  std::int32_t iterations = 0;     // 0: until stable (leiden.h)
   friend bool operator==(const ClusterOptions&, const ClusterOptions&) = default;
 };
 
@@ -73,6 +74,8 @@ class Clustering {
   double modularity() const { return modularity_; }
   double quality() const { return quality_; }
   std::int32_t iterations() const { return iterations_; }
+  // Whether the last iteration moved nothing.
+  bool stable() const { return stable_; }
 
   // The cluster of a member, -1 for an id that is none.
   std::int32_t cluster_of(std::int32_t id) const;
@@ -92,6 +95,7 @@ class Clustering {
   double modularity_ = 0;
   double quality_ = 0;
   std::int32_t iterations_ = 0;
+  bool stable_ = false;
 };
 
 // Citations received by a cluster's documents per year of the citing

@@ -114,9 +114,16 @@ class Links {
   std::vector<std::int32_t> touched_;
 };
 
+// What a run keeps from level to level and iteration to iteration: the
+// random draws and, sized once for the whole graph, the buffers every level
+// reuses (allocating them anew each time costs more than the work itself).
 struct Search {
+  Search(std::int32_t nodes, double penalty, std::uint64_t seed) : penalty(penalty), random(seed), links(at(nodes)) {}
+
   double penalty;  // the factor of node weight products in a gain
   Random random;
+  Links links;
+  WeightedGraph aggregates[2];  // the graphs of levels above the first, in turn
 };
 
 // Moves single nodes to their best neighbouring cluster (or an empty one)
@@ -127,7 +134,7 @@ std::int64_t move_nodes(const Level& level, Partition& p, Search& s) {
   std::vector<std::int32_t> order = s.random.permutation(n);
   std::deque<std::int32_t> queue(order.begin(), order.end());
   std::vector<char> queued(at(n), 1);
-  Links links(at(n));
+  Links& links = s.links;
   std::int64_t moves = 0;
   while (!queue.empty()) {
     const std::int32_t v = queue.front();
@@ -188,7 +195,7 @@ Partition refine(const Level& level, const Partition& p, Search& s) {
     const double w = r.weight[at(part)];
     return outside[at(part)] >= s.penalty * w * (cluster_weight - w) - kMinGain;
   };
-  Links links(at(n));
+  Links& links = s.links;
   std::vector<std::int32_t> candidates;
   std::vector<double> chance;
   for (const std::int32_t v : s.random.permutation(n)) {
@@ -242,7 +249,8 @@ std::int32_t renumber(std::vector<std::int32_t>& of) {
 
 // The graph whose nodes are the clusters `part` (numbered 0..parts-1) of
 // the level's nodes, with the summed weights of the edges between them.
-Level aggregate(const Level& level, const std::vector<std::int32_t>& part, std::int32_t parts, WeightedGraph& storage) {
+Level aggregate(const Level& level, const std::vector<std::int32_t>& part, std::int32_t parts, Links& links,
+                WeightedGraph& storage) {
   const WeightedGraph& g = *level.graph;
   std::vector<std::int64_t> start(at(parts) + 1, 0);
   for (const std::int32_t c : part) ++start[at(c) + 1];
@@ -252,10 +260,9 @@ Level aggregate(const Level& level, const std::vector<std::int32_t>& part, std::
   for (std::int32_t v = 0; v < g.size(); ++v) members[static_cast<std::size_t>(fill[at(part[at(v)])]++)] = v;
 
   Level next{&storage, std::vector<double>(at(parts), 0)};
-  storage = WeightedGraph();
-  Links links(at(parts));
-  std::vector<std::int32_t> neighbours;
-  std::vector<double> weights;
+  storage.offsets.assign(1, 0);
+  storage.targets.clear();
+  storage.weights.clear();
   for (std::int32_t c = 0; c < parts; ++c) {
     for (auto i = start[at(c)]; i < start[at(c) + 1]; ++i) {
       const std::int32_t v = members[static_cast<std::size_t>(i)];
@@ -263,11 +270,11 @@ Level aggregate(const Level& level, const std::vector<std::int32_t>& part, std::
       for (auto e = g.offsets[at(v)]; e < g.offsets[at(v) + 1]; ++e)
         if (part[at(g.targets[at(e)])] != c) links.add(part[at(g.targets[at(e)])], g.weights[at(e)]);
     }
-    neighbours = links.touched();
-    std::sort(neighbours.begin(), neighbours.end());
-    weights.clear();
-    for (const std::int32_t t : neighbours) weights.push_back(links[t]);
-    storage.add_node(neighbours, weights);
+    for (const std::int32_t t : links.touched()) {
+      storage.targets.push_back(t);
+      storage.weights.push_back(links[t]);
+    }
+    storage.offsets.push_back(static_cast<std::int64_t>(storage.targets.size()));
     links.clear();
   }
   return next;
@@ -283,7 +290,6 @@ std::int64_t iterate(const WeightedGraph& g, const std::vector<double>& node_wei
   Partition p(std::move(start), level.node_weight);
   std::vector<std::int32_t> node_at_level(membership.size());
   std::iota(node_at_level.begin(), node_at_level.end(), 0);
-  WeightedGraph storage[2];
   std::int64_t moves = 0;
   for (int depth = 0;; ++depth) {
     moves += move_nodes(level, p, s);
@@ -299,7 +305,7 @@ std::int64_t iterate(const WeightedGraph& g, const std::vector<double>& node_wei
     std::vector<std::int32_t> clusters(at(parts));
     for (std::size_t v = 0; v < part.size(); ++v) clusters[at(part[v])] = p.of[v];
     renumber(clusters);
-    level = aggregate(level, part, parts, storage[depth % 2]);
+    level = aggregate(level, part, parts, s.links, s.aggregates[depth % 2]);
     p = Partition(std::move(clusters), level.node_weight);
     for (std::int32_t& v : node_at_level) v = part[at(v)];
   }
@@ -380,14 +386,15 @@ LeidenResult leiden(const WeightedGraph& g, const LeidenOptions& options) {
   std::vector<double> node_weight(at(g.size()), 1);
   if (!cpm)
     for (std::int32_t v = 0; v < g.size(); ++v) node_weight[at(v)] = g.strength(v);
-  Search s{cpm ? options.resolution : (m > 0 ? options.resolution / (2 * m) : 0), Random(options.seed)};
+  Search s(g.size(), cpm ? options.resolution : (m > 0 ? options.resolution / (2 * m) : 0), options.seed);
   LeidenResult r;
   r.cluster.resize(at(g.size()));
   std::iota(r.cluster.begin(), r.cluster.end(), 0);
   const std::int32_t limit = options.iterations > 0 ? options.iterations : kMaxIterations;
   while (r.iterations < limit) {
     ++r.iterations;
-    if (iterate(g, node_weight, r.cluster, s) == 0 && options.iterations <= 0) break;
+    r.stable = iterate(g, node_weight, r.cluster, s) == 0;
+    if (r.stable && options.iterations <= 0) break;
   }
   r.clusters = number_by_size(r.cluster);
   r.quality = quality(g, r.cluster, options);

@@ -61,6 +61,7 @@ struct LeidenResult {
   std::vector<std::int32_t> cluster;
   std::int32_t clusters = 0;
   std::int32_t iterations = 0;  // how many ran
+  bool stable = false;          // whether the last one moved nothing
   double quality = 0;           // by the options' quality function
 };
 

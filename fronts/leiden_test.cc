@@ -243,6 +243,16 @@ TEST(Leiden, SameSeedSameClusters) {
 TEST(Leiden, RunsTheIterationsAsked) {
   const WeightedGraph g = weighted(planted("four blocks", {25, 25, 25, 25}, 0.3, 0.02, 1, 0, 1));
   for (const std::int32_t n : {1, 2, 5}) EXPECT_EQ(leiden(g, {ClusterQuality::modularity, 1.0, 3, n}).iterations, n);
+  const LeidenResult until_stable = leiden(g, {});
+  EXPECT_TRUE(until_stable.stable);
+  // From the same seed, as many iterations as it took give the same clusters,
+  // and one fewer a clustering still moving.
+  const LeidenResult same = leiden(g, {ClusterQuality::modularity, 1.0, 1, until_stable.iterations});
+  EXPECT_EQ(same.cluster, until_stable.cluster);
+  EXPECT_TRUE(same.stable);
+  if (until_stable.iterations > 1) {
+    EXPECT_FALSE(leiden(g, {ClusterQuality::modularity, 1.0, 1, until_stable.iterations - 1}).stable);
+  }
   EXPECT_EQ(leiden(WeightedGraph(), {}).clusters, 0);
 }
 

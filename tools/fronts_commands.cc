@@ -25,6 +25,7 @@ struct ClusterArgs {
   std::int64_t seed = 1;
   std::int32_t min_citations = 1;
   std::int32_t min_weight = 1;
+  std::int32_t iterations = 0;
 
   void add_to(CLI::App* cmd) {
     cmd->add_option("--graph", graph, "the graph clustered")
@@ -45,6 +46,9 @@ struct ClusterArgs {
     cmd->add_option("--min-weight", min_weight, "cocitation, coupling: the weight a link needs")
         ->transform(decimal(1, 1000000000))
         ->capture_default_str();
+    cmd->add_option("--iterations", iterations, "how many iterations; 0: until one moves nothing")
+        ->transform(decimal(0, 1000000))
+        ->capture_default_str();
   }
   std::shared_ptr<const Clustering> clustering(const RefgroveData& d) const {
     ClusterOptions o;
@@ -54,6 +58,7 @@ struct ClusterArgs {
     o.seed = static_cast<std::uint64_t>(seed);
     o.min_citations = min_citations;
     o.min_weight = min_weight;
+    o.iterations = iterations;
     return Clustering::of(d, o);
   }
 };
@@ -72,7 +77,8 @@ const char kClustersHelp[] =
     "document (DID) or, for the co-author graph, per author id instead:\n"
     "ID<TAB>CLUSTER. --format json gives the modularity and, per cluster, its\n"
     "size, documents, modularity share, years, most cited documents and label\n"
-    "(or the members).\n"
+    "(or the members). The iterations repeat until one moves nothing (at most\n"
+    "1000), or --iterations times.\n"
     "Graphs: citation (citations taken both ways), cocitation and coupling\n"
     "(documents with --min-citations, links of --min-weight shared citations),\n"
     "coauthor (authors linked by their shared documents).\n"
@@ -93,13 +99,17 @@ nlohmann::ordered_json cluster_json(std::int32_t id, const Cluster& c) {
 int run_clusters(const ClustersArgs& args, CommandContext& ctx) {
   return run_on("clusters", args.dir, ctx, [&](const RefgroveData& d) {
     const std::shared_ptr<const Clustering> c = args.cluster.clustering(d);
+    if (args.cluster.iterations == 0 && !c->stable())
+      ctx.err << "refgrove clusters: still moving nodes after " << c->iterations()
+              << " iterations, where the search stops; these are the clusters it reached\n";
     const std::span<const std::int32_t> members = c->members(), cluster = c->cluster_of_members();
     const char* member = c->options().graph == ClusterGraphKind::coauthor ? "author" : "did";
     if (args.format == "json") {
       nlohmann::ordered_json j = {{"graph", to_text(c->options().graph)},  {"quality", to_text(c->options().quality)},
                                   {"resolution", c->options().resolution}, {"seed", c->options().seed},
                                   {"modularity", c->modularity()},         {"quality_value", c->quality()},
-                                  {"iterations", c->iterations()},         {"total", c->clusters().size()}};
+                                  {"iterations", c->iterations()},         {"stable", c->stable()},
+                                  {"total", c->clusters().size()}};
       nlohmann::ordered_json list = nlohmann::ordered_json::array();
       if (args.members) {
         for (std::size_t i = 0; i < members.size(); ++i)
