@@ -4,10 +4,12 @@
 //
 // Usage: cluster_bench DATA_DIR/ OUT_DIR/
 // Prints "name: value" lines: the load; the Leiden algorithm (modularity,
-// resolution 1) on the built weighted graph, run until stable, for two
-// iterations (igraph's default) and for ten, each with its modularity, clusters and
-// CPU time; and the whole clustering from the loaded set (the graph's
-// building and each cluster's description included). Writes to OUT_DIR
+// resolution 1) on the built weighted graph, run for two iterations
+// (igraph's default) and for ten, each with its modularity, clusters and
+// CPU time; and the whole clustering from the loaded set in two iterations
+// (the graph's building and each cluster's description included). Run
+// until stable, the algorithm takes many iterations on such graphs (162 at
+// 20,000 documents), each gaining little. Writes to OUT_DIR
 // the graph's links as int32 pairs of node numbers, each link once
 // (links.bin), their weights as float64 (weights.bin) and the node count
 // (nodes.txt).
@@ -71,8 +73,8 @@ int run_program(int argc, char** argv) {
   const ClusterGraph graph = citation_cluster_graph(CitationGraph::of(d));
   std::printf("weighted_graph_build_s: %.4f (nodes %d, links %lld)\n", seconds_since(start), graph.graph.size(),
               static_cast<long long>(graph.graph.targets.size() / 2));
-  for (const std::int32_t iterations : {0, 2, 10}) {
-    const std::string name = iterations == 0 ? "until_stable" : std::to_string(iterations) + "_iterations";
+  for (const std::int32_t iterations : {2, 10}) {
+    const std::string name = std::to_string(iterations) + "_iterations";
     start = Clock::now();
     const double cpu_start = cpu_seconds();
     const LeidenResult r = leiden(graph.graph, {ClusterQuality::modularity, 1.0, 1, iterations});
@@ -81,7 +83,9 @@ int run_program(int argc, char** argv) {
                 modularity(graph.graph, r.cluster), r.clusters, r.iterations);
   }
   start = Clock::now();
-  const auto c = Clustering::of(d, ClusterOptions{});
+  ClusterOptions two;
+  two.iterations = 2;
+  const auto c = Clustering::of(d, two);
   std::printf("clusters_from_loaded_set_s: %.4f (modularity %.5f)\n", seconds_since(start), c->modularity());
   write_graph(graph.graph, argv[2]);
   return 0;
