@@ -17,8 +17,10 @@
 // cluster. Iterations repeat until one moves nothing (or a given number
 // ran). Each cluster comes out connected, and once stable no single node can
 // move to gain quality. All random choices come from the seed, by a
-// generator and draws defined here, so a seed gives the same clusters on
-// every machine.
+// generator and draws defined here rather than the library's, so a seed
+// gives the same clusters with every standard library (floating-point
+// rounding, which differs between x86-64 and i386, can still tip a close
+// choice).
 #ifndef REFGROVE_FRONTS_LEIDEN_H_
 #define REFGROVE_FRONTS_LEIDEN_H_
 
