@@ -96,33 +96,40 @@ nlohmann::ordered_json cluster_json(std::int32_t id, const Cluster& c) {
           {"label", c.label}};
 }
 
+// The clustering as one JSON object: its options and figures, then its
+// clusters or, with `members`, each member's cluster.
+nlohmann::ordered_json clustering_json(const Clustering& c, bool members) {
+  nlohmann::ordered_json j = {{"graph", to_text(c.options().graph)},  {"quality", to_text(c.options().quality)},
+                              {"resolution", c.options().resolution}, {"seed", c.options().seed},
+                              {"modularity", c.modularity()},         {"quality_value", c.quality()},
+                              {"iterations", c.iterations()},         {"stable", c.stable()},
+                              {"total", c.clusters().size()}};
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  if (members) {
+    const char* member = c.options().graph == ClusterGraphKind::coauthor ? "author" : "did";
+    for (std::size_t i = 0; i < c.members().size(); ++i)
+      list.push_back({{member, c.members()[i]}, {"cluster", c.cluster_of_members()[i]}});
+    j["members"] = std::move(list);
+  } else {
+    for (std::size_t i = 0; i < c.clusters().size(); ++i)
+      list.push_back(cluster_json(static_cast<std::int32_t>(i), c.clusters()[i]));
+    j["clusters"] = std::move(list);
+  }
+  return j;
+}
+
 int run_clusters(const ClustersArgs& args, CommandContext& ctx) {
   return run_on("clusters", args.dir, ctx, [&](const RefgroveData& d) {
     const std::shared_ptr<const Clustering> c = args.cluster.clustering(d);
     if (args.cluster.iterations == 0 && !c->stable())
       ctx.err << "refgrove clusters: still moving nodes after " << c->iterations()
               << " iterations, where the search stops; these are the clusters it reached\n";
-    const std::span<const std::int32_t> members = c->members(), cluster = c->cluster_of_members();
-    const char* member = c->options().graph == ClusterGraphKind::coauthor ? "author" : "did";
     if (args.format == "json") {
-      nlohmann::ordered_json j = {{"graph", to_text(c->options().graph)},  {"quality", to_text(c->options().quality)},
-                                  {"resolution", c->options().resolution}, {"seed", c->options().seed},
-                                  {"modularity", c->modularity()},         {"quality_value", c->quality()},
-                                  {"iterations", c->iterations()},         {"stable", c->stable()},
-                                  {"total", c->clusters().size()}};
-      nlohmann::ordered_json list = nlohmann::ordered_json::array();
-      if (args.members) {
-        for (std::size_t i = 0; i < members.size(); ++i)
-          list.push_back({{member, members[i]}, {"cluster", cluster[i]}});
-        j["members"] = std::move(list);
-      } else {
-        for (std::size_t i = 0; i < c->clusters().size(); ++i)
-          list.push_back(cluster_json(static_cast<std::int32_t>(i), c->clusters()[i]));
-        j["clusters"] = std::move(list);
-      }
-      ctx.out << j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
+      ctx.out << clustering_json(*c, args.members).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+              << "\n";
     } else if (args.members) {
-      for (std::size_t i = 0; i < members.size(); ++i) ctx.out << members[i] << "\t" << cluster[i] << "\n";
+      for (std::size_t i = 0; i < c->members().size(); ++i)
+        ctx.out << c->members()[i] << "\t" << c->cluster_of_members()[i] << "\n";
     } else {
       for (std::size_t i = 0; i < c->clusters().size(); ++i) {
         ctx.out << i << "\t" << c->clusters()[i].size << "\t";
