@@ -40,11 +40,35 @@ check_output() {
   fi
 }
 
+# Subcommands that this build of the tool leaves out (the i386 tool has no
+# import or serve): their commands are skipped, and so are the later
+# commands of the page that use what they would have made under /tmp/.
+missing_commands=" "
+subcommands=$(refgrove --help)
+for sub in import serve; do
+  [[ $subcommands =~ $'\n'\ +$sub\  ]] || missing_commands+="$sub "
+done
+
+# Whether `command` is skipped; a skipped command's /tmp/ paths join
+# `skipped_paths`.
+skipped() {
+  local words word
+  read -ra words <<< "$1"
+  for word in "${words[@]}"; do
+    [[ $word == /tmp/* && " $skipped_paths " == *" $word "* ]] && return 0
+  done
+  [[ $missing_commands == *" ${words[1]} "* ]] || return 1
+  for word in "${words[@]}"; do
+    [[ $word == /tmp/* ]] && skipped_paths+=" $word"
+  done
+  return 0
+}
+
 # The page's shell lines: commands in indented blocks, with or without a
 # "$ " prompt; the lines below a prompted command up to the next command or
 # the block's end are its output. Synopses (`refgrove check DIR`) are skipped.
 run_page() {
-  page=$1 work=$scratch/${1//\//_} damaged=0
+  page=$1 work=$scratch/${1//\//_} damaged=0 skipped_paths=""
   mkdir "$work" || return
   local shown_command="" shown_output="" prompt_indent="" line prompted command
   while IFS= read -r line; do
@@ -55,6 +79,7 @@ run_page() {
       command=${BASH_REMATCH[3]%%  #*}  # without a trailing comment
       command=${command%"${command##*[! ]}"}
       [[ $command =~ \ (DIR|IN_DIR|OUT_DIR|FILE)(\ |$) ]] && continue
+      skipped "$command" && continue
       run "$command" && [[ -n $prompted ]] && shown_command=$command
     elif [[ -n $shown_command && $line == "$prompt_indent"[!\ \$]* || -n $shown_command && $line == "$prompt_indent  "* ]]; then
       [[ -n $shown_output ]] && shown_output+=$'\n'
