@@ -814,7 +814,7 @@ refgrove_search(Query, Did) :-
 %
 %   ```
 %   ?- refgrove_search("random graphs", Hits, [limit(2), mode(or)]).
-%   Hits = [115-5.9498581206548184, 145-2.3694336634643034].
+%   Hits = [115-5.730701714437318, 134-2.885238483497622].
 %   ```
 %
 %   @error instantiation_error, type_error(text, Query) and
