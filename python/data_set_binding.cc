@@ -80,15 +80,18 @@ std::int32_t did_of_key(const DataSetHandle& self, py::handle key_arg) {
   return did;
 }
 
-py::tuple search_hits(const DataSetHandle& self, py::handle query_arg, py::handle mode_arg, py::handle limit_arg) {
+// The hits as cut() gives them, and the number of documents matching.
+py::tuple search_hits(const DataSetHandle& self, py::handle query_arg, py::handle mode_arg, py::handle limit_arg,
+                      bool exact) {
   const std::string query = text_arg(query_arg, "the query");
   const SearchMode mode = search_mode_from_text(text_arg(mode_arg, "the mode"));
   const std::int64_t limit = count_arg(limit_arg, "the limit");
   const std::int64_t asked = one_more(limit);
-  const std::vector<SearchHit> hits = without_gil(self, [&](const RefgroveData& d) {
-    return search(d, query, mode, asked == INT64_MAX ? 0 : static_cast<std::size_t>(asked));  // 0: all
+  const SearchAnswer answer = without_gil(self, [&](const RefgroveData& d) {
+    return search(d, query, SearchRequest{mode, exact, asked == INT64_MAX ? 0 : static_cast<std::size_t>(asked)});
   });
-  return cut(hits, limit, [](const SearchHit& h) { return py::make_tuple(h.did, h.score); });
+  const py::tuple hits = cut(answer.hits, limit, [](const SearchHit& h) { return py::make_tuple(h.did, h.score); });
+  return py::make_tuple(hits[0], hits[1], answer.total);
 }
 
 py::tuple ranked_documents(const DataSetHandle& self, py::handle by_arg, py::handle limit_arg, py::handle years_arg_) {
@@ -197,7 +200,7 @@ void bind_data_set(py::class_<DataSetHandle>& c) {
       .def("authors_named", &authors_named, py::arg("text"),
            "The ids of the authors named `text`, ignoring the case of ASCII letters, ascending; with a\n"
            "trailing \"*\", those whose name starts with the rest, by name.")
-      .def("_search", &search_hits, py::arg("query"), py::arg("mode"), py::arg("limit"),
+      .def("_search", &search_hits, py::arg("query"), py::arg("mode"), py::arg("limit"), py::arg("exact"),
            "Hits (did, score) best first, and whether the limit cut them.")
       .def("_ranked", &ranked_documents, py::arg("by"), py::arg("limit"), py::arg("years"),
            "Documents (did, score) best first, and whether the limit cut them.")

@@ -31,7 +31,7 @@ int refgrove_search_1(const char* query, int any, int n, int* dids, double* scor
   try {
     const std::vector<refgrove::QueryTerm> terms = refgrove::parse_query(query);
     if (n <= 0) return 0;
-    const auto hits = refgrove::search(refgrove::word_index(loaded()), terms, mode_of(any), static_cast<std::size_t>(n));
+    const auto hits = refgrove::search(loaded(), terms, mode_of(any), static_cast<std::size_t>(n));
     for (std::size_t k = 0; k < hits.size(); ++k) {
       dids[k] = hits[k].did;
       scores[k] = hits[k].score;

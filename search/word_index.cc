@@ -1,13 +1,15 @@
 #include "search/word_index.h"
 
 #include <algorithm>
-#include <limits>
 #include <functional>
 #include <future>
+#include <limits>
 #include <numeric>
+#include <optional>
 
 #include "core/lookup.h"
 #include "core/text_folding.h"
+#include "search/english_stemmer.h"
 
 namespace refgrove {
 namespace {
@@ -29,8 +31,8 @@ class WordIndex::Builder {
  public:
   Builder(const RefgroveData& d, WordIndex& index) : d_(d), index_(index) {}
 
-  void build() {
-    fold_vocabulary();
+  void build(Terms terms) {
+    fold_vocabulary(terms);
     index_.lengths_.assign(d_.did_index.size(), 0);
     std::vector<Stretch> stretches = split(d_.did_index.size(), index_.term_count());
     side_by_side(stretches, [this](Stretch& s) { count(s); });
@@ -49,12 +51,15 @@ class WordIndex::Builder {
   // the next of each goes.
   struct Stretch {
     Stretch(std::size_t first, std::size_t end, std::size_t terms)
-        : first(static_cast<std::int32_t>(first)), end(static_cast<std::int32_t>(end)), postings(terms, 0),
-          chunks(terms, 0), last_did(terms, -1) {}
+        : first(static_cast<std::int32_t>(first)),
+          end(static_cast<std::int32_t>(end)),
+          postings(terms, 0),
+          chunks(terms, 0),
+          last_did(terms, -1) {}
 
     std::int32_t first, end;
     std::vector<std::uint64_t> postings, chunks;
-    std::vector<std::int32_t> last_did;  // the last document that held the term
+    std::vector<std::int32_t> last_did;                          // the last document that held the term
     std::vector<std::pair<std::uint64_t, std::uint32_t>> large;  // posting -> frequency >= 255
   };
 
@@ -95,42 +100,29 @@ class WordIndex::Builder {
     });
   }
 
-  // Calls visit(did, terms) for every document of the stretch with the
-  // terms of its words that have a text, title first, in ascending DID
-  // order.
+  // Calls visit(did, terms) for every document of the stretch with words
+  // that have a text, in ascending DID order.
   template <class Visit>
   void for_each_document(const Stretch& s, Visit visit) const {
-    const std::vector<std::uint32_t>& term_of = index_.term_of_word_;
-    const auto add = [&](std::uint32_t id, std::vector<std::uint32_t>& out) {
-      if (id < term_of.size() && term_of[id] != kNoTerm) out.push_back(term_of[id]);
-    };
-    const WordData& words = *d_.word_data;
     std::vector<std::uint32_t> terms;
     for (std::int32_t did = s.first; did < s.end; ++did) {
-      terms.clear();
-      if (const RefgroveGraphData* r = graph_record(d_, did)) {
-        for (std::int32_t i = 0; i < r->title.size(); ++i) add(r->title[i].id(), terms);
-      }
-      const AbstractRun run = abstract_run(d_, did);
-      for (std::int64_t k = 0; k < run.words; ++k) {
-        std::uint32_t id = 0;
-        if (!words.word_id_at_byte(run.start + std::int64_t{kWordIdBytes} * k, &id)) break;
-        add(id, terms);
-      }
+      index_.document_terms(d_, did, terms);
       if (!terms.empty()) visit(did, terms);
     }
   }
 
-  // Folds every word of the table and numbers the distinct folded texts in
-  // byte order.
-  void fold_vocabulary() {
+  // Folds (and stems) every word of the table and numbers the distinct
+  // texts in byte order.
+  void fold_vocabulary(Terms terms) {
+    std::optional<EnglishStemmer> stemmer;
+    if (terms == Terms::kStems) stemmer.emplace();
     const CompactedStringTable& table = *d_.word_data->word_table;
     std::vector<std::string> folded(static_cast<std::size_t>(std::max(table.count, 0)));
     std::vector<std::uint32_t> with_text;
     for (std::int32_t id = 0; id < table.count; ++id) {
       const char* text = table.lookup(id);
       if (text == nullptr) continue;
-      folded[static_cast<std::size_t>(id)] = fold_text(text);
+      folded[static_cast<std::size_t>(id)] = stemmer ? stemmer->stem(fold_text(text)) : fold_text(text);
       with_text.push_back(static_cast<std::uint32_t>(id));
     }
     std::sort(with_text.begin(), with_text.end(),
@@ -232,7 +224,25 @@ class WordIndex::Builder {
   WordIndex& index_;
 };
 
-WordIndex::WordIndex(const RefgroveData& d) { Builder(d, *this).build(); }
+WordIndex::WordIndex(const RefgroveData& d, Terms terms) { Builder(d, *this).build(terms); }
+
+std::size_t WordIndex::document_terms(const RefgroveData& d, std::int32_t did, std::vector<Term>& out) const {
+  out.clear();
+  const auto add = [&](std::uint32_t id) {
+    if (id < term_of_word_.size() && term_of_word_[id] != kNoTerm) out.push_back(term_of_word_[id]);
+  };
+  if (const RefgroveGraphData* r = graph_record(d, did)) {
+    for (std::int32_t i = 0; i < r->title.size(); ++i) add(r->title[i].id());
+  }
+  const std::size_t title_terms = out.size();
+  const AbstractRun run = abstract_run(d, did);
+  for (std::int64_t k = 0; k < run.words; ++k) {
+    std::uint32_t id = 0;
+    if (!d.word_data->word_id_at_byte(run.start + std::int64_t{kWordIdBytes} * k, &id)) break;
+    add(id);
+  }
+  return title_terms;
+}
 
 void WordIndex::hash_terms() {
   std::size_t slots = 16;
@@ -264,7 +274,10 @@ WordIndex::TermRange WordIndex::find(std::string_view folded, bool prefix) const
     Term hi = static_cast<Term>(term_count());
     while (lo < hi) {
       const Term mid = lo + (hi - lo) / 2;
-      if (past(term_text(mid))) hi = mid; else lo = mid + 1;
+      if (past(term_text(mid)))
+        hi = mid;
+      else
+        lo = mid + 1;
     }
     return lo;
   };
@@ -291,9 +304,9 @@ std::uint32_t WordIndex::frequency_at(std::size_t posting) const {
 
 std::size_t WordIndex::memory_bytes() const {
   const auto bytes = [](const auto& v) { return v.capacity() * sizeof(v[0]); };
-  return bytes(term_of_word_) + term_chars_.capacity() + bytes(term_text_start_) + bytes(term_slots_) + bytes(term_postings_) +
-         bytes(term_chunks_) + bytes(chunks_) + bytes(low_) + bytes(frequency_) + bytes(large_frequencies_) +
-         bytes(lengths_) + sizeof(*this);
+  return bytes(term_of_word_) + term_chars_.capacity() + bytes(term_text_start_) + bytes(term_slots_) +
+         bytes(term_postings_) + bytes(term_chunks_) + bytes(chunks_) + bytes(low_) + bytes(frequency_) +
+         bytes(large_frequencies_) + bytes(lengths_) + sizeof(*this);
 }
 
 WordIndex::Cursor::Cursor(const WordIndex& index, Term t)

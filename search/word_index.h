@@ -3,8 +3,9 @@
 //
 // Every document's words are its title words (graph record) followed by its
 // real abstract (core/lookup.h abstract_run); words without a text in the
-// word table are left out. A term is a folded word (core/text_folding.h); word
-// ids whose texts fold alike share one term. Terms are numbered in byte
+// word table are left out. A term is a folded word (core/text_folding.h), or
+// in an index of stems the English stem of one (english_stemmer.h); word
+// ids whose texts fold (and stem) alike share one term. Terms are numbered in byte
 // order of their folded texts, so the terms that start with a prefix form
 // one range of ids; a hash table finds a whole term in a probe or two
 // rather than the cache misses of a bisection.
@@ -69,9 +70,17 @@ class WordIndex {
     std::int32_t high_ = 0;  // DID bits 16-31 of the current chunk
   };
 
-  explicit WordIndex(const RefgroveData& d);
+  // What a term is: a folded word, or its stem.
+  enum class Terms { kWords, kStems };
 
-  // The terms equal to `folded`, or (prefix) starting with it.
+  WordIndex(const RefgroveData& d, Terms terms);
+
+  // The terms of `did`'s words in their order, title words then abstract
+  // words, into `out` (cleared first); returns the number of title words.
+  // Words without a text are left out.
+  std::size_t document_terms(const RefgroveData& d, std::int32_t did, std::vector<Term>& out) const;
+
+  // The terms equal to `folded` (a stem, in an index of stems), or (prefix) starting with it.
   TermRange find(std::string_view folded, bool prefix) const;
 
   std::size_t term_count() const { return term_text_start_.size() - 1; }
@@ -92,8 +101,8 @@ class WordIndex {
 
  private:
   struct Chunk {
-    std::uint32_t high;    // DID bits 16-31 of its postings
-    std::uint64_t first;   // its first posting
+    std::uint32_t high;   // DID bits 16-31 of its postings
+    std::uint64_t first;  // its first posting
   };
   class Builder;
 
@@ -102,17 +111,17 @@ class WordIndex {
   // The term whose text is `folded`, or term_count().
   Term exact_term(std::string_view folded) const;
 
-  std::vector<std::uint32_t> term_of_word_;       // by word id
-  std::string term_chars_;                         // folded texts, back to back
-  std::vector<std::uint64_t> term_text_start_;     // per term, + end
-  std::vector<std::uint32_t> term_slots_;          // open addressing by text hash: term + 1, or 0
-  std::vector<std::uint64_t> term_postings_;       // first posting per term, + end
-  std::vector<std::uint64_t> term_chunks_;         // first chunk per term, + end
-  std::vector<Chunk> chunks_;                      // + a sentinel at the end of all postings
-  std::vector<std::uint16_t> low_;                 // per posting: DID bits 0-15
-  std::vector<std::uint8_t> frequency_;            // per posting: min(frequency, 255)
+  std::vector<std::uint32_t> term_of_word_;     // by word id
+  std::string term_chars_;                      // folded texts, back to back
+  std::vector<std::uint64_t> term_text_start_;  // per term, + end
+  std::vector<std::uint32_t> term_slots_;       // open addressing by text hash: term + 1, or 0
+  std::vector<std::uint64_t> term_postings_;    // first posting per term, + end
+  std::vector<std::uint64_t> term_chunks_;      // first chunk per term, + end
+  std::vector<Chunk> chunks_;                   // + a sentinel at the end of all postings
+  std::vector<std::uint16_t> low_;              // per posting: DID bits 0-15
+  std::vector<std::uint8_t> frequency_;         // per posting: min(frequency, 255)
   std::vector<std::pair<std::uint64_t, std::uint32_t>> large_frequencies_;  // posting -> frequency >= 255
-  std::vector<std::uint32_t> lengths_;             // by DID
+  std::vector<std::uint32_t> lengths_;                                      // by DID
   std::size_t documents_ = 0;
   double average_length_ = 0;
 };

@@ -1,7 +1,8 @@
 // The search predicate under refgrove_search/2,3 (prolog/refgrove.pl):
-// '$refgrove_search'(+Query, +Mode, +Limit, -Hits), Mode `and` or `or`
-// (checked by the Prolog side), Limit 0 for all hits, Hits a list of
-// Did-Score pairs best first.
+// '$refgrove_search'(+Query, +Mode, +Exact, +Limit, -Hits, -Total), Mode
+// `and` or `or` and Exact `true` or `false` (checked by the Prolog side),
+// Limit 0 for all hits, Hits a list of Did-Score pairs best first, Total
+// the number of documents matching before the limit.
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -38,21 +39,25 @@ bool unify_hits(term_t t, const std::vector<SearchHit>& hits) {
 foreign_t search_hits(term_t args, int, control_t) {
   std::string query;
   char* mode = nullptr;
+  char* exact = nullptr;
   std::int64_t limit = 0;
-  if (!get_query(args, &query) || !PL_get_atom_chars(args + 1, &mode)) return false;
-  if (!PL_get_int64(args + 2, &limit) || limit < 0) limit = 0;  // beyond int64: all hits
-  std::vector<QueryTerm> terms;
+  if (!get_query(args, &query) || !PL_get_atom_chars(args + 1, &mode) || !PL_get_atom_chars(args + 2, &exact)) {
+    return false;
+  }
+  if (!PL_get_int64(args + 3, &limit) || limit < 0) limit = 0;  // beyond int64: all hits
+  const SearchRequest request{std::string(mode) == "or" ? SearchMode::kOr : SearchMode::kAnd,
+                              std::string(exact) == "true", static_cast<std::size_t>(limit)};
+  SearchAnswer answer;
   try {
-    terms = parse_query(query);
+    answer = search(current_data(), query, request);
   } catch (const SearchUsageError&) {
     return PL_domain_error("refgrove_query", args);
   }
-  const SearchMode search_mode = std::string(mode) == "or" ? SearchMode::kOr : SearchMode::kAnd;
-  return unify_hits(args + 3, search(word_index(current_data()), terms, search_mode, static_cast<std::size_t>(limit)));
+  return unify_hits(args + 4, answer.hits) && PL_unify_int64(args + 5, static_cast<std::int64_t>(answer.total));
 }
 
 constexpr ForeignPredicate kPredicates[] = {
-    {"$refgrove_search", 4, guarded<search_hits>, false},
+    {"$refgrove_search", 6, guarded<search_hits>, false},
 };
 
 }  // namespace

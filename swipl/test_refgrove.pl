@@ -694,16 +694,28 @@ test(hits_as_scanned, [forall(( member(Q, ["graph", "GRAPH", "random graphs", "g
                                 member(Mode, [and, or]) ))]) :-
     load_sample,
     scan_search(Q, Mode, Expected),
-    refgrove_search(Q, Hits, [limit(0), mode(Mode)]),
+    refgrove_search(Q, Hits, [limit(0), mode(Mode), exact(true)]),
     assertion(same_hits(Hits, Expected)),
-    refgrove_search(Q, Top, [mode(Mode)]),
+    refgrove_search(Q, Top, [mode(Mode), exact(true), total(Total)]),
     length(Expected, NE), NT is min(10, NE), length(Prefix, NT), append(Prefix, _, Expected),
     assertion(same_hits(Top, Prefix)),
-    (   Mode == and
-    ->  findall(D, refgrove_search(Q, D), Dids),
-        assertion(pairs_keys(Expected, Dids))
-    ;   true
-    ).
+    assertion(Total == NE).
+
+% Stems are the default: refgrove_search/2 enumerates refgrove_search/3's
+% hits; a query finds the documents of every form of its words, and a
+% phrase a part of its words' documents.
+test(stems_and_phrases, [forall(member(Q-Forms, ["graph"-"graphs", "random graphs"-"randomly graph",
+                                                  "\"citation networks\""-"\"citation network\""]))]) :-
+    load_sample,
+    refgrove_search(Q, Hits, [limit(0), total(Total)]),
+    length(Hits, Total),
+    findall(D, refgrove_search(Q, D), Dids),
+    assertion(pairs_keys(Hits, Dids)),
+    refgrove_search(Forms, FormHits, [limit(0)]),
+    assertion(FormHits == Hits),
+    refgrove_search(Q, Exact, [limit(0), exact(true)]),
+    pairs_keys(Exact, ExactDids),
+    assertion(subset(ExactDids, Dids)).
 
 test(errors) :-
     load_sample,
@@ -717,7 +729,12 @@ test(errors) :-
     catch(refgrove_search(graph, _, [limit(-1)]), E3, true),
     assertion(E3 = error(type_error(nonneg, -1), _)),
     catch(refgrove_search(graph, _, [mode(xor)]), E4, true),
-    assertion(E4 = error(type_error(oneof([and, or]), xor), _)).
+    assertion(E4 = error(type_error(oneof([and, or]), xor), _)),
+    catch(refgrove_search(graph, _, [exact(yes)]), E5, true),
+    assertion(E5 = error(type_error(boolean, yes), _)),
+    forall(member(Q, ['"graph', '"graph dra*"']),
+           ( catch(refgrove_search(Q, _), E, true),
+             assertion(E = error(domain_error(refgrove_query, Q), _)) )).
 
 % Threads search while the main thread reloads: every answer stays that
 % of the sample.

@@ -1,7 +1,9 @@
-// `refgrove search DIR [--any] [--limit N] [--format text|tsv|jsonl] TERM...`:
-// the documents of a data directory that hold the terms, best first.
+// `refgrove search DIR [--any] [--exact] [--sort relevance|citations|year]
+// [--limit N] [--format text|tsv|jsonl|json] TERM...`: the documents of a
+// data directory that hold the terms, best first.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -10,6 +12,7 @@
 
 #include "core/document_text.h"
 #include "core/utf8_text.h"
+#include "network/citation_graph.h"
 #include "search/word_search.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
@@ -23,6 +26,8 @@ constexpr int kTextAuthors = 3;  // authors named in the text format, before "et
 struct SearchArgs {
   DataDirArgs dir;
   bool any = false;
+  bool exact = false;
+  std::string sort = "relevance";
   int limit = 10;
   std::string format = "text";
   std::vector<std::string> terms;
@@ -37,13 +42,13 @@ struct ShownDocument {
 
 ShownDocument shown(const RefgroveData& d, int did) {
   ShownDocument doc;
-  doc.title = refgrove::title_text(d, did);
-  if (!refgrove::get_year(d, did, &doc.year)) doc.year = -1;
+  doc.title = title_text(d, did);
+  if (!get_year(d, did, &doc.year)) doc.year = -1;
   int n = 0;
-  refgrove::author_count(d, did, &n);
+  author_count(d, did, &n);
   const char* name = nullptr;
   for (int i = 0; i < n; ++i) {
-    if (refgrove::get_author(d, did, i, &name)) doc.authors.push_back(refgrove::as_utf8(name));
+    if (get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
   }
   return doc;
 }
@@ -54,7 +59,7 @@ std::string format_number(const char* format, double value) {
   return text;
 }
 
-void write_text(std::size_t rank, const refgrove::SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
+void write_text(std::size_t rank, const SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
   out << rank << ". " << (doc.title.empty() ? "(no title)" : doc.title) << "\n   ";
   if (doc.year != -1) out << doc.year << ", ";
   for (std::size_t i = 0; i < doc.authors.size() && i < kTextAuthors; ++i) out << doc.authors[i] << ", ";
@@ -62,45 +67,82 @@ void write_text(std::size_t rank, const refgrove::SearchHit& hit, const ShownDoc
   out << "DID " << hit.did << ", score " << format_number("%.3f", hit.score) << "\n";
 }
 
-void write_tsv(const refgrove::SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
+void write_tsv(const SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
   out << hit.did << '\t' << format_number("%.9g", hit.score) << '\t' << doc.title << '\n';
 }
 
-void write_json_line(std::size_t rank, const refgrove::SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
-  nlohmann::ordered_json j = {{"rank", rank},         {"did", hit.did},          {"score", hit.score},
-                              {"year", nullptr},      {"title", doc.title},      {"authors", doc.authors}};
+nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const ShownDocument& doc) {
+  nlohmann::ordered_json j = {{"rank", rank},    {"did", hit.did},     {"score", hit.score},
+                              {"year", nullptr}, {"title", doc.title}, {"authors", doc.authors}};
   if (doc.year != -1) j["year"] = doc.year;
-  out << j.dump() << "\n";
+  return j;
+}
+
+// Puts the hits in the order asked for: by citation count or year (newest
+// first), then by relevance; relevance alone is the search's own order. A
+// document without a graph record counts no citations; one without a year
+// comes last.
+void sort_hits(const RefgroveData& d, const std::string& by, std::vector<SearchHit>& hits) {
+  if (by == "relevance") return;
+  const auto key = [&](std::int32_t did) -> std::int64_t {
+    if (by == "year") {
+      int year = -1;
+      return get_year(d, did, &year) ? year : -1;
+    }
+    const CitationGraph& g = CitationGraph::of(d);
+    const std::int32_t node = g.node(did);
+    return node < 0 ? 0 : g.citation_count(node);
+  };
+  std::vector<std::pair<std::int64_t, SearchHit>> keyed;
+  for (const SearchHit& hit : hits) keyed.emplace_back(key(hit.did), hit);
+  std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
+  for (std::size_t k = 0; k < hits.size(); ++k) hits[k] = keyed[k].second;
 }
 
 int run_search(const SearchArgs& args, CommandContext& ctx) {
   std::string query;
   for (const std::string& term : args.terms) query += term + " ";
-  std::vector<refgrove::QueryTerm> terms;
   try {
-    terms = refgrove::parse_query(query);
-  } catch (const refgrove::SearchUsageError& e) {
+    parse_query_with_phrases(query);
+  } catch (const SearchUsageError& e) {
     ctx.err << "refgrove search: " << e.what() << "\n";
     return 2;
   }
-  const refgrove::DataSetPtr data = load_data_dir("search", args.dir, ctx.err);
+  const DataSetPtr data = load_data_dir("search", args.dir, ctx.err);
   if (data == nullptr) return 1;
-  const auto mode = args.any ? refgrove::SearchMode::kOr : refgrove::SearchMode::kAnd;
-  const std::vector<refgrove::SearchHit> hits =
-      refgrove::search(refgrove::word_index(*data), terms, mode, static_cast<std::size_t>(args.limit));
-  if (hits.empty()) {
+  const std::size_t limit = static_cast<std::size_t>(args.limit);
+  SearchRequest request{args.any ? SearchMode::kOr : SearchMode::kAnd, args.exact, limit};
+  if (args.sort != "relevance") request.limit = 0;  // the order needs every hit
+  SearchAnswer answer = search(*data, query, request);
+  if (answer.hits.empty()) {
     ctx.err << "refgrove search: no document matches\n";
     return 1;
   }
-  for (std::size_t k = 0; k < hits.size(); ++k) {
-    const ShownDocument doc = shown(*data, hits[k].did);
+  sort_hits(*data, args.sort, answer.hits);
+  if (limit != 0 && answer.hits.size() > limit) answer.hits.resize(limit);
+  const bool truncated = answer.hits.size() < answer.total;
+  nlohmann::ordered_json json_hits = nlohmann::ordered_json::array();
+  for (std::size_t k = 0; k < answer.hits.size(); ++k) {
+    const SearchHit& hit = answer.hits[k];
+    const ShownDocument doc = shown(*data, hit.did);
     if (args.format == "tsv") {
-      write_tsv(hits[k], doc, ctx.out);
+      write_tsv(hit, doc, ctx.out);
     } else if (args.format == "jsonl") {
-      write_json_line(k + 1, hits[k], doc, ctx.out);
+      ctx.out << hit_json(k + 1, hit, doc).dump() << "\n";
+    } else if (args.format == "json") {
+      json_hits.push_back(hit_json(k + 1, hit, doc));
     } else {
-      write_text(k + 1, hits[k], doc, ctx.out);
+      write_text(k + 1, hit, doc, ctx.out);
     }
+  }
+  if (args.format == "json") {
+    const nlohmann::ordered_json j = {
+        {"total", answer.total}, {"truncated", truncated}, {"hits", std::move(json_hits)}};
+    ctx.out << j.dump() << "\n";
+  }
+  if (truncated) {
+    ctx.err << "refgrove search: showing " << answer.hits.size() << " of " << answer.total
+            << " documents; raise --limit (0: all)\n";
   }
   return 0;
 }
@@ -108,15 +150,24 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
 const char kHelp[] =
     "Prints the documents of the data directory DIR whose title or abstract\n"
     "holds every TERM (with --any: at least one), best first by BM25.\n"
-    "A term matches a word equal to it ignoring case and accents (Unicode\n"
-    "case folding, composed and decomposed forms alike); a term ending in\n"
-    "\"*\" matches every word starting with the rest. Quote such terms for\n"
-    "the shell.\n"
+    "A term matches the words with the same English stem (\"holes\" finds\n"
+    "hole and holes; with --exact only the words equal to it), ignoring case\n"
+    "and accents (Unicode case folding, composed and decomposed forms alike).\n"
+    "A term ending in \"*\" matches every word starting with the rest.\n"
+    "Words in double quotes form a phrase: they must follow one another in\n"
+    "that order, in the title or in the abstract. Quote such terms for the\n"
+    "shell: 'black hole*' or '\"black hole\"'.\n"
+    "\n"
+    "--sort citations or year (newest first) orders all the hits so, equal\n"
+    "ones by relevance, before --limit keeps the first. A list cut by\n"
+    "--limit says so on standard error: \"showing 10 of 661 documents\".\n"
     "\n"
     "text: for people: rank, title, year, first authors, DID and score.\n"
     "tsv: did<TAB>score<TAB>title per line.\n"
     "jsonl: one JSON object per hit: rank, did, score, year (null when\n"
     "unknown), title and authors.\n"
+    "json: one JSON object: total (the documents matching), truncated\n"
+    "(whether --limit cut the list) and hits, a list of jsonl's objects.\n"
     "\n"
     "Exit status 1 when no document matches, 2 for a usage error.";
 
@@ -128,11 +179,15 @@ void add_search_command(CLI::App& app, CommandContext& ctx) {
   auto args = std::make_shared<SearchArgs>();
   add_data_dir_args(cmd, &args->dir);
   cmd->add_flag("--any", args->any, "a document needs one term only, not all");
+  cmd->add_flag("--exact", args->exact, "match words as they are, not by their stems");
+  cmd->add_option("--sort", args->sort, "the order of the hits")
+      ->check(CLI::IsMember({"relevance", "citations", "year"}))
+      ->capture_default_str();
   cmd->add_option("--limit", args->limit, "the number of hits to print (0: all)")
       ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   cmd->add_option("--format", args->format, "output format")
-      ->check(CLI::IsMember({"text", "tsv", "jsonl"}))
+      ->check(CLI::IsMember({"text", "tsv", "jsonl", "json"}))
       ->capture_default_str();
   cmd->add_option("TERM", args->terms, "the search terms")->required();
   cmd->callback([&ctx, args] { ctx.status = run_search(*args, ctx); });

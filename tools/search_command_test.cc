@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/data_view.h"
+#include "network/ranking.h"
 #include "search/word_search.h"
 #include "testing/data_files.h"
 #include "tools/tool_test_util.h"
@@ -34,7 +35,8 @@ TEST_F(SearchCommandTest, TsvAndJsonLinesListTheSearchHitsInOrder) {
     const std::size_t limit = query[0] == "--limit" ? 0 : 10;
     std::string text;
     for (const std::string& t : query) text += t.starts_with("--") || t == "0" ? "" : t + " ";
-    const auto hits = refgrove::search(*d, text, any ? refgrove::SearchMode::kOr : refgrove::SearchMode::kAnd, limit);
+    const auto hits =
+        refgrove::search(*d, text, {any ? refgrove::SearchMode::kOr : refgrove::SearchMode::kAnd, false, limit}).hits;
     ASSERT_FALSE(hits.empty()) << text;
 
     std::vector<std::string> args = {"search", "--format", "tsv", dir_->path()};
@@ -77,6 +79,11 @@ TEST_F(SearchCommandTest, ExitStatusTellsNoHitFromUsageErrors) {
       {{"graph", "*"}, 2},
       {{"--limit", "-1", "graph"}, 2},
       {{"--format", "xml", "graph"}, 2},
+      {{"--sort", "rank", "graph"}, 2},
+      {{"\"graph"}, 2},
+      {{"\"graph", "drawing\""}, 0},
+      {{"--exact", "graphs", "drawing"}, 1},
+      {{"graphs", "drawing"}, 0},
       {{}, 2},
   };
   for (const Case& c : cases) {
@@ -89,6 +96,50 @@ TEST_F(SearchCommandTest, ExitStatusTellsNoHitFromUsageErrors) {
     EXPECT_EQ(run.status == 0, run.err.empty()) << shown << run.err;
   }
   EXPECT_EQ(run_tool({"search", dir_->path() + "missing/", "graph"}).status, 1);
+}
+
+// Every order keeps the hits of the search and cuts them to --limit after
+// sorting; the JSON says how many matched and whether the list was cut, and
+// standard error says it for every format.
+TEST_F(SearchCommandTest, SortOrdersAndTotals) {
+  std::ostream nowhere(nullptr);
+  const refgrove::DataSetPtr d = refgrove::load_data_set(dir_->path(), nowhere);
+  const std::vector<SearchHit> all = refgrove::search(*d, "graph", SearchRequest{}).hits;
+  ASSERT_GT(all.size(), 3u);
+  const auto key = [&](const std::string& sort, int did) -> double {
+    int year = -1;
+    if (sort == "year") return get_year(*d, did, &year) ? year : -1;
+    if (sort == "citations") return citation_count(*d, did);
+    return 0;  // relevance: the search's own order, checked below
+  };
+  for (const std::string sort : {"relevance", "citations", "year"}) {
+    for (const std::size_t limit : {std::size_t{0}, std::size_t{2}, all.size()}) {
+      const std::string what = sort + " limit " + std::to_string(limit);
+      const ToolRun run = run_tool(
+          {"search", "--format", "json", "--sort", sort, "--limit", std::to_string(limit), dir_->path(), "graph"});
+      ASSERT_EQ(run.status, 0) << what << run.err;
+      const nlohmann::json j = nlohmann::json::parse(run.out);
+      const bool cut = limit != 0 && limit < all.size();
+      EXPECT_EQ(j["total"], all.size()) << what;
+      EXPECT_EQ(j["truncated"], cut) << what;
+      EXPECT_EQ(run.err.empty(), !cut) << what << run.err;
+      if (cut) {
+        EXPECT_EQ(run.err, "refgrove search: showing 2 of " + std::to_string(all.size()) +
+                               " documents; raise --limit (0: all)\n");
+      }
+      const nlohmann::json& hits = j["hits"];
+      ASSERT_EQ(hits.size(), cut ? limit : all.size()) << what;
+      for (std::size_t k = 0; k < hits.size(); ++k) {
+        if (sort == "relevance") {
+          EXPECT_EQ(hits[k]["did"], all[k].did) << what;
+        } else if (k > 0) {
+          const double before = key(sort, hits[k - 1]["did"]), now = key(sort, hits[k]["did"]);
+          EXPECT_TRUE(before > now || (before == now && hits[k - 1]["score"] >= hits[k]["score"]))
+              << what << " at " << k;
+        }
+      }
+    }
+  }
 }
 
 }  // namespace

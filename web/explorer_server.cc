@@ -120,7 +120,9 @@ int limit_param(const httplib::Request& req, const char* fallback) {
 Json search_answer(const RefgroveData& d, const httplib::Request& req) {
   constexpr SearchMode kModes[] = {SearchMode::kAnd, SearchMode::kOr};
   const SearchMode mode = kModes[parse_choice(param(req, "mode", "and"), "mode", {"and", "or"})];
-  return search_json(d, required_param(req, "q"), mode, limit_param(req, "20"));
+  const bool exact = parse_choice(param(req, "exact", "0"), "exact", {"0", "1"}) == 1;
+  return search_json(d, required_param(req, "q"),
+                     SearchRequest{mode, exact, static_cast<std::size_t>(limit_param(req, "20"))});
 }
 
 Json neighbourhood_answer(const RefgroveData& d, const httplib::Request& req) {

@@ -15,13 +15,13 @@
 #include <thread>
 
 #include "core/data_view.h"
+#include "core/document_text.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
 #include "network/ranking.h"
 #include "network/similarity.h"
 #include "search/word_search.h"
 #include "testing/data_files.h"
-#include "core/document_text.h"
 #include "web/served_sample_test.h"
 
 namespace refgrove::web {
@@ -154,24 +154,34 @@ TEST(ExplorerApi, SearchFindsWordsKeysAndAuthors) {
   const RefgroveData& d = sample().data();
   const struct {
     std::string query, mode;
+    bool exact;
     std::string key;     // a key expected among "keys", or ""
     std::string author;  // an author expected among "authors", or ""
   } cases[] = {
-      {"graph*", "and", "", ""},           {"graph citation", "or", "", ""}, {"graph citation", "and", "", ""},
-      {"chen95", "and", "chen95", ""},     {"lee", "and", "", "A. Lee"},     {"erd%C5%91s", "and", "", "P. Erdős"},
-      {"baeza-yates", "or", "", "R. Baeza-Yates"},
-      {"ERDOS", "and", "", "P. Erdős"},
-      {"erdo%CC%8Bs", "and", "", "P. Erdős"},  // o and a combining double acute
+      {"graph*", "and", false, "", ""},
+      {"graph citation", "or", false, "", ""},
+      {"graph citation", "and", true, "", ""},
+      {"graphs", "and", false, "", ""},
+      {"graphs", "or", true, "", ""},
+      {"%22citation%20networks%22", "and", false, "", ""},
+      {"chen95", "and", false, "chen95", ""},
+      {"lee", "and", false, "", "A. Lee"},
+      {"erd%C5%91s", "and", false, "", "P. Erdős"},
+      {"baeza-yates", "or", false, "", "R. Baeza-Yates"},
+      {"ERDOS", "and", false, "", "P. Erdős"},
+      {"erdo%CC%8Bs", "and", false, "", "P. Erdős"},  // o and a combining double acute
   };
   for (const auto& c : cases) {
-    const std::string path = "/api/search?q=" + c.query + "&mode=" + c.mode + "&limit=5";
+    const std::string path = "/api/search?q=" + c.query + "&mode=" + c.mode + "&limit=2" + (c.exact ? "&exact=1" : "");
     const JsonValue r = get_json(path);
     std::vector<int> expected;
     const std::string query = r.at("query");
-    for (const SearchHit& hit : search(d, query, c.mode == "and" ? SearchMode::kAnd : SearchMode::kOr, 5)) {
-      expected.push_back(hit.did);
-    }
+    const SearchAnswer answer = search(d, query, {c.mode == "and" ? SearchMode::kAnd : SearchMode::kOr, c.exact, 2});
+    for (const SearchHit& hit : answer.hits) expected.push_back(hit.did);
     EXPECT_EQ(dids_of(r.at("hits")), expected) << path;
+    EXPECT_EQ(r.at("total"), answer.total) << path;
+    EXPECT_EQ(r.at("truncated"), answer.total > 2) << path;
+    EXPECT_EQ(r.at("exact"), c.exact) << path;
     if (!c.key.empty()) {
       EXPECT_EQ(r.at("keys").at(0).at("key"), c.key) << path;
     }
@@ -194,7 +204,8 @@ TEST(ExplorerApi, NeighbourhoodsAreTheNetworksOwn) {
         std::vector<int> dids, edges, shown_edges;
         for (const NeighbourNode& node : expected.nodes) dids.push_back(node.did);
         for (const CitationEdge& e : expected.edges) edges.insert(edges.end(), {e.citing, e.cited});
-        for (const JsonValue& l : n.at("links")) shown_edges.insert(shown_edges.end(), {l.at("source"), l.at("target")});
+        for (const JsonValue& l : n.at("links"))
+          shown_edges.insert(shown_edges.end(), {l.at("source"), l.at("target")});
         EXPECT_EQ(dids_of(n.at("nodes")), dids) << path;
         EXPECT_EQ(shown_edges, edges) << path;
       }
@@ -255,21 +266,23 @@ TEST(ExplorerApi, BadRequestsGetAnErrorOfTheirKind) {
     std::string path;
     int status;
   } cases[] = {
-      {"/api/paper/5", 404},                // below the last DID, no document
-      {"/api/paper/2147483647", 404},       // the largest DID
-      {"/api/paper/2147483648", 400},       // beyond int32
+      {"/api/paper/5", 404},           // below the last DID, no document
+      {"/api/paper/2147483647", 404},  // the largest DID
+      {"/api/paper/2147483648", 400},  // beyond int32
       {"/api/paper/-1", 400},
       {"/api/paper/1e3", 400},
-      {"/api/paper/%31%30%31x", 400},       // "101x" once decoded
+      {"/api/paper/%31%30%31x", 400},  // "101x" once decoded
       {"/api/paper/", 400},
       {"/api/author/1000000", 404},
       {"/api/author/abc", 400},
       {"/api/nothing", 404},
       {"/api/paper/101/more", 404},
-      {"/api/search", 400},                 // no q
+      {"/api/search", 400},  // no q
       {"/api/search?q=", 400},
       {"/api/search?q=*", 400},
       {"/api/search?q=graph&mode=xor", 400},
+      {"/api/search?q=graph&exact=yes", 400},
+      {"/api/search?q=%22graph", 400},
       {"/api/search?q=graph&limit=0", 400},
       {"/api/search?q=graph&limit=1001", 400},
       {"/api/neighbourhood/110?hops=0", 400},
@@ -295,8 +308,8 @@ TEST(ExplorerApi, BadRequestsGetAnErrorOfTheirKind) {
 TEST(ExplorerServer, ServesItsEmbeddedPageAndNothingElse) {
   EXPECT_NE(get("/").body.find("explorer.js"), std::string::npos);
   EXPECT_NE(get("/d3.min.js").body.find("forceSimulation"), std::string::npos);
-  for (const std::string path : {"/../web/page/index.html", "/%2e%2e/%2e%2e/etc/passwd", "/etc/passwd",
-                                 "/index.html/", "/page/index.html", "/%zz", "/CMakeLists.txt"}) {
+  for (const std::string path : {"/../web/page/index.html", "/%2e%2e/%2e%2e/etc/passwd", "/etc/passwd", "/index.html/",
+                                 "/page/index.html", "/%zz", "/CMakeLists.txt"}) {
     const int status = get(path).status;
     EXPECT_TRUE(status == 0 || (status >= 400 && status < 500)) << path << ": " << status;
   }

@@ -67,28 +67,27 @@ Json key_matches(const RefgroveData& d, std::string_view query) {
 
 }  // namespace
 
-Json search_json(const RefgroveData& d, std::string_view query, SearchMode mode, int limit) {
-  std::vector<SearchHit> hits;
+Json search_json(const RefgroveData& d, std::string_view query, const SearchRequest& request) {
+  SearchAnswer answer;
   try {
-    hits = search(d, query, mode, static_cast<std::size_t>(limit));
+    answer = search(d, query, request);
   } catch (const SearchUsageError& e) {
     throw ApiError(400, e.what());
   }
   Json found = Json::array();
-  for (const SearchHit& hit : hits) {
+  for (const SearchHit& hit : answer.hits) {
     Json paper = paper_summary(d, hit.did);
     paper["score"] = hit.score;
     found.push_back(std::move(paper));
   }
-  return {{"query", as_utf8(query)},
-          {"mode", mode == SearchMode::kAnd ? "and" : "or"},
-          {"hits", std::move(found)},
-          {"keys", key_matches(d, query)},
-          {"authors", matching_authors(d, query, limit)}};
+  return {{"query", as_utf8(query)},       {"mode", to_text(request.mode)},
+          {"exact", request.exact},        {"hits", std::move(found)},
+          {"total", answer.total},         {"truncated", answer.hits.size() < answer.total},
+          {"keys", key_matches(d, query)}, {"authors", matching_authors(d, query, static_cast<int>(request.limit))}};
 }
 
 void prepare_search(const RefgroveData& d) {
-  word_index(d);
+  stem_index(d);
   folded_author_names(d);
 }
 

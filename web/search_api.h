@@ -11,12 +11,14 @@
 
 namespace refgrove::web {
 
-// {"query", "mode", "hits" [paper_summary with "score"], best first, at most
-// `limit`; "keys" [paper_summary of the documents with that key]; "authors"
-// [author_ref of the authors each of whose query terms starts a word of
-// their name, at most `limit`, by id]}. A query without words, or a lone
-// "*", is an ApiError 400.
-Json search_json(const RefgroveData& d, std::string_view query, SearchMode mode, int limit);
+// {"query", "mode", "exact", "hits" [paper_summary with "score"], best
+// first, at most request.limit; "total" (the documents matching) and
+// "truncated" (whether the limit cut "hits"); "keys" [paper_summary of the
+// documents with that key]; "authors" [author_ref of the authors each of
+// whose query terms starts a word of their name, at most request.limit, by
+// id]}. A query that cannot be run (no words, a lone "*", an open quote) is
+// an ApiError 400.
+Json search_json(const RefgroveData& d, std::string_view query, const SearchRequest& request);
 
 // Builds what search_json reads (the word index, the authors' folded names)
 // ahead of the first search.

@@ -18,12 +18,16 @@ if TYPE_CHECKING:  # imported by the conversions only when called
 
 class Hits(list):
     """A list of (did, score) pairs, best first, that a limit may have cut:
-    ``truncated`` tells whether more would have followed."""
+    ``truncated`` tells whether more would have followed, and ``total``,
+    where known (search), how many there are in all."""
 
-    def __init__(self, items: Iterable[Tuple[int, Any]] = (), truncated: bool = False) -> None:
-        """The pairs, and whether the limit cut them."""
+    def __init__(
+        self, items: Iterable[Tuple[int, Any]] = (), truncated: bool = False, total: Optional[int] = None
+    ) -> None:
+        """The pairs, whether the limit cut them, and how many there are."""
         super().__init__(items)
         self.truncated = truncated
+        self.total = total
 
     def __repr__(self) -> str:
         """The pairs, and the cut when there was one."""
@@ -148,14 +152,20 @@ class DataSet(_DataSet):
             did_or_key = self.did(did_or_key)
         return Document(**self._document(did_or_key))
 
-    def search(self, query: Union[str, bytes], mode: str = "and", limit: Optional[int] = 10) -> Hits:
+    def search(
+        self, query: Union[str, bytes], mode: str = "and", limit: Optional[int] = 10, exact: bool = False
+    ) -> Hits:
         """The documents whose title or abstract hold the query's terms (mode
         "and": all of them, "or": at least one), best first by BM25, as
-        (did, score) pairs; equal scores by ascending DID. A term matches a
-        word equal to it ignoring case; a term ending in "*" every word
-        starting with the rest. Raises ArgumentError for a query without a
-        term or an unknown mode."""
-        return Hits(*self._search(query, mode, limit))
+        (did, score) pairs; equal scores by ascending DID; ``total`` of the
+        result is the number of documents matching. A term matches the words
+        with the same English stem ("holes": hole and holes), or with
+        exact=True the words equal to it, ignoring case and accents; a term
+        ending in "*" every word starting with the rest; words in double
+        quotes form a phrase, matched where they follow one another in the
+        title or in the abstract. Raises ArgumentError for a query without a
+        term, with an open quote, or an unknown mode."""
+        return Hits(*self._search(query, mode, limit, bool(exact)))
 
     def ranked(
         self, by: str = "citations", limit: Optional[int] = 10, years: Optional[Tuple[int, int]] = None

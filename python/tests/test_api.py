@@ -71,6 +71,8 @@ def test_documents_by_did_and_key(sample):
         (lambda ds: ds.search("graph", mode="any"), refgrove.ArgumentError,
          'unknown search mode "any" (and or or)'),
         (lambda ds: ds.search(42), TypeError, "the query must be a str or bytes, not int"),
+        (lambda ds: ds.search('"black hole'), refgrove.ArgumentError,
+         'a phrase has no closing quote: close it with "'),
         (lambda ds: ds.search("\udc80"), UnicodeEncodeError, "surrogates not allowed"),
         (lambda ds: ds.neighbourhood(110, hops=-2), refgrove.ArgumentError,
          "the hop count must not be negative, not -2"),
@@ -155,18 +157,28 @@ def test_per_document_arrays(sample):
 
 
 def test_search(sample):
-    hits = sample.search("graph")
-    assert [did for did, _ in hits] == [134, 104, 115, 110] and not hits.truncated
+    hits = sample.search("graph", exact=True)
+    assert [did for did, _ in hits] == [134, 104, 115, 110] and not hits.truncated and hits.total == 4
     assert hits[0][1] == pytest.approx(3.203, abs=5e-4)
-    cut = sample.search("random graphs", mode="or", limit=3)
+    cut = sample.search("random graphs", mode="or", limit=3, exact=True)
     assert cut == [(115, pytest.approx(5.94985812)), (145, pytest.approx(2.36943366)),
                    (119, pytest.approx(2.14238086))]
-    assert cut.truncated and repr(cut).endswith("truncated=True)")
+    assert cut.truncated and cut.total > 3 and repr(cut).endswith("truncated=True)")
     assert [did for did, _ in sample.search("SUFF*")] == [107]
-    assert sample.search("graph", limit=4) == hits and not sample.search("graph", limit=4).truncated
-    assert sample.search("graph", limit=None) == hits
-    assert sample.search("graph", limit=0) == [] and sample.search("graph", limit=0).truncated
-    assert sample.search("nothing-like-this") == [] and sample.search(b"graph") == hits
+    assert sample.search("graph", limit=4, exact=True) == hits
+    assert not sample.search("graph", limit=4, exact=True).truncated
+    assert sample.search("graph", limit=None, exact=True) == hits
+    none = sample.search("graph", limit=0, exact=True)
+    assert none == [] and none.truncated and none.total == 4
+    assert sample.search("nothing-like-this") == [] and sample.search(b"graph", exact=True) == hits
+
+
+@pytest.mark.parametrize("query, forms", [("graph", "graphs"), ("random graphs", "randomly graph"),
+                                          ('"citation networks"', '"citation network"')])
+def test_search_by_stems_and_phrases(sample, query, forms):
+    stemmed = sample.search(query, limit=None)
+    assert stemmed == sample.search(forms, limit=None) and stemmed.total == len(stemmed)
+    assert {did for did, _ in sample.search(query, limit=None, exact=True)} <= {did for did, _ in stemmed}
 
 
 def test_rankings_and_similar(sample):

@@ -768,9 +768,12 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   (equal scores by ascending Did).
 %
 %   Query is an atom or string of terms separated by white space. A term
-%   matches a word equal to it ignoring case and accents (Unicode case
-%   folding, composed and decomposed forms alike); a term ending in `*`
-%   matches every word that starts with the rest. Before any
+%   matches the words with the same English stem (`holes` finds `hole`
+%   and `holes`), ignoring case and accents (Unicode case folding,
+%   composed and decomposed forms alike); a term ending in `*` matches
+%   every word that starts with the rest. Words in double quotes form a
+%   phrase: they must follow one another in that order, in the title or
+%   in the abstract (`'"black hole" entropy'`). Before any
 %   refgrove_load/1 nothing matches. For example:
 %
 %   ```
@@ -783,10 +786,11 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   @error instantiation_error if Query is unbound.
 %   @error type_error(text, Query) if Query is neither atom nor string.
 %   @error domain_error(refgrove_query, Query) if Query has no term, a
-%   term is a lone `*` or it has more than 1,024 distinct terms.
+%   term is a lone `*`, it has more than 1,024 distinct terms, a quote
+%   is left open or a phrase of several words holds a `*`.
 
 refgrove_search(Query, Did) :-
-    '$refgrove_search'(Query, and, 0, Hits),
+    '$refgrove_search'(Query, and, false, 0, Hits, _),
     member(Did-_, Hits).
 
 %!  refgrove_search(+Query, -Hits, +Options) is det.
@@ -799,18 +803,26 @@ refgrove_search(Query, Did) :-
 %     - mode(+Mode)
 %       `and` (default): documents holding every term; `or`: documents
 %       holding at least one.
+%     - exact(+Bool)
+%       `true`: terms match words as they are, not by their stems
+%       (default `false`).
+%     - total(-Total)
+%       Total is the number of documents matching, however many the
+%       limit keeps.
 %
 %   For example:
 %
 %   ```
 %   ?- refgrove_search("random graphs", Hits, [limit(2), mode(or)]).
-%   Hits = [115-5.9498581206548184, 145-2.3694336634643034].
+%   Hits = [115-5.730701714437318, 134-2.885238483497622].
 %   ```
 %
 %   @error instantiation_error, type_error(text, Query) and
 %   domain_error(refgrove_query, Query) as refgrove_search/2.
 %   @error type_error(nonneg, N) for a limit that is no natural number.
 %   @error type_error(oneof([and,or]), Mode) for another mode.
+%   @error type_error(boolean, Exact) for an exact/1 that is neither `true`
+%   nor `false`.
 
 refgrove_search(Query, Hits, Options) :-
     must_be(list, Options),
@@ -818,4 +830,7 @@ refgrove_search(Query, Hits, Options) :-
     must_be(nonneg, Limit),
     option(mode(Mode), Options, and),
     must_be(oneof([and, or]), Mode),
-    '$refgrove_search'(Query, Mode, Limit, Hits).
+    option(exact(Exact), Options, false),
+    must_be(boolean, Exact),
+    '$refgrove_search'(Query, Mode, Exact, Limit, Hits, Total),
+    option(total(Total), Options, _).
