@@ -23,7 +23,7 @@ constexpr int kTextAuthors = 3;  // authors named in the text format, before "et
 struct SearchArgs {
   DataDirArgs dir;
   bool any = false;
-  int limit = 10;
+  std::int64_t limit = 10;
   std::string format = "text";
   std::vector<std::string> terms;
 };
@@ -128,9 +128,7 @@ void add_search_command(CLI::App& app, CommandContext& ctx) {
   auto args = std::make_shared<SearchArgs>();
   add_data_dir_args(cmd, &args->dir);
   cmd->add_flag("--any", args->any, "a document needs one term only, not all");
-  cmd->add_option("--limit", args->limit, "the number of hits to print (0: all)")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
+  add_limit_option(cmd, "--limit", &args->limit, "the number of hits to print");
   cmd->add_option("--format", args->format, "output format")
       ->check(CLI::IsMember({"text", "tsv", "jsonl"}))
       ->capture_default_str();
