@@ -15,13 +15,13 @@
 #include <thread>
 
 #include "core/data_view.h"
+#include "core/document_text.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
 #include "network/ranking.h"
 #include "network/similarity.h"
 #include "search/word_search.h"
 #include "testing/data_files.h"
-#include "core/document_text.h"
 #include "web/served_sample_test.h"
 
 namespace refgrove::web {
@@ -72,12 +72,16 @@ std::vector<int> dids_of(const JsonValue& papers) {
   return dids;
 }
 
+// The documents are those there are, not the word-idx headers that the
+// module's stats count with their end sentinel.
 TEST(ExplorerApi, StatsAreTheDataSetsStatistics) {
-  int docs = 0, words = 0, authors = 0, last = 0;
-  stats(&sample().data(), &docs, &words, &authors);
+  int headers = 0, words = 0, authors = 0, last = 0;  // headers: 32 documents and the end sentinel
+  stats(&sample().data(), &headers, &words, &authors);
   last_did(sample().data(), &last);
   const JsonValue s = get_json("/api/stats");
-  EXPECT_EQ(s, (JsonValue{{"documents", docs}, {"words", words}, {"authors", authors}, {"last_did", last}}));
+  // 32 with words, 32 graph records: 146 has no words, 150 no graph record.
+  EXPECT_EQ(s, (JsonValue{{"documents", 33}, {"words", words}, {"authors", authors}, {"last_did", last}}));
+  EXPECT_EQ(s.at("documents"), sample_dids().size());
 }
 
 TEST(ExplorerApi, EveryPaperAnswersWhatTheOperationsGive) {
@@ -157,8 +161,12 @@ TEST(ExplorerApi, SearchFindsWordsKeysAndAuthors) {
     std::string key;     // a key expected among "keys", or ""
     std::string author;  // an author expected among "authors", or ""
   } cases[] = {
-      {"graph*", "and", "", ""},           {"graph citation", "or", "", ""}, {"graph citation", "and", "", ""},
-      {"chen95", "and", "chen95", ""},     {"lee", "and", "", "A. Lee"},     {"erd%C5%91s", "and", "", "P. Erdős"},
+      {"graph*", "and", "", ""},
+      {"graph citation", "or", "", ""},
+      {"graph citation", "and", "", ""},
+      {"chen95", "and", "chen95", ""},
+      {"lee", "and", "", "A. Lee"},
+      {"erd%C5%91s", "and", "", "P. Erdős"},
       {"baeza-yates", "or", "", "R. Baeza-Yates"},
       {"ERDOS", "and", "", "P. Erdős"},
       {"erdo%CC%8Bs", "and", "", "P. Erdős"},  // o and a combining double acute
@@ -194,8 +202,12 @@ TEST(ExplorerApi, NeighbourhoodsAreTheNetworksOwn) {
         std::vector<int> dids, edges, shown_edges;
         for (const NeighbourNode& node : expected.nodes) dids.push_back(node.did);
         for (const CitationEdge& e : expected.edges) edges.insert(edges.end(), {e.citing, e.cited});
-        for (const JsonValue& l : n.at("links")) shown_edges.insert(shown_edges.end(), {l.at("source"), l.at("target")});
+        for (const JsonValue& l : n.at("links"))
+          shown_edges.insert(shown_edges.end(), {l.at("source"), l.at("target")});
         EXPECT_EQ(dids_of(n.at("nodes")), dids) << path;
+        const std::size_t total = neighbourhood(d, did, {hops, direction_from_text(direction), 1000}).nodes.size();
+        EXPECT_EQ(n.at("total"), total) << path;
+        EXPECT_EQ(n.at("truncated"), total > 8) << path;
         EXPECT_EQ(shown_edges, edges) << path;
       }
     }
@@ -241,6 +253,9 @@ TEST(ExplorerApi, RankingsByBothMeasuresAndYears) {
     for (const RankedDocument& doc : ranked(d, c.by, r.at("papers").size() + 1, c.years)) expected.push_back(doc.did);
     expected.resize(r.at("papers").size());
     EXPECT_EQ(dids_of(r.at("papers")), expected) << c.query;
+    const std::size_t total = ranked(d, c.by, 1000, c.years).size();
+    EXPECT_EQ(r.at("total"), total) << c.query;
+    EXPECT_EQ(r.at("truncated"), total > r.at("papers").size()) << c.query;
     for (const JsonValue& p : r.at("papers")) {
       EXPECT_EQ(p.at("citations"), citation_count(d, p.at("did"))) << c.query;
       if (c.years) {
@@ -255,18 +270,18 @@ TEST(ExplorerApi, BadRequestsGetAnErrorOfTheirKind) {
     std::string path;
     int status;
   } cases[] = {
-      {"/api/paper/5", 404},                // below the last DID, no document
-      {"/api/paper/2147483647", 404},       // the largest DID
-      {"/api/paper/2147483648", 400},       // beyond int32
+      {"/api/paper/5", 404},           // below the last DID, no document
+      {"/api/paper/2147483647", 404},  // the largest DID
+      {"/api/paper/2147483648", 400},  // beyond int32
       {"/api/paper/-1", 400},
       {"/api/paper/1e3", 400},
-      {"/api/paper/%31%30%31x", 400},       // "101x" once decoded
+      {"/api/paper/%31%30%31x", 400},  // "101x" once decoded
       {"/api/paper/", 400},
       {"/api/author/1000000", 404},
       {"/api/author/abc", 400},
       {"/api/nothing", 404},
       {"/api/paper/101/more", 404},
-      {"/api/search", 400},                 // no q
+      {"/api/search", 400},  // no q
       {"/api/search?q=", 400},
       {"/api/search?q=*", 400},
       {"/api/search?q=graph&mode=xor", 400},
@@ -295,8 +310,8 @@ TEST(ExplorerApi, BadRequestsGetAnErrorOfTheirKind) {
 TEST(ExplorerServer, ServesItsEmbeddedPageAndNothingElse) {
   EXPECT_NE(get("/").body.find("explorer.js"), std::string::npos);
   EXPECT_NE(get("/d3.min.js").body.find("forceSimulation"), std::string::npos);
-  for (const std::string path : {"/../web/page/index.html", "/%2e%2e/%2e%2e/etc/passwd", "/etc/passwd",
-                                 "/index.html/", "/page/index.html", "/%zz", "/CMakeLists.txt"}) {
+  for (const std::string path : {"/../web/page/index.html", "/%2e%2e/%2e%2e/etc/passwd", "/etc/passwd", "/index.html/",
+                                 "/page/index.html", "/%zz", "/CMakeLists.txt"}) {
     const int status = get(path).status;
     EXPECT_TRUE(status == 0 || (status >= 400 && status < 500)) << path << ": " << status;
   }
