@@ -23,9 +23,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Hands the lines of `text` to print_message(informational, refgrove(Lines)).
-// Printing problems are not the caller's: they are dropped.
-void emit_messages(const std::string& text) {
+// Hands the lines of `text` to print_message(Kind, refgrove(Lines)), Kind
+// `informational` or, with a topic, debug(Topic). Printing problems are not
+// the caller's: they are dropped.
+void emit_messages(const std::string& text, const char* debug_topic = nullptr) {
   if (text.empty()) return;
   static predicate_t print_message = PL_predicate("print_message", 2, "system");
   const fid_t frame = PL_open_foreign_frame();
@@ -38,8 +39,9 @@ void emit_messages(const std::string& text) {
   for (std::string line; built && std::getline(in, line);) {
     built = PL_unify_list(tail, head, tail) && unify_text(head, line, PL_STRING);
   }
-  if (built && PL_unify_nil(tail) && PL_put_atom_chars(args, "informational") &&
-      PL_unify_term(args + 1, PL_FUNCTOR_CHARS, "refgrove", 1, PL_TERM, lines)) {
+  const bool kind = debug_topic == nullptr ? PL_put_atom_chars(args, "informational")
+                                           : PL_unify_term(args, PL_FUNCTOR_CHARS, "debug", 1, PL_CHARS, debug_topic);
+  if (built && PL_unify_nil(tail) && kind && PL_unify_term(args + 1, PL_FUNCTOR_CHARS, "refgrove", 1, PL_TERM, lines)) {
     PL_call_predicate(nullptr, PL_Q_NODEBUG | PL_Q_CATCH_EXCEPTION, print_message, args);
   }
   if (!built) PL_clear_exception();  // out of stack: the messages are lost
@@ -71,7 +73,7 @@ foreign_t load_pred(term_t args, int, control_t) {
   if (library_slot().current()) log << "deleting loaded data...\n";
   DataSetPtr next = load_data_set(dir, log);
   library_slot().replace(std::move(next));
-  emit_messages(log.str());
+  emit_messages(log.str(), "refgrove");  // a load is quiet unless debug(refgrove) asks
   return true;
 }
 

@@ -447,7 +447,7 @@ tool_status(Tool, Args, Status) :-
     assertion(Actual-Args == Status-Args).
 
 :- multifile user:message_hook/3.
-user:message_hook(refgrove(Lines), informational, _) :-
+user:message_hook(refgrove(Lines), debug(refgrove), _) :-  % a load speaks only when asked
     heard(listening),
     assertz(heard(Lines)).
 
@@ -594,7 +594,8 @@ test(neighbourhood_defaults_to_one_hop_both_ways, Expected == Got) :-
 
 test(neighbourhood_limits) :-
     refgrove_neighbourhood(110, [110-0], [], [hops(0)]),
-    refgrove_neighbourhood(110, [], [], [limit(0)]),
+    refgrove_neighbourhood(110, All, _, [limit(0)]),
+    refgrove_neighbourhood(110, All, _, [limit(1000000000)]),
     refgrove_neighbourhood(110, Nodes, _, [hops(1000000000), limit(1000000000), direction(in)]),
     assertion(Nodes = [110-0|_]).
 
@@ -620,6 +621,48 @@ test(unknown_documents_fail) :-
     \+ refgrove_similar(99999, cocitation, _, []),
     \+ refgrove_component(99999, _, _),
     \+ refgrove_collaboration_distance(0, 1000000, _).
+
+% cut(+Kind, +Limit, -Total, -Kept): an answer cut by Limit and its total.
+cut(ranked, Limit, Total, Kept) :- refgrove_ranked(citations, Kept, [limit(Limit), total(Total)]).
+cut(ranked_years, Limit, Total, Kept) :- refgrove_ranked(pagerank, Kept, [years(1995, 1996), limit(Limit), total(Total)]).
+cut(similar, Limit, Total, Kept) :- refgrove_similar(110, coupling, Kept, [limit(Limit), total(Total)]).
+cut(neighbourhood, Limit, Total, Kept) :- refgrove_neighbourhood(110, Kept, _, [hops(2), limit(Limit), total(Total)]).
+
+test(limit_zero_is_all_and_total_counts_the_rest) :-
+    forall(member(Kind, [ranked, ranked_years, similar, neighbourhood]),
+           (   cut(Kind, 0, Total, All),
+               assertion(Kind-Total \== Kind-0),
+               assertion(length(All, Total)),
+               cut(Kind, 2, Total2, Two),
+               assertion(Kind-Total2 == Kind-Total),
+               assertion(append(Two, _, All)),
+               assertion(length(Two, 2))
+           )).
+
+% An option that no predicate takes names the valid ones and the public
+% predicate, as do the foreign predicates' own errors.
+test(options_and_errors_name_the_public_predicate) :-
+    forall(member(Goal-Formal-PI,
+                  [ refgrove_search(graph, _, [limt(3)])-domain_error(oneof([limit/1, mode/1]), limt(3))-(refgrove_search/3),
+                    refgrove_ranked(citations, _, [limit(2), year(1995)])-
+                        domain_error(oneof([limit/1, total/1, years/2]), year(1995))-(refgrove_ranked/3),
+                    refgrove_similar(110, coupling, _, [limits(1)])-domain_error(oneof([limit/1, total/1]), limits(1))-
+                        (refgrove_similar/4),
+                    refgrove_neighbourhood(110, _, _, [hop(2)])-
+                        domain_error(oneof([hops/1, direction/1, limit/1, total/1]), hop(2))-(refgrove_neighbourhood/4),
+                    refgrove_citation_distance(1, 2, _, [dir(out)])-domain_error(oneof([direction/1]), dir(out))-
+                        (refgrove_citation_distance/4),
+                    refgrove_similar(110, _, _, [_])-instantiation_error-(refgrove_similar/4),
+                    refgrove_search(42, _)-type_error(text, 42)-(refgrove_search/2),
+                    refgrove_search(graph, _, [])-none-none,
+                    refgrove_ranked(rank, _, [])-domain_error(refgrove_option, rank)-(refgrove_ranked/3),
+                    refgrove_similar(110, cup, _, [])-domain_error(refgrove_option, cup)-(refgrove_similar/4),
+                    refgrove_neighbourhood(110, _, _, [direction(up)])-domain_error(refgrove_option, up)-
+                        (refgrove_neighbourhood/4)
+                  ]),
+           (   catch((Goal, Got = none-none), error(F, context(P, _)), Got = F-P),
+               assertion(Got == Formal-PI)
+           )).
 
 test(bad_ranking, error(domain_error(refgrove_option, rank))) :- refgrove_ranked(rank, _, []).
 test(reversed_years, error(domain_error(year_range, 2000-1990))) :-

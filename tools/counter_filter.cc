@@ -15,8 +15,16 @@ std::streamsize CounterFilter::xsputn(const char* s, std::streamsize n) {
   return n;
 }
 
+void CounterFilter::write_path_as(std::string from, std::string to) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  from_ = std::move(from);
+  to_ = std::move(to);
+}
+
 int CounterFilter::sync() {
   const std::lock_guard<std::mutex> lock(mutex_);
+  target_ << pending_;
+  pending_.clear();
   target_.flush();
   return target_ ? 0 : -1;
 }
@@ -31,7 +39,23 @@ void CounterFilter::put(char ch) {
     in_counter_ = false;
     if (ch == '\n') return;
   }
-  target_.put(ch);
+  pass(ch);
+}
+
+void CounterFilter::pass(char ch) {
+  if (from_.empty()) {
+    target_.put(ch);
+    return;
+  }
+  pending_ += ch;
+  while (!pending_.empty() && !from_.starts_with(pending_)) {
+    target_.put(pending_.front());
+    pending_.erase(0, 1);
+  }
+  if (pending_ == from_) {
+    target_ << to_;
+    pending_.clear();
+  }
 }
 
 }  // namespace refgrove

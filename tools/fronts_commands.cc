@@ -13,6 +13,7 @@
 #include "tools/commands.h"
 #include "tools/network_command.h"
 #include "tools/network_formats.h"
+#include "tools/tool_support.h"
 
 namespace refgrove {
 namespace {
@@ -161,16 +162,21 @@ const char kAuthorsHelp[] =
     "tab-separated, best first, ties by ascending id. By documents the value\n"
     "is the number of graph records listing the author; by citations the\n"
     "citations these received within DIR; by h-index the largest h such that\n"
-    "h of them have at least h citations each.\n"
+    "h of them have at least h citations each. A list cut by --limit says so\n"
+    "on standard error.\n"
     "Exit status: 0 ok, 1 bad data directory, 2 usage error.";
 
 int run_authors(const AuthorsArgs& args, CommandContext& ctx) {
   return run_on("authors", args.dir, ctx, [&](const RefgroveData& d) {
-    for (const RankedAuthor& r : ranked_authors(d, author_rank_by_from_text(args.by), args.limit)) {
+    const std::vector<RankedAuthor> top = ranked_authors(d, author_rank_by_from_text(args.by), all_if_zero(args.limit));
+    for (const RankedAuthor& r : top) {
       const char* name = nullptr;
       id2author(d, r.author, &name);
       ctx.out << r.author << "\t" << r.value << "\t" << (name ? name : "") << "\n";
     }
+    ctx.out.flush();
+    const auto total = static_cast<std::int64_t>(author_impacts(d).size());
+    note_cut("authors", static_cast<std::int64_t>(top.size()), total, "authors", "--limit", ctx.err);
     return 0;
   });
 }
@@ -235,7 +241,7 @@ void add_fronts_commands(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("--by", authors->by)
       ->check(CLI::IsMember({"h-index", "citations", "documents"}))
       ->capture_default_str();
-  cmd->add_option("--limit", authors->limit, "how many")->transform(decimal(0, 1000000000))->capture_default_str();
+  add_limit_option(cmd, "--limit", &authors->limit, "how many");
   cmd->callback([&ctx, authors] { ctx.status = run_authors(*authors, ctx); });
 
   auto timeline = std::make_shared<TimelineArgs>();

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "network/citation_graph.h"
 #include "network/components.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
@@ -58,19 +59,52 @@ struct RankArgs {
   std::string years;  // FROM-TO, empty for all
 };
 
+// "1995" is that year, "1990-1999" those years and the ones between.
 std::optional<YearRange> parse_years(const std::string& text) {
   if (text.empty()) return std::nullopt;
-  int from = 0, to = 0;
-  char dash = 0, rest = 0;
-  if (std::sscanf(text.c_str(), "%d%c%d%c", &from, &dash, &to, &rest) != 3 || dash != '-')
-    throw NetworkArgumentError("--years takes FROM-TO, as 1990-1999, not \"" + text + "\"");
-  return YearRange{from, to};
+  const std::size_t dash = text.find('-', 1);
+  const std::string from = text.substr(0, dash);
+  const std::string to = dash == std::string::npos ? from : text.substr(dash + 1);
+  std::int64_t first = 0, last = 0;
+  if (!parse_decimal(from, INT32_MIN, INT32_MAX, &first).empty() ||
+      !parse_decimal(to, INT32_MIN, INT32_MAX, &last).empty()) {
+    throw NetworkArgumentError("--years takes YEAR or FROM-TO, as 1995 or 1990-1999, not \"" + text + "\"");
+  }
+  return YearRange{static_cast<std::int32_t>(first), static_cast<std::int32_t>(last)};
+}
+
+// How many documents of the citation graph have a year in `years` (all of
+// them when none is given).
+std::int64_t documents_in(const RefgroveData& d, std::optional<YearRange> years) {
+  const std::span<const std::int32_t> all = CitationGraph::of(d).years();
+  if (!years) return static_cast<std::int64_t>(all.size());
+  return std::count_if(all.begin(), all.end(), [&](std::int32_t y) { return y >= years->from && y <= years->to; });
+}
+
+// "the years run 1992-1996": the years of the data, to say where to look.
+std::string year_span(const RefgroveData& d) {
+  std::optional<YearRange> span;
+  for (const std::int32_t y : CitationGraph::of(d).years()) {
+    if (y == -1) continue;
+    if (!span) span = YearRange{y, y};
+    span->from = std::min(span->from, y);
+    span->to = std::max(span->to, y);
+  }
+  if (!span) return "no document has a year";
+  return "the years run " + std::to_string(span->from) + "-" + std::to_string(span->to);
 }
 
 int run_rank(const RankArgs& args, CommandContext& ctx) {
   return run_on("rank", args.dir, ctx, [&](const RefgroveData& d) {
     const RankBy by = rank_by_from_text(args.by);
-    for (const RankedDocument& r : ranked(d, by, args.limit, parse_years(args.years))) {
+    const std::optional<YearRange> years = parse_years(args.years);
+    const std::vector<RankedDocument> top = ranked(d, by, all_if_zero(args.limit), years);
+    const std::int64_t total = documents_in(d, years);
+    if (total == 0 && years) {
+      ctx.err << "refgrove rank: no documents in " << args.years << "; " << year_span(d) << "\n";
+      return 1;
+    }
+    for (const RankedDocument& r : top) {
       ctx.out << r.did << "\t";
       if (by == RankBy::citations)
         ctx.out << static_cast<std::int64_t>(r.score);
@@ -78,6 +112,8 @@ int run_rank(const RankArgs& args, CommandContext& ctx) {
         ctx.out << std::fixed << std::setprecision(9) << r.score;  // scores are exact to 1e-9
       ctx.out << "\t" << title_of(d, r.did) << "\n";
     }
+    ctx.out.flush();
+    note_cut("rank", static_cast<std::int64_t>(top.size()), total, "documents", "--limit", ctx.err);
     return 0;
   });
 }
@@ -87,7 +123,10 @@ const char kRankHelp[] =
     "DID, score and title, tab-separated, best first, ties by ascending DID.\n"
     "By citations the score is the number of documents citing it; by\n"
     "pagerank its PageRank (damping 0.85, scores summing to 1).\n"
-    "Exit status: 0 ok, 1 bad data directory or reversed years, 2 usage error.";
+    "--years 1995 takes the documents of 1995, --years 1990-1999 those of\n"
+    "the ten years. A list cut by --limit says so on standard error.\n"
+    "Exit status: 0 ok, 1 bad data directory, reversed years or no\n"
+    "document in the years, 2 usage error.";
 
 // --- distance
 
@@ -179,8 +218,15 @@ struct NeighbourhoodArgs {
 
 int run_neighbourhood(const NeighbourhoodArgs& args, CommandContext& ctx) {
   return run_on("neighbourhood", args.dir, ctx, [&](const RefgroveData& d) {
-    const Neighbourhood n = neighbourhood(d, args.did, {args.hops, direction_from_text(args.direction), args.limit});
-    const NetworkFile f = neighbourhood_file(d, n);
+    const Direction direction = direction_from_text(args.direction);
+    const std::int64_t limit = all_if_zero(args.limit);
+    const Neighbourhood n = neighbourhood(d, args.did, {args.hops, direction, limit});
+    // The walk stops at the limit: only a full answer may have been cut.
+    std::int64_t total = static_cast<std::int64_t>(n.nodes.size());
+    if (total == limit)
+      total = static_cast<std::int64_t>(
+          neighbourhood(d, args.did, {args.hops, direction, all_if_zero(0), false}).nodes.size());
+    const NetworkFile f = neighbourhood_file(d, n, total);
     if (args.format == "graphml") {
       write_graphml(f, ctx.out);
     } else if (args.format == "dot") {
@@ -192,6 +238,8 @@ int run_neighbourhood(const NeighbourhoodArgs& args, CommandContext& ctx) {
         ctx.out << v.did << "\t" << *v.hops << "\t" << v.citations << "\t" << title_of(d, v.did) << "\n";
       for (const CitationEdge& e : f.edges) ctx.out << e.citing << "\tcites\t" << e.cited << "\n";
     }
+    ctx.out.flush();
+    note_cut("neighbourhood", static_cast<std::int64_t>(f.nodes.size()), total, "documents", "--limit", ctx.err);
     return 0;
   });
 }
@@ -203,7 +251,9 @@ const char kNeighbourhoodHelp[] =
     "--limit of them; and the citations among them.\n"
     "tsv: a line per document, DID, hops, citation count and title; then a\n"
     "line per citation, CITING, \"cites\" and CITED, tab-separated.\n"
-    "json, graphml, dot: the same as a graph for drawing programs.\n"
+    "json, graphml, dot: the same as a graph for drawing programs; json\n"
+    "adds \"total\", the documents within reach, and \"truncated\", whether\n"
+    "--limit kept fewer. A cut list says so on standard error too.\n"
     "Exit status: 0 ok, 1 DID without a graph record, 2 usage error.";
 
 // --- similar
@@ -219,7 +269,11 @@ struct SimilarArgs {
 int run_similar(const SimilarArgs& args, CommandContext& ctx) {
   return run_on("similar", args.dir, ctx, [&](const RefgroveData& d) {
     const SimilarMeasure measure = similar_measure_from_text(args.measure);
-    for (const SimilarDocument& s : similar(d, args.did, similar_by_from_text(args.by), args.limit, measure)) {
+    const std::vector<SimilarDocument> all =
+        similar(d, args.did, similar_by_from_text(args.by), all_if_zero(0), measure);
+    const std::int64_t shown = std::min(all_if_zero(args.limit), static_cast<std::int64_t>(all.size()));
+    for (std::int64_t i = 0; i < shown; ++i) {
+      const SimilarDocument& s = all[static_cast<std::size_t>(i)];
       ctx.out << s.did << "\t";
       if (measure == SimilarMeasure::count)
         ctx.out << s.count;
@@ -227,6 +281,8 @@ int run_similar(const SimilarArgs& args, CommandContext& ctx) {
         ctx.out << s.score;
       ctx.out << "\t" << title_of(d, s.did) << "\n";
     }
+    ctx.out.flush();
+    note_cut("similar", shown, static_cast<std::int64_t>(all.size()), "documents", "--limit", ctx.err);
     return 0;
   });
 }
@@ -237,7 +293,7 @@ const char kSimilarHelp[] =
     "of documents citing both; by coupling the number of documents both cite.\n"
     "--measure cosine divides it by the square root of the product of the two\n"
     "documents' numbers of citations (of references, by coupling), jaccard by\n"
-    "their sum less the count.\n"
+    "their sum less the count. A list cut by --limit says so on standard error.\n"
     "Exit status: 0 ok, 1 DID without a graph record, 2 usage error.";
 
 // --- components
@@ -245,18 +301,41 @@ const char kSimilarHelp[] =
 struct ComponentsArgs {
   DataDirArgs dir;
   std::int64_t largest = 5;
+  bool all = false;
+  bool nodes = false;
 };
 
-void print_components(const char* graph, const Components& c, std::int64_t largest, std::ostream& out) {
-  out << graph << "\tcomponents\t" << c.count() << "\n" << graph << "\tlargest";
-  for (std::int64_t i = 0; i < std::min(largest, c.count()); ++i) out << "\t" << c.sizes[static_cast<std::size_t>(i)];
-  out << "\n";
+void print_sizes(const char* graph, const Components& c, std::int64_t largest, CommandContext& ctx) {
+  const std::int64_t shown = std::min(largest, c.count());
+  ctx.out << graph << "\tcomponents\t" << c.count() << "\n" << graph << "\tlargest";
+  for (std::int64_t i = 0; i < shown; ++i) ctx.out << "\t" << c.sizes[static_cast<std::size_t>(i)];
+  ctx.out << "\n";
+  ctx.out.flush();
+  note_cut("components", shown, c.count(), std::string(graph) + " component sizes", "--largest or use --all", ctx.err);
+}
+
+// A line per node: the graph, the node (DID or author id) and its component.
+void print_nodes(const RefgroveData& d, CommandContext& ctx) {
+  const CitationGraph& g = CitationGraph::of(d);
+  const Components& citation = citation_components(d);
+  for (std::int32_t v = 0; v < g.size(); ++v) {
+    ctx.out << "citation\t" << g.did(v) << "\t" << citation.component_of[static_cast<std::size_t>(v)] << "\n";
+  }
+  const Components& coauthor = coauthor_components(d);
+  for (std::size_t a = 0; a < coauthor.component_of.size(); ++a) {
+    ctx.out << "co-author\t" << a << "\t" << coauthor.component_of[a] << "\n";
+  }
 }
 
 int run_components(const ComponentsArgs& args, CommandContext& ctx) {
   return run_on("components", args.dir, ctx, [&](const RefgroveData& d) {
-    print_components("citation", citation_components(d), args.largest, ctx.out);
-    print_components("co-author", coauthor_components(d), args.largest, ctx.out);
+    if (args.nodes) {
+      print_nodes(d, ctx);
+      return 0;
+    }
+    const std::int64_t largest = args.all ? all_if_zero(0) : all_if_zero(args.largest);
+    print_sizes("citation", citation_components(d), largest, ctx);
+    print_sizes("co-author", coauthor_components(d), largest, ctx);
     return 0;
   });
 }
@@ -264,19 +343,22 @@ int run_components(const ComponentsArgs& args, CommandContext& ctx) {
 const char kComponentsHelp[] =
     "Prints, for the citation graph (its weakly connected components) and\n"
     "the co-author graph, the number of components and the sizes of the\n"
-    "largest ones, tab-separated.\n"
+    "largest ones (--largest of them, all with --all), tab-separated.\n"
+    "--nodes: instead, a line per node: the graph (citation or co-author),\n"
+    "the node (DID or author id) and its component, numbered from 0 by\n"
+    "size descending, then by smallest member.\n"
     "Exit status: 0 ok, 1 bad data directory, 2 usage error.";
 
 }  // namespace
 
 void add_network_commands(CLI::App& app, CommandContext& ctx) {
-  const CLI::Validator limit = decimal(0, 1000000000);
+  const CLI::Validator hops = decimal(0, kMaxLimit);
 
   auto rank = std::make_shared<RankArgs>();
   CLI::App* cmd = add_network_command(app, "rank", "rank documents by citations or PageRank", kRankHelp, &rank->dir);
   cmd->add_option("--by", rank->by)->check(CLI::IsMember({"citations", "pagerank"}))->capture_default_str();
-  cmd->add_option("--limit", rank->limit, "how many")->transform(limit)->capture_default_str();
-  cmd->add_option("--years", rank->years, "only documents of these years")->type_name("FROM-TO");
+  add_limit_option(cmd, "--limit", &rank->limit, "how many");
+  cmd->add_option("--years", rank->years, "only documents of these years")->type_name("YEAR|FROM-TO");
   cmd->callback([&ctx, rank] { ctx.status = run_rank(*rank, ctx); });
 
   auto distance = std::make_shared<DistanceArgs>();
@@ -292,9 +374,9 @@ void add_network_commands(CLI::App& app, CommandContext& ctx) {
   auto hood = std::make_shared<NeighbourhoodArgs>();
   cmd = add_network_command(app, "neighbourhood", "the documents around a document", kNeighbourhoodHelp, &hood->dir);
   cmd->add_option("DID", hood->did, "the document")->required()->transform(decimal());
-  cmd->add_option("--hops", hood->hops, "how far")->transform(limit)->capture_default_str();
+  cmd->add_option("--hops", hood->hops, "how far")->transform(hops)->capture_default_str();
   cmd->add_option("--direction", hood->direction)->check(CLI::IsMember({"in", "out", "both"}))->capture_default_str();
-  cmd->add_option("--limit", hood->limit, "how many documents")->transform(limit)->capture_default_str();
+  add_limit_option(cmd, "--limit", &hood->limit, "how many documents");
   cmd->add_option("--format", hood->format)
       ->check(CLI::IsMember({"tsv", "json", "graphml", "dot"}))
       ->capture_default_str();
@@ -307,13 +389,16 @@ void add_network_commands(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("--measure", like->measure, "the count or the count normalised")
       ->check(CLI::IsMember({"count", "cosine", "jaccard"}))
       ->capture_default_str();
-  cmd->add_option("--limit", like->limit, "how many")->transform(limit)->capture_default_str();
+  add_limit_option(cmd, "--limit", &like->limit, "how many");
   cmd->callback([&ctx, like] { ctx.status = run_similar(*like, ctx); });
 
   auto components = std::make_shared<ComponentsArgs>();
   cmd = add_network_command(app, "components", "connected components of the citation and co-author graphs",
                             kComponentsHelp, &components->dir);
-  cmd->add_option("--largest", components->largest, "how many sizes to show")->transform(limit)->capture_default_str();
+  CLI::Option* largest = add_limit_option(cmd, "--largest", &components->largest, "how many sizes to show");
+  CLI::Option* all = cmd->add_flag("--all", components->all, "show all the sizes");
+  cmd->add_flag("--nodes", components->nodes, "a line per node with its component")->excludes(largest)->excludes(all);
+  all->excludes(largest);
   cmd->callback([&ctx, components] { ctx.status = run_components(*components, ctx); });
 }
 

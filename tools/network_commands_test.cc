@@ -2,8 +2,10 @@
 // the status and message of each kind of bad argument.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "testing/data_dir_builder.h"
@@ -75,6 +77,79 @@ TEST_F(NetworkCommandsTest, Output) {
   }
 }
 
+// A list that a limit cut says so on standard error, and how much it kept;
+// 0 is no limit at all.
+TEST_F(NetworkCommandsTest, CutListsSaySo) {
+  const struct {
+    std::vector<std::string> args;
+    std::size_t lines;  // of standard output
+    std::string err;
+  } cases[] = {
+      {{"rank"}, 4, ""},
+      {{"rank", "--limit", "1"}, 1, "refgrove rank: showing 1 of 4 documents; raise --limit\n"},
+      {{"rank", "--limit", "0"}, 4, ""},
+      {{"rank", "--years", "1991-1992", "--limit", "1"}, 1, "refgrove rank: showing 1 of 2 documents; raise --limit\n"},
+      {{"rank", "--years", "1992"}, 1, ""},
+      {{"similar", "3", "--by", "coupling", "--limit", "1"},
+       1,
+       "refgrove similar: showing 1 of 2 documents; raise --limit\n"},
+      {{"similar", "3", "--by", "coupling", "--limit", "0"}, 2, ""},
+      {{"neighbourhood", "2", "--limit", "2"}, 3, "refgrove neighbourhood: showing 2 of 4 documents; raise --limit\n"},
+      {{"neighbourhood", "2", "--limit", "0"}, 9, ""},
+      {{"neighbourhood", "2", "--limit", "4"}, 9, ""},
+      {{"authors", "--limit", "1"}, 1, "refgrove authors: showing 1 of 4 authors; raise --limit\n"},
+      {{"authors", "--limit", "0"}, 4, ""},
+      {{"components", "--largest", "1"},
+       4,
+       "refgrove components: showing 1 of 2 co-author component sizes; raise --largest or use --all\n"},
+      {{"components", "--largest", "0"}, 4, ""},
+      {{"components", "--all"}, 4, ""},
+  };
+  for (const auto& c : cases) {
+    std::string line;
+    for (const std::string& a : c.args) line += a + " ";
+    const ToolRun r = run(c.args);
+    EXPECT_EQ(r.status, 0) << line << r.err;
+    EXPECT_EQ(static_cast<std::size_t>(std::count(r.out.begin(), r.out.end(), '\n')), c.lines) << line << r.out;
+    EXPECT_EQ(r.err, c.err) << line;
+  }
+  for (const auto& [limit, total, truncated] : {std::tuple{"2", 4, true}, {"0", 4, false}, {"4", 4, false}}) {
+    const ToolRun r = run({"neighbourhood", "2", "--format", "json", "--limit", limit});
+    const nlohmann::json j = nlohmann::json::parse(r.out);
+    EXPECT_EQ(j["total"], total) << limit;
+    EXPECT_EQ(j["truncated"], truncated) << limit;
+  }
+}
+
+// Every count option takes 0 to 1,000,000,000 and says so for anything else.
+TEST_F(NetworkCommandsTest, LimitValues) {
+  const std::vector<std::vector<std::string>> commands = {
+      {"rank", "--limit"},    {"similar", "1", "--limit"}, {"neighbourhood", "1", "--limit"},
+      {"authors", "--limit"}, {"components", "--largest"},
+  };
+  for (const std::vector<std::string>& command : commands) {
+    for (const std::string value : {"-1", "1000000001", "999999999999", "99999999999999999999999"}) {
+      std::vector<std::string> args = command;
+      args.push_back(value);
+      const ToolRun r = run(args);
+      EXPECT_EQ(r.status, 2) << command[0] << " " << value;
+      EXPECT_NE(r.err.find(value + ": must be 0 or more (0: all), and 1,000,000,000 at most"), std::string::npos)
+          << command[0] << " " << value << r.err;
+    }
+    std::vector<std::string> args = command;
+    args.push_back("1000000000");
+    EXPECT_EQ(run(args).status, 0) << command[0];
+  }
+}
+
+TEST_F(NetworkCommandsTest, ComponentOfEachNode) {
+  const ToolRun r = run({"components", "--nodes"});
+  EXPECT_EQ(r.out,
+            "citation\t1\t0\ncitation\t2\t0\ncitation\t3\t0\ncitation\t4\t0\n"
+            "co-author\t0\t0\nco-author\t1\t0\nco-author\t2\t0\nco-author\t3\t1\n");
+  EXPECT_EQ(run({"components", "--nodes", "--all"}).status, 2);
+}
+
 TEST_F(NetworkCommandsTest, DrawingFormats) {
   const ToolRun json = run({"neighbourhood", "2", "--format", "json"});
   ASSERT_EQ(json.status, 0) << json.err;
@@ -108,7 +183,10 @@ TEST_F(NetworkCommandsTest, BadArguments) {
       {{"distance", "Ann", "0"}, 2, "AUTHOR: expected a decimal number, not 'Ann' (use --names for names)"},
       {{"similar", "0x1"}, 2, "DID: expected a decimal number, not '0x1'"},
       {{"rank", "--years", "1993-1990"}, 1, "reversed year range 1993-1990"},
-      {{"rank", "--years", "1990"}, 1, "--years takes FROM-TO"},
+      {{"rank", "--years", "19x0"}, 1, "--years takes YEAR or FROM-TO, as 1995 or 1990-1999, not \"19x0\""},
+      {{"rank", "--years", "1991-"}, 1, "--years takes YEAR or FROM-TO"},
+      {{"rank", "--years", "95-96"}, 1, "no documents in 95-96; the years run 1990-1993"},
+      {{"rank", "--years", "2000"}, 1, "no documents in 2000; the years run 1990-1993"},
       {{"rank", "--by", "fame"}, 2, "fame"},
       {{"neighbourhood", "1", "--limit", "-1"}, 2, "--limit"},
       {{"neighbourhood", "1", "--direction", "up"}, 2, "up"},

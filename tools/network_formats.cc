@@ -27,12 +27,14 @@ NetworkFile whole_citation_graph(const RefgroveData& d) {
     f.nodes.push_back(node_of(d, g, g.did(v)));
     for (const std::int32_t w : g.cited(v)) f.edges.push_back({g.did(v), g.did(w)});
   }
+  f.total = static_cast<std::int64_t>(f.nodes.size());
   return f;
 }
 
-NetworkFile neighbourhood_file(const RefgroveData& d, const refgrove::Neighbourhood& n) {
+NetworkFile neighbourhood_file(const RefgroveData& d, const refgrove::Neighbourhood& n, std::int64_t total) {
   const refgrove::CitationGraph& g = refgrove::CitationGraph::of(d);
   NetworkFile f;
+  f.total = total;
   for (const refgrove::NeighbourNode& v : n.nodes) {
     f.nodes.push_back(node_of(d, g, v.did));
     f.nodes.back().hops = v.hops;
@@ -89,7 +91,10 @@ void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out) 
   }
   nlohmann::ordered_json edges = nlohmann::ordered_json::array();
   for (const refgrove::CitationEdge& e : f.edges) edges.push_back({e.citing, e.cited});
-  const nlohmann::ordered_json j = {{"nodes", nodes}, {"edges", edges}};
+  const nlohmann::ordered_json j = {{"nodes", nodes},
+                                    {"edges", edges},
+                                    {"total", f.total},
+                                    {"truncated", f.total > static_cast<std::int64_t>(f.nodes.size())}};
   // Titles are bytes of the dumps: what is not UTF-8 becomes U+FFFD.
   out << j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
 }

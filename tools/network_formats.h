@@ -25,19 +25,21 @@ struct NetworkNode {
 struct NetworkFile {
   std::vector<NetworkNode> nodes;
   std::vector<refgrove::CitationEdge> edges;
+  std::int64_t total = 0;  // the nodes there are, of which a limit may have kept fewer
 };
 
 // The whole citation graph of `d`, nodes by ascending DID, edges by citing
 // then cited DID.
 NetworkFile whole_citation_graph(const RefgroveData& d);
-// A neighbourhood, its nodes in its own order.
-NetworkFile neighbourhood_file(const RefgroveData& d, const refgrove::Neighbourhood& n);
+// A neighbourhood of `total` nodes, its nodes in its own order.
+NetworkFile neighbourhood_file(const RefgroveData& d, const refgrove::Neighbourhood& n, std::int64_t total);
 
 void write_graphml(const NetworkFile& f, std::ostream& out);
 // One "CITING<TAB>CITED" line per edge (nodes without edges are not seen).
 void write_edge_list(const NetworkFile& f, std::ostream& out);
 void write_dot(const NetworkFile& f, std::ostream& out);
-// {"nodes": [{"did", "hops", "citations", "year", "title"}...], "edges": [[citing, cited]...]}
+// {"nodes": [{"did", "hops", "citations", "year", "title"}...], "edges": [[citing, cited]...],
+//  "total": nodes there are, "truncated": whether a limit kept fewer}
 void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out);
 
 // The title of `did`, its words joined by blanks, as the bytes of the data.

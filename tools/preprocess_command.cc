@@ -26,6 +26,7 @@ const char kHelp[] =
     "waits for the first (lock file .OUT_DIR.refgrove-lock beside it). What an\n"
     "interrupted run left behind is removed by the next run.\n"
     "\n"
+    "IN_DIR holding a data directory rather than dumps is said so.\n"
     "Every dump must be a regular file. A word-dump line without a DID is\n"
     "skipped. Dumps that hold more than a data directory can (2^31 - 1 bytes\n"
     "of word-data, 2^24 distinct words) stop the run with a message that\n"
@@ -41,7 +42,8 @@ const char kHelp[] =
     "\n"
     "Exit status: 0 when done, 1 when an input, a write or the check failed,\n"
     "2 on a usage error, 3 when a dump does not parse (the parse error is\n"
-    "written to standard error), 130 and 143 when interrupted by SIGINT and\n"
+    "written to standard error, then the dump, the record's line and what it\n"
+    "lacks), 130 and 143 when interrupted by SIGINT and\n"
     "SIGTERM.";
 
 }  // namespace

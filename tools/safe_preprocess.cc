@@ -1,11 +1,14 @@
 #include "tools/safe_preprocess.h"
 
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <vector>
 
+#include "core/data_view.h"
 #include "core/validate.h"
+#include "graph/graph_dump.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
 #include "tools/counter_filter.h"
@@ -38,7 +41,7 @@ void print_summary(std::ostream& out, const std::string& target, const PreprocSu
 // Runs the request, showing the module's messages (-v), a progress line on
 // a terminal, or log lines; then the summary.
 int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out, std::ostream& err,
-                             StagedRunHooks& hooks) {
+                             ToolRunHooks& hooks) {
   std::ostream quiet(nullptr);
   CounterFilter out_filter(out), err_filter(err);
   // The run's messages and the progress lines reach `err` through one
@@ -60,6 +63,12 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
   } else {
     options.out = &out_log;
     options.err = &err_log;
+    // The messages name the staging directory, which stands for the target.
+    hooks.staging_made = [&](const std::string& staging_dir) {
+      for (CounterFilter* filter : {&out_filter, &err_filter}) {
+        filter->write_path_as(dir_prefix(staging_dir), dir_prefix(request.out_dir));
+      }
+    };
     style = ProgressDisplay::Style::kLog;
     display_out = &progress_log;
   }
@@ -69,6 +78,31 @@ int preprocess_and_summarize(const PreprocessRequest& request, std::ostream& out
   display.reset();
   print_summary(out, result.target, result.summary);
   return 0;
+}
+
+// What a parse error says is missing, in the dump's words: "expected
+// 'Authors:', found ..." is "no Authors:".
+std::string what_is_missing(const std::string& message) {
+  const std::string expected = "expected '";
+  if (const std::size_t end = message.find('\'', expected.size());
+      message.starts_with(expected) && end != std::string::npos) {
+    return "no " + message.substr(expected.size(), end - expected.size());
+  }
+  if (message.starts_with("expected integer")) return "a number is missing where the record needs one";
+  return message;
+}
+
+// After the parser's own message, on a line of its own: the dump, the line
+// of the record (a record is one line) and what it lacks.
+void explain_parse_error(const DumpParseError& e, std::ostream& err) {
+  err << "\n" << kPrefix << e.dump;
+  if (e.pos.row > 0) err << ", line " << e.pos.row;
+  err << ": " << what_is_missing(e.message) << "\n";
+}
+
+// A data directory given where the dumps are expected.
+bool is_data_dir_not_dumps(const std::string& in_dir) {
+  return data_dir_problem(in_dir).empty() && !std::filesystem::exists(as_dir(in_dir) + kGraphDumpFile);
 }
 
 }  // namespace
@@ -87,6 +121,7 @@ void ToolRunHooks::removed_leftover(const std::string& path) {
 
 void ToolRunHooks::run_files_made(const std::string& staging_dir, const std::string& lock_file) {
   interrupts_.set_run_files(staging_dir, lock_file);
+  if (staging_made) staging_made(staging_dir);
 }
 
 void ToolRunHooks::run_files_gone() { interrupts_.set_run_files("", ""); }
@@ -104,11 +139,17 @@ int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::os
   if (const std::string problem = directory_problem(request.in_dir); !problem.empty()) {
     return fail(err, request.in_dir + ": " + problem);
   }
+  if (is_data_dir_not_dumps(request.in_dir)) {
+    return fail(err, request.in_dir +
+                         ": a data directory, made by preprocessing, not the text dumps it is made of; "
+                         "the other commands read it as it is");
+  }
   try {
     return preprocess_and_summarize(request, out, err, hooks);
   } catch (const DumpParseError& e) {
-    // Standard error ends exactly as the module leaves it.
+    // The module's own message as it writes it, then ours.
     e.write(err);
+    explain_parse_error(e, err);
     err.flush();
     return 3;
   } catch (const StagedRunError& e) {

@@ -7,6 +7,7 @@
 #ifndef REFGROVE_TOOLS_SAFE_PREPROCESS_H_
 #define REFGROVE_TOOLS_SAFE_PREPROCESS_H_
 
+#include <functional>
 #include <ostream>
 #include <string>
 
@@ -45,6 +46,9 @@ class ToolRunHooks : public StagedRunHooks {
   std::vector<std::string> check(const std::string& dir) override;
   std::unique_lock<std::mutex> moving() override;
 
+  // Called with the staging directory once the run has made it.
+  std::function<void(const std::string& staging_dir)> staging_made;
+
  private:
   std::ostream& err_;
   std::string prefix_;
@@ -54,8 +58,9 @@ class ToolRunHooks : public StagedRunHooks {
 // Runs the request; `out` gets the summary, `err` the errors. Returns the
 // exit status: 0 done, 1 an input, output or check failed (the target is
 // left as it was), 3 a dump does not parse (the parse error on `err`, as the
-// module writes it). SIGINT and SIGTERM meanwhile end the process with 130
-// and 143 after removing what the run had written.
+// module writes it, then the dump, the record's line and what it lacks).
+// SIGINT and SIGTERM meanwhile end the process with 130 and 143 after
+// removing what the run had written.
 int safe_preprocess(const PreprocessRequest& request, std::ostream& out, std::ostream& err);
 
 }  // namespace refgrove

@@ -128,8 +128,20 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
     std::string error;  // standard error
     FormatLimits limits = {};
   } cases[] = {
+      // The module's message as it writes it, then where and what.
       {"graph dump does not parse", [&] { write_file(graph, "101 k 1999 GIDs: x\n"); }, in_, 3,
-       "expected integer, not 'x' at 1:17"},  // as the module writes it
+       "expected integer, not 'x' at 1:17\nrefgrove preprocess: " + graph +
+           ", line 1: a number is missing where the record needs one\n"},
+      {"graph record without GIDs",
+       [&] { write_file(graph, "101 k 1999 GIDs: DIDs: Title: a Authors: b\n102 k 1999 DIDs: Title: a Authors: b\n"); },
+       in_, 3, "expected 'GIDs:', found 'DIDs:' at 2:11\nrefgrove preprocess: " + graph + ", line 2: no GIDs:\n"},
+      {"graph record with a misspelt Title:",
+       [&] { write_file(graph, "101 k 1999 GIDs: DIDs: Titel: a Authors: b\n"); }, in_, 3,
+       "expected 'Title:', found 'Titel:' at 1:23\nrefgrove preprocess: " + graph + ", line 1: no Title:\n"},
+      {"a data directory given for the dumps", [] {}, target_, 1,
+       "refgrove preprocess: " + target_ +
+           ": a data directory, made by preprocessing, not the text dumps it is made of; the other commands read it "
+           "as it is\n"},
       {"word dump is a directory",
        [&] {
          fs::remove(in_ + "word-data2-mar-2002.txt");
@@ -245,8 +257,8 @@ TEST_F(SafePreprocessTest, TheSummarySaysWhatWasSkippedOrChanged) {
                                                     "range: not found by DID)\n");
 }
 
-// In a log the module's messages come without their running counters,
-// which -v keeps ("\r" and the DID or record count, every thousand).
+// In a log the module's messages come without their running counters and
+// name the target where they named the staging directory, which -v keeps ("\r" and the DID or record count, every thousand).
 TEST_F(SafePreprocessTest, InALogTheRunningCountersNeedVerbose) {
   DumpGeneratorResult generated;
   std::string error;
@@ -256,6 +268,10 @@ TEST_F(SafePreprocessTest, InALogTheRunningCountersNeedVerbose) {
     ASSERT_EQ(r.status, 0) << r.err;
     EXPECT_EQ(r.out.find("Preproc word data ... \n1. Reading words ... \n  - Reading "), 0u) << r.out;
     EXPECT_NE(r.err.find("writing graph file"), std::string::npos) << r.err;
+    if (!verbose) {  // a log names the target, not the staging directory the run wrote into
+      EXPECT_NE(r.err.find("writing graph file " + target_ + "/graph_data..."), std::string::npos) << r.err;
+      EXPECT_EQ(r.err.find("refgrove-tmp"), std::string::npos) << r.err;
+    }
     for (const std::string* text : {&r.out, &r.err}) {
       EXPECT_EQ(text->find("\r1000") != std::string::npos, verbose) << verbose << ": " << *text;
     }

@@ -28,7 +28,7 @@ struct SearchArgs {
   bool any = false;
   bool exact = false;
   std::string sort = "relevance";
-  int limit = 10;
+  std::int64_t limit = 10;
   std::string format = "text";
   std::vector<std::string> terms;
 };
@@ -183,9 +183,7 @@ void add_search_command(CLI::App& app, CommandContext& ctx) {
   cmd->add_option("--sort", args->sort, "the order of the hits")
       ->check(CLI::IsMember({"relevance", "citations", "year"}))
       ->capture_default_str();
-  cmd->add_option("--limit", args->limit, "the number of hits to print (0: all)")
-      ->check(CLI::NonNegativeNumber)
-      ->capture_default_str();
+  add_limit_option(cmd, "--limit", &args->limit, "the number of hits to print");
   cmd->add_option("--format", args->format, "output format")
       ->check(CLI::IsMember({"text", "tsv", "jsonl", "json"}))
       ->capture_default_str();

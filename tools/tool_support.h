@@ -11,6 +11,7 @@
 
 namespace CLI {
 class App;
+class Option;
 class Validator;
 }  // namespace CLI
 
@@ -31,6 +32,25 @@ std::string parse_decimal(const std::string& text, std::int64_t min, std::int64_
 // "0x41" as hex), or the reason it is not a decimal number in [min, max].
 CLI::Validator decimal(std::int64_t min = std::numeric_limits<std::int32_t>::min(),
                        std::int64_t max = std::numeric_limits<std::int32_t>::max());
+
+// The largest count a --limit takes; 0 means all.
+inline constexpr std::int64_t kMaxLimit = 1000000000;
+
+// Declares the count option `name` (--limit, --largest) on `cmd`: 0 means all,
+// anything below 0 or above kMaxLimit is a usage error saying what is taken.
+CLI::Option* add_limit_option(CLI::App* cmd, const std::string& name, std::int64_t* limit, const std::string& help);
+
+// A --limit as the analyses take it: 0, all, becomes the largest count.
+std::int64_t all_if_zero(std::int64_t limit);
+
+// 1896 as "1,896", as people read counts.
+std::string with_commas(std::int64_t n);
+
+// Says on `err` that `command` showed `shown` of `total` `what`s and how to
+// see more ("refgrove rank: showing 10 of 1,896 documents; raise --limit");
+// nothing when it showed them all.
+void note_cut(const char* command, std::int64_t shown, std::int64_t total, const std::string& what,
+              const std::string& option, std::ostream& err);
 
 using refgrove::directory_problem;
 

@@ -3,24 +3,27 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cctype>
 
 namespace refgrove {
 
 namespace {
 
+// The characters to insert, delete or replace, and the neighbours to swap
+// ("rnak" is one slip from "rank"), to make `a` into `b`.
 std::size_t edit_distance(const std::string& a, const std::string& b) {
-  std::vector<std::size_t> row(b.size() + 1);  // distances from a prefix of `a` to each prefix of `b`
-  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  // d[i][j]: the distance from the first i characters of `a` to the first j of `b`.
+  std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+  for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
+  for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
   for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i;
     for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+      d[i][j] = std::min({d[i - 1][j - 1] + (a[i - 1] == b[j - 1] ? 0 : 1), d[i - 1][j] + 1, d[i][j - 1] + 1});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1])
+        d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
     }
   }
-  return row[b.size()];
+  return d[a.size()][b.size()];
 }
 
 // The subcommand that the command line reached: the innermost one selected.
@@ -47,6 +50,23 @@ std::string missing_subcommand(CLI::App* cmd) {
   }
   const std::string nearest = nearest_name(rest.front(), names);
   return "no " + what + " '" + rest.front() + "'" + (nearest.empty() ? "" : "; the nearest is '" + nearest + "'");
+}
+
+// For options that `cmd` does not have: the first with the nearest option
+// it has, as "no option '--limt'; did you mean --limit?".
+std::string unknown_option(CLI::App* cmd) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : cmd->get_options()) {
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    for (const std::string& name : option->get_snames()) names.push_back("-" + name);
+  }
+  for (const std::string& arg : cmd->remaining()) {
+    if (arg.size() < 2 || arg[0] != '-' || std::isdigit(static_cast<unsigned char>(arg[1]))) continue;
+    const std::string word = arg.substr(0, arg.find('='));
+    const std::string nearest = nearest_name(word, names);
+    return "no option '" + word + "'" + (nearest.empty() ? "" : "; did you mean " + nearest + "?");
+  }
+  return "";
 }
 
 // The usage line. A subcommand of a subcommand (an operation of `query`)
@@ -83,6 +103,7 @@ void write_usage_error(CLI::App& app, const CLI::ParseError& error, std::ostream
   CLI::App* cmd = innermost_command(&app);
   const std::string path = command_path(cmd);
   std::string what = missing_subcommand(cmd);
+  if (what.empty() && dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) what = unknown_option(cmd);
   if (what.empty()) what = error.what();
   err << path << ": " << what << "\n" << usage(cmd) << "Run '" << path << " --help' for more.\n";
 }

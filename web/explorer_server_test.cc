@@ -72,12 +72,16 @@ std::vector<int> dids_of(const JsonValue& papers) {
   return dids;
 }
 
+// The documents are those there are, not the word-idx headers that the
+// module's stats count with their end sentinel.
 TEST(ExplorerApi, StatsAreTheDataSetsStatistics) {
-  int docs = 0, words = 0, authors = 0, last = 0;
-  stats(&sample().data(), &docs, &words, &authors);
+  int headers = 0, words = 0, authors = 0, last = 0;  // headers: 32 documents and the end sentinel
+  stats(&sample().data(), &headers, &words, &authors);
   last_did(sample().data(), &last);
   const JsonValue s = get_json("/api/stats");
-  EXPECT_EQ(s, (JsonValue{{"documents", docs}, {"words", words}, {"authors", authors}, {"last_did", last}}));
+  // 32 with words, 32 graph records: 146 has no words, 150 no graph record.
+  EXPECT_EQ(s, (JsonValue{{"documents", 33}, {"words", words}, {"authors", authors}, {"last_did", last}}));
+  EXPECT_EQ(s.at("documents"), sample_dids().size());
 }
 
 TEST(ExplorerApi, EveryPaperAnswersWhatTheOperationsGive) {
@@ -207,6 +211,9 @@ TEST(ExplorerApi, NeighbourhoodsAreTheNetworksOwn) {
         for (const JsonValue& l : n.at("links"))
           shown_edges.insert(shown_edges.end(), {l.at("source"), l.at("target")});
         EXPECT_EQ(dids_of(n.at("nodes")), dids) << path;
+        const std::size_t total = neighbourhood(d, did, {hops, direction_from_text(direction), 1000}).nodes.size();
+        EXPECT_EQ(n.at("total"), total) << path;
+        EXPECT_EQ(n.at("truncated"), total > 8) << path;
         EXPECT_EQ(shown_edges, edges) << path;
       }
     }
@@ -252,6 +259,9 @@ TEST(ExplorerApi, RankingsByBothMeasuresAndYears) {
     for (const RankedDocument& doc : ranked(d, c.by, r.at("papers").size() + 1, c.years)) expected.push_back(doc.did);
     expected.resize(r.at("papers").size());
     EXPECT_EQ(dids_of(r.at("papers")), expected) << c.query;
+    const std::size_t total = ranked(d, c.by, 1000, c.years).size();
+    EXPECT_EQ(r.at("total"), total) << c.query;
+    EXPECT_EQ(r.at("truncated"), total > r.at("papers").size()) << c.query;
     for (const JsonValue& p : r.at("papers")) {
       EXPECT_EQ(p.at("citations"), citation_count(d, p.at("did"))) << c.query;
       if (c.years) {

@@ -1,5 +1,8 @@
 #include "web/network_api.h"
 
+#include <limits>
+#include <vector>
+
 #include "network/citation_graph.h"
 #include "network/distance.h"
 #include "network/similarity.h"
@@ -58,6 +61,14 @@ void add_network_figures(const RefgroveData& d, int did, Json& paper) {
 Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptions& options) {
   require_node(d, did);
   const Neighbourhood n = neighbourhood(d, did, options);
+  // The walk stops at the limit: only a full answer may have been cut.
+  auto total = static_cast<std::int64_t>(n.nodes.size());
+  if (total == options.limit) {
+    NeighbourhoodOptions all = options;
+    all.limit = std::numeric_limits<std::int64_t>::max();
+    all.edges = false;
+    total = static_cast<std::int64_t>(neighbourhood(d, did, all).nodes.size());
+  }
   Json nodes = Json::array();
   for (const NeighbourNode& node : n.nodes) {
     Json paper = paper_ref(d, node.did);
@@ -67,7 +78,12 @@ Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptio
   }
   Json links = Json::array();
   for (const CitationEdge& e : n.edges) links.push_back({{"source", e.citing}, {"target", e.cited}});
-  return {{"center", did}, {"nodes", std::move(nodes)}, {"links", std::move(links)}};
+  const bool truncated = total > static_cast<std::int64_t>(n.nodes.size());
+  return {{"center", did},
+          {"nodes", std::move(nodes)},
+          {"links", std::move(links)},
+          {"total", total},
+          {"truncated", truncated}};
 }
 
 Json path_json(const RefgroveData& d, int from, int to) {
@@ -84,9 +100,17 @@ Json path_json(const RefgroveData& d, int from, int to) {
 
 Json rank_json(const RefgroveData& d, RankBy by, int limit, std::optional<YearRange> years) {
   Json papers = Json::array();
-  for (const RankedDocument& r : ranked(d, by, limit, years)) papers.push_back(with_figures(d, r.did));
+  const std::vector<RankedDocument> all = ranked(d, by, std::numeric_limits<std::int64_t>::max(), years);
+  for (std::size_t i = 0; i < all.size() && i < static_cast<std::size_t>(limit); ++i) {
+    papers.push_back(with_figures(d, all[i].did));
+  }
   Json range = years ? Json{{"from", years->from}, {"to", years->to}} : Json();
-  return {{"by", to_text(by)}, {"years", std::move(range)}, {"papers", std::move(papers)}};
+  const bool truncated = all.size() > papers.size();
+  return {{"by", to_text(by)},
+          {"years", std::move(range)},
+          {"papers", std::move(papers)},
+          {"total", all.size()},
+          {"truncated", truncated}};
 }
 
 }  // namespace refgrove::web

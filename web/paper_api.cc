@@ -29,7 +29,6 @@ std::vector<int> author_ids(const RefgroveData& d, int did) {
   return ids;
 }
 
-
 }  // namespace
 
 void require_document(const RefgroveData& d, int did) {
@@ -62,10 +61,12 @@ Json paper_summary(const RefgroveData& d, int did) {
 }
 
 Json stats_json(const RefgroveData& d) {
-  int docs = 0, words = 0, authors = 0, last = 0;
-  stats(&d, &docs, &words, &authors);
+  int headers = 0, words = 0, authors = 0, last = 0;
+  stats(&d, &headers, &words, &authors);  // headers: the word-idx headers, their end sentinel included
   last_did(d, &last);
-  return {{"documents", docs}, {"words", words}, {"authors", authors}, {"last_did", last}};
+  int documents = 0;  // with words, a graph record or both
+  for (int did = 0; did < last; ++did) documents += has_word_info(d, did) || has_graph_info(d, did);
+  return {{"documents", documents}, {"words", words}, {"authors", authors}, {"last_did", last}};
 }
 
 Json paper_json(const RefgroveData& d, int did) {
@@ -101,7 +102,8 @@ Json author_json(const RefgroveData& d, int author_id) {
     }
   }
   std::vector<std::pair<int, int>> coauthors(shared.begin(), shared.end());
-  std::stable_sort(coauthors.begin(), coauthors.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
+  std::stable_sort(coauthors.begin(), coauthors.end(),
+                   [](const auto& a, const auto& b) { return a.second > b.second; });
   Json list = Json::array();
   for (const auto& [id, count] : coauthors) {
     Json coauthor = author_ref(d, id);

@@ -48,9 +48,14 @@ Directory arguments name directories, with or without their trailing `/`.
 Every query raises `existence_error(refgrove_data_set, loaded)` before the
 first refgrove_load/1.
 
-Messages of preprocessing and loading are printed as informational messages
+Messages of preprocessing are printed as informational messages
 refgrove(Lines): `set_prolog_flag(verbose, silent)` silences them and
-message_hook/3 sees them.
+message_hook/3 sees them. Those of loading are of kind debug(refgrove):
+quiet unless `debug(refgrove)` asks for them.
+
+Options are checked: one that a predicate does not take raises
+`domain_error(oneof(Valid), Option)`. Lists cut by a default limit take
+`limit(0)` for all and `total(-Total)` for how many there are.
 */
 
 :- use_module(library(pldoc), []).   % help/1 and doc_server/1 show the comments below
@@ -94,6 +99,8 @@ message_hook/3 sees them.
 %
 %   Loads the data directory Dir, replacing the data set loaded before.
 %   Threads querying meanwhile keep the set they started with.
+%   It prints nothing: its messages (the files read) are of kind
+%   debug(refgrove), printed after `debug(refgrove)`.
 %
 %   ==
 %   ?- refgrove_load('/tmp/sample').
@@ -606,21 +613,27 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %   a list of options in the second). Options:
 %
 %     - limit(+N)
-%       At most N pairs (default 10).
+%       At most N pairs (default 10); `limit(0)` gives all of them.
+%     - total(-Total)
+%       Total is the number of documents ranked before the limit, so
+%       that a list cut by the limit shows as `length(Pairs, N), N < Total`.
 %     - years(+From, +To)
 %       Only documents whose year lies in From..To.
 %
 %   @error domain_error(refgrove_option, By) for another ranking.
 %   @error domain_error(year_range, From-To) when From > To.
+%   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 %
 %   ```
-%   ?- refgrove_ranked(citations, Pairs, [limit(2)]).
-%   Pairs = [110-6, 118-5].
+%   ?- refgrove_ranked(citations, Pairs, [limit(2), total(Total)]).
+%   Pairs = [110-6, 118-5],
+%   Total = 32.
 %   ```
 
 refgrove_ranked(By, Pairs, Options) :-
     is_list(Options),
     !,
+    known_options(Options, [limit/1, total/1, years/2], refgrove_ranked/3),
     option(limit(Limit), Options, 10),
     must_be(nonneg, Limit),
     (   option(years(From, To), Options)
@@ -633,11 +646,64 @@ refgrove_ranked(By, Pairs, Options) :-
     ;   From = -0x80000000,
         To = 0x7fffffff
     ),
-    '$refgrove_ranked'(By, Limit, From, To, Pairs).
+    asked_limit(Limit, Options, Max),
+    as_public(refgrove_ranked/3, '$refgrove_ranked'(By, Max, From, To, All)),
+    kept(Limit, Options, All, Pairs).
 refgrove_ranked(By, Did, Score) :-
-    refgrove_last_did(All),
-    '$refgrove_ranked'(By, All, -0x80000000, 0x7fffffff, Pairs),
+    as_public(refgrove_ranked/3, '$refgrove_ranked'(By, 0x7fffffff, -0x80000000, 0x7fffffff, Pairs)),
     member(Did-Score, Pairs).
+
+% known_options(+Options, +Valid, +PI): every option is one of Valid
+% (Name/Arity); another raises domain_error(oneof(Valid), Option) in the
+% name of the predicate PI, never falling back to a default.
+known_options(Options, Valid, PI) :-
+    must_be(list, Options),
+    forall(member(Option, Options), known_option(Option, Valid, PI)).
+
+known_option(Option, _, PI) :-
+    var(Option),
+    !,
+    throw(error(instantiation_error, context(PI, _))).
+known_option(Option, Valid, _) :-
+    compound(Option),
+    compound_name_arity(Option, Name, Arity),
+    memberchk(Name/Arity, Valid),
+    !.
+known_option(Option, Valid, PI) :-
+    throw(error(domain_error(oneof(Valid), Option), context(PI, _))).
+
+% as_public(+PI, :Goal): runs Goal, a foreign '$refgrove_...' predicate,
+% with its errors in the name of the public predicate PI.
+as_public(PI, Goal) :-
+    catch(Goal, error(Formal, Context), public_error(PI, Formal, Context)).
+
+public_error(PI, Formal, context(_, Message)) :-
+    !,
+    throw(error(Formal, context(PI, Message))).
+public_error(PI, Formal, _) :-
+    throw(error(Formal, context(PI, _))).
+
+% asked_limit(+Limit, +Options, -Max): how many answers to ask the foreign
+% predicate for: all of them for limit 0 or when total(T) is among Options.
+asked_limit(Limit, Options, Max) :-
+    (   ( Limit =:= 0 ; option(total(_), Options) )
+    ->  Max = 0x7fffffffffffffff
+    ;   Max = Limit
+    ).
+
+% kept(+Limit, +Options, +All, -Kept): Kept is the first Limit of All (all
+% for 0), and a total(T) among Options is the length of All.
+kept(Limit, Options, All, Kept) :-
+    length(All, Total),
+    (   option(total(T), Options)
+    ->  T = Total
+    ;   true
+    ),
+    (   Limit > 0, Limit < Total
+    ->  length(Kept, Limit),
+        append(Kept, _, All)
+    ;   Kept = All
+    ).
 
 %!  refgrove_collaboration_distance(+A, +B, -D) is semidet.
 %
@@ -672,6 +738,7 @@ refgrove_ranked(By, Did, Score) :-
 %   record.
 %
 %   @error domain_error(refgrove_option, Dir) for another direction.
+%   @error domain_error(oneof([direction/1]), Option) for another option.
 %
 %   ```
 %   ?- refgrove_citation_distance(115, 110, D).
@@ -679,10 +746,11 @@ refgrove_ranked(By, Did, Score) :-
 %   ```
 
 refgrove_citation_distance(From, To, D) :-
-    '$refgrove_citation_distance'(From, To, out, D).
+    as_public(refgrove_citation_distance/3, '$refgrove_citation_distance'(From, To, out, D)).
 refgrove_citation_distance(From, To, D, Options) :-
+    known_options(Options, [direction/1], refgrove_citation_distance/4),
     option(direction(Dir), Options, out),
-    '$refgrove_citation_distance'(From, To, Dir, D).
+    as_public(refgrove_citation_distance/4, '$refgrove_citation_distance'(From, To, Dir, D)).
 
 %!  refgrove_neighbourhood(+Did, -Nodes, -Edges, +Options) is semidet.
 %
@@ -698,9 +766,13 @@ refgrove_citation_distance(From, To, D, Options) :-
 %       Follow citations `out` (to the cited), `in` (to the citing) or
 %       `both` ways (default).
 %     - limit(+L)
-%       At most L nodes (default 100).
+%       At most L nodes (default 100); `limit(0)` gives all of them.
+%     - total(-Total)
+%       Total is the number of documents within K hops, however many
+%       the limit kept.
 %
 %   @error domain_error(refgrove_option, Dir) for another direction.
+%   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 %
 %   ```
 %   ?- refgrove_neighbourhood(105, Nodes, Edges, [direction(out)]).
@@ -709,12 +781,20 @@ refgrove_citation_distance(From, To, D, Options) :-
 %   ```
 
 refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
+    PI = refgrove_neighbourhood/4,
+    known_options(Options, [hops/1, direction/1, limit/1, total/1], PI),
     option(hops(Hops), Options, 1),
     must_be(nonneg, Hops),
     option(direction(Dir), Options, both),
     option(limit(Limit), Options, 100),
     must_be(nonneg, Limit),
-    '$refgrove_neighbourhood'(Did, Hops, Dir, Limit, Nodes, Edges).
+    (   option(total(Total), Options)
+    ->  as_public(PI, '$refgrove_neighbourhood'(Did, Hops, Dir, 0x7fffffffffffffff, All, _)),
+        length(All, Total)
+    ;   true
+    ),
+    asked_limit(Limit, [], Max),
+    as_public(PI, '$refgrove_neighbourhood'(Did, Hops, Dir, Max, Nodes, Edges)).
 
 %!  refgrove_similar(+Did, +By, -Pairs, +Options) is semidet.
 %
@@ -722,9 +802,12 @@ refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
 %   descending, then by ascending DID, Did itself left out. By
 %   `cocitation` counts the distinct documents citing both; by
 %   `coupling` the distinct documents both cite. Fails when Did has no
-%   graph record. Options: limit(+N), at most N pairs (default 10).
+%   graph record. Options: limit(+N), at most N pairs (default 10;
+%   `limit(0)` gives all of them); total(-Total), the number of similar
+%   documents however many the limit kept.
 %
 %   @error domain_error(refgrove_option, By) for another measure.
+%   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 %
 %   ```
 %   ?- refgrove_similar(110, coupling, Pairs, [limit(2)]).
@@ -732,9 +815,12 @@ refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
 %   ```
 
 refgrove_similar(Did, By, Pairs, Options) :-
+    known_options(Options, [limit/1, total/1], refgrove_similar/4),
     option(limit(Limit), Options, 10),
     must_be(nonneg, Limit),
-    '$refgrove_similar'(Did, By, Limit, Pairs).
+    asked_limit(Limit, Options, Max),
+    as_public(refgrove_similar/4, '$refgrove_similar'(Did, By, Max, All)),
+    kept(Limit, Options, All, Pairs).
 
 %!  refgrove_component(+Did, -Id, -Size) is semidet.
 %
@@ -758,7 +844,7 @@ refgrove_similar(Did, By, Pairs, Options) :-
 :- export(refgrove_search/3).             % +Query, -Hits, +Options
 
 :- use_module(library(error), [must_be/2]).
-:- use_module(library(lists), [member/2]).
+:- use_module(library(lists), [member/2, append/3]).
 :- use_module(library(option), [option/3]).
 
 %!  refgrove_search(+Query, -Did) is nondet.
@@ -790,7 +876,7 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   is left open or a phrase of several words holds a `*`.
 
 refgrove_search(Query, Did) :-
-    '$refgrove_search'(Query, and, false, 0, Hits, _),
+    as_public(refgrove_search/2, '$refgrove_search'(Query, and, false, 0, Hits, _)),
     member(Did-_, Hits).
 
 %!  refgrove_search(+Query, -Hits, +Options) is det.
@@ -823,14 +909,15 @@ refgrove_search(Query, Did) :-
 %   @error type_error(oneof([and,or]), Mode) for another mode.
 %   @error type_error(boolean, Exact) for an exact/1 that is neither `true`
 %   nor `false`.
+%   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 
 refgrove_search(Query, Hits, Options) :-
-    must_be(list, Options),
+    known_options(Options, [limit/1, mode/1, exact/1, total/1], refgrove_search/3),
     option(limit(Limit), Options, 10),
     must_be(nonneg, Limit),
     option(mode(Mode), Options, and),
     must_be(oneof([and, or]), Mode),
     option(exact(Exact), Options, false),
     must_be(boolean, Exact),
-    '$refgrove_search'(Query, Mode, Exact, Limit, Hits, Total),
+    as_public(refgrove_search/3, '$refgrove_search'(Query, Mode, Exact, Limit, Hits, Total)),
     option(total(Total), Options, _).

@@ -183,9 +183,13 @@ async function rankView(params) {
     const range = fromInput.value && toInput.value ? `&years=${fromInput.value}-${toInput.value}` : "";
     navigate(`#/rank?by=${bySelect.value}${range}`);
   }}, bySelect, " published ", fromInput, " to ", toInput, " ", el("button", {type: "submit"}, "Show"));
-  const query = {by, limit: 50};
+  const limit = Math.min(Number(params.get("limit")) || 50, 1000);  // the API gives 1000 at most
+  const query = {by, limit};
   if (years) query.years = years;
   const r = await api("rank", query);
+  const more = `#/rank?by=${by}${years ? `&years=${years}` : ""}&limit=${Math.min(limit * 2, 1000)}`;
+  const shown = !r.truncated ? "" : el("p", {class: "cut"}, `${r.papers.length} of ${r.total} papers`,
+    limit < 1000 ? [" · ", el("a", {href: more}, "show more")] : "");
   document.title = "Rankings – refgrove explorer";
   show(el("h1", {}, "Rankings"), form,
     el("table", {class: "ranking"},
@@ -193,7 +197,7 @@ async function rankView(params) {
                          el("th", {}, "citations"), el("th", {}, "PageRank"))),
       el("tbody", {}, r.papers.map((p, i) => el("tr", {"data-did": p.did},
         el("td", {}, i + 1), el("td", {}, paperLink(p)), el("td", {}, p.year === null ? "" : p.year),
-        el("td", {}, p.citations), el("td", {}, p.pagerank.toPrecision(3)))))));
+        el("td", {}, p.citations), el("td", {}, p.pagerank.toPrecision(3)))))), shown);
 }
 
 // ---- The neighbourhood drawing --------------------------------------------
@@ -214,7 +218,10 @@ function neighbourhoodPanel(did, params) {
     el("p", {class: "legend"}, "Node size: citations · colour: year (dark early, yellow late, grey unknown) · ",
        "arrows point to the cited paper · click a node to open it"));
   api(`neighbourhood/${did}`, {hops, direction, limit: 150})
-    .then((n) => drawNeighbourhood(svg, n))
+    .then((n) => {
+      drawNeighbourhood(svg, n);
+      if (n.truncated) svg.append(el("p", {class: "cut"}, `${n.nodes.length} of ${n.total} papers drawn: the closest and most cited.`));
+    })
     .catch((e) => svg.replaceChildren(el("p", {class: "error"}, e.message)));
   return panel;
 }
