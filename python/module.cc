@@ -15,4 +15,5 @@ PYBIND11_MODULE(_refgrove, m) {
   bind_arrays(data_set);
   bind_tables(data_set);
   bind_preprocess(m);
+  bind_import(m);
 }

@@ -19,23 +19,27 @@ from ._errors import (
     DataDirectoryError,
     DumpSyntaxError,
     Error,
+    InputError,
     NotFoundError,
     PreprocessError,
 )
 from ._refgrove import __version__
 from ._data_set import CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
+from ._import import ImportResult, import_works
 from ._preprocess import PreprocessResult, preprocess
 
 __all__ = [
     "__version__",
     "load",
     "preprocess",
+    "import_works",
     "DataSet",
     "Document",
     "Hits",
     "CollaborationPath",
     "Neighbourhood",
     "PreprocessResult",
+    "ImportResult",
     "Error",
     "ArgumentError",
     "NotFoundError",
@@ -43,4 +47,5 @@ __all__ = [
     "ClosedError",
     "PreprocessError",
     "DumpSyntaxError",
+    "InputError",
 ]
