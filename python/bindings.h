@@ -18,6 +18,9 @@ void bind_arrays(py::class_<DataSetHandle>& c);
 // The whole set as Python objects for pandas, networkx and igraph
 // (table_binding.cc).
 void bind_tables(py::class_<DataSetHandle>& c);
+// The main path, the authors' impact and the citations per year
+// (fronts_binding.cc).
+void bind_fronts(py::class_<DataSetHandle>& c);
 // preprocess (preprocess_binding.cc).
 void bind_preprocess(py::module_& m);
 // import_works (import_binding.cc).

@@ -14,6 +14,7 @@ PYBIND11_MODULE(_refgrove, m) {
   bind_data_set(data_set);
   bind_arrays(data_set);
   bind_tables(data_set);
+  bind_fronts(data_set);
   bind_preprocess(m);
   bind_import(m);
 }

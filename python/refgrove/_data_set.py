@@ -159,6 +159,15 @@ class DataSet(_DataSet):
         a graph record."""
         return Hits(*self._similar(did, by, limit))
 
+    def authors_ranked(self, by: str = "h-index", limit: Optional[int] = 10) -> Hits:
+        """The best authors as (author id, value) pairs, best first, ties by
+        ascending id: by "h-index" (the largest h such that h of the graph
+        records listing the author have at least h citations each),
+        "citations" (the citations these received within the set) or
+        "documents" (the graph records listing the author). As refgrove
+        authors. Raises ArgumentError for any other ``by``."""
+        return Hits(*self._authors_ranked(by, limit))
+
     def collaboration_path(self, a: int, b: int) -> Optional[CollaborationPath]:
         """A shortest collaboration path between authors ``a`` and ``b``, or
         None when they are unconnected. Raises ArgumentError for an id
