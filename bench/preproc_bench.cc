@@ -79,7 +79,7 @@ Timing run_wc(const std::string& dir, bool c_locale) {
 }  // namespace
 
 int run_program(int argc, char** argv) {
-  DumpGeneratorOptions options;
+  DocumentGeneratorOptions options;
   options.docs = 200000;
   int runs = 3;
   bool keep = false;

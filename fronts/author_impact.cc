@@ -30,12 +30,6 @@ AuthorImpact impact_of(const CitationGraph& g, std::span<const std::int32_t> doc
   return a;
 }
 
-// Adds the citations of node v by year into `years`.
-void add_citations(const CitationGraph& g, std::int32_t v, std::map<std::int32_t, std::int64_t>& years) {
-  for (const std::int32_t u : g.citing(v))
-    if (g.year(u) >= 0) ++years[g.year(u)];
-}
-
 }  // namespace
 
 const char* to_text(AuthorRankBy by) {
@@ -104,20 +98,24 @@ std::vector<RankedAuthor> ranked_authors(const RefgroveData& d, AuthorRankBy by,
   return ranked;
 }
 
-Timeline document_citations_by_year(const RefgroveData& d, std::int32_t did) {
-  const CitationGraph& g = CitationGraph::of(d);
+Timeline citations_by_year(const CitationGraph& g, std::span<const std::int32_t> nodes) {
   std::map<std::int32_t, std::int64_t> years;
-  add_citations(g, g.require_node(did), years);
+  for (const std::int32_t v : nodes)
+    for (const std::int32_t u : g.citing(v))
+      if (g.year(u) >= 0) ++years[g.year(u)];
   return {years.begin(), years.end()};
 }
 
-Timeline author_citations_by_year(const RefgroveData& d, std::int32_t author) {
+Timeline document_citations_by_year(const RefgroveData& d, std::int32_t did) {
   const CitationGraph& g = CitationGraph::of(d);
+  const std::int32_t v = g.require_node(did);
+  return citations_by_year(g, std::span(&v, 1));
+}
+
+Timeline author_citations_by_year(const RefgroveData& d, std::int32_t author) {
   const CoauthorGraph& authors = CoauthorGraph::of(d);
   authors.require_author(author);
-  std::map<std::int32_t, std::int64_t> years;
-  for (const std::int32_t v : authors.documents(author)) add_citations(g, v, years);
-  return {years.begin(), years.end()};
+  return citations_by_year(CitationGraph::of(d), authors.documents(author));
 }
 
 }  // namespace refgrove

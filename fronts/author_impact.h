@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "core/data_set.h"
+#include "network/citation_graph.h"
 
 namespace refgrove {
 
@@ -56,6 +57,8 @@ std::vector<RankedAuthor> ranked_authors(const RefgroveData& d, AuthorRankBy by,
 // (year, citations) pairs by ascending year. Throw NetworkArgumentError for a
 // DID without a graph record or an unknown author.
 using Timeline = std::vector<std::pair<std::int32_t, std::int64_t>>;
+// The citations the nodes received, summed, by year of the citing node.
+Timeline citations_by_year(const CitationGraph& g, std::span<const std::int32_t> nodes);
 Timeline document_citations_by_year(const RefgroveData& d, std::int32_t did);
 Timeline author_citations_by_year(const RefgroveData& d, std::int32_t author);
 

@@ -1,27 +1,19 @@
-// Synthetic text dumps at any scale, for benchmarks and scale tests.
+// Synthetic text dumps at any scale (document_generator.h), for benchmarks
+// and scale tests.
 //
 // The four files of an input directory, under their fixed names: the graph
 // dump lists every document by ascending DID (with gaps) and ends with the
 // "xxxx" marker; the three word dumps share the documents' abstracts in
-// three consecutive DID ranges. On average a document has about 10
-// citations of earlier documents, 9 title words, 2.5 authors and 120 words
-// in its abstract (punctuation included), drawn from a Zipf-distributed
-// vocabulary; keys and years are sometimes missing ("-"), and a few words
-// are not ASCII. The output depends only on the document count and the
-// seed: the generator uses no library distribution, so it is the same on
-// every platform.
+// three consecutive DID ranges. Missing keys and years are written "-".
 #ifndef REFGROVE_GENERATE_DUMP_GENERATOR_H_
 #define REFGROVE_GENERATE_DUMP_GENERATOR_H_
 
 #include <cstdint>
 #include <string>
 
-namespace refgrove {
+#include "generate/document_generator.h"
 
-struct DumpGeneratorOptions {
-  std::int64_t docs = 1000;
-  std::uint64_t seed = 2002;
-};
+namespace refgrove {
 
 struct DumpGeneratorResult {
   std::int64_t bytes = 0;     // total size of the four files
@@ -31,7 +23,7 @@ struct DumpGeneratorResult {
 
 // Writes the four dumps into `dir` (a prefix: the file names are appended).
 // Returns false, with a message in `error`, when a file cannot be written.
-bool generate_dumps(const std::string& dir, const DumpGeneratorOptions& options, DumpGeneratorResult* result,
+bool generate_dumps(const std::string& dir, const DocumentGeneratorOptions& options, DumpGeneratorResult* result,
                     std::string* error);
 
 }  // namespace refgrove

@@ -7,10 +7,15 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <memory>
 
 #include "graph/graph_dump.h"
+#include "import/arxiv_reader.h"
+#include "import/csv_reader.h"
+#include "import/json_records.h"
 #include "import/openalex_reader.h"
 #include "import/outside_keys.h"
+#include "import/s2_reader.h"
 #include "preproc/manifest.h"
 #include "preproc/word_preproc.h"
 
@@ -40,16 +45,56 @@ class DumpDir {
   std::string path_;
 };
 
+// A reader of files that stand each on its own.
+template <void (*Read)(const std::string&, const FileContents&, const WorkSink&)>
+class FileByFile : public WorkReader {
+ public:
+  void read(const std::string& path, const FileContents& contents, const WorkSink& sink) override {
+    Read(path, contents, sink);
+  }
+};
+
+class CsvTables : public WorkReader {
+ public:
+  explicit CsvTables(const CsvColumns& columns) : columns_(columns) {}
+  void read(const std::string& path, const FileContents& contents, const WorkSink& sink) override {
+    read_csv(path, contents, columns_, sink);
+  }
+
+ private:
+  CsvColumns columns_;
+};
+
+// One format that refgrove imports; import_formats() lists their names.
 struct Format {
-  std::function<bool(const std::string&)> usable;  // a file met in a directory
-  std::size_t (*padding)();
-  void (*read)(const std::string&, const FileContents&, const WorkSink&);
+  const char* name;
+  bool (*usable)(const std::string&);  // a file met in a directory
+  std::size_t (*padding)();            // zero bytes wanted after a file's contents
+  std::unique_ptr<WorkReader> (*reader)(const ImportOptions&);
+};
+
+std::size_t no_padding() { return 0; }
+
+const Format kFormats[] = {
+    {"openalex", is_json_file, json_padding,
+     [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<FileByFile<read_openalex>>(); }},
+    {"s2", is_json_file, json_padding,
+     [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<FileByFile<read_s2>>(); }},
+    {"arxiv", is_arxiv_file, no_padding,
+     [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<ArxivReader>(); }},
+    {"csv", is_csv_file, no_padding,
+     [](const ImportOptions& options) -> std::unique_ptr<WorkReader> {
+       return std::make_unique<CsvTables>(options.columns);
+     }},
 };
 
 const Format& format_of(const std::string& name) {
-  static const Format openalex{is_openalex_file, openalex_padding, read_openalex};
-  if (name == "openalex") return openalex;
-  throw ImportError(name, 0, "", "not a format that refgrove imports (known: openalex)");
+  for (const Format& format : kFormats) {
+    if (name == format.name) return format;
+  }
+  std::string known;
+  for (const Format& format : kFormats) known += std::string(known.empty() ? "" : ", ") + format.name;
+  throw ImportError(name, 0, "", "not a format that refgrove imports (known: " + known + ")");
 }
 
 WorkSetCounts write_dumps(const WorkSet& set, const DumpDir& dumps, std::vector<std::string>* outside) {
@@ -66,7 +111,11 @@ WorkSetCounts write_dumps(const WorkSet& set, const DumpDir& dumps, std::vector<
 }  // namespace
 
 const std::vector<std::string>& import_formats() {
-  static const std::vector<std::string> names = {"openalex"};
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> all;
+    for (const Format& format : kFormats) all.emplace_back(format.name);
+    return all;
+  }();
   return names;
 }
 
@@ -77,21 +126,30 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   const std::vector<std::string> files = list_input_files(inputs, format.usable);
   if (files.empty()) throw ImportError(format_name, 0, "", "no input given");
   ImportSummary summary;
-  WorkSet set(options.years);
+  // Freed once written as dumps, before preprocessing takes its own memory.
+  auto set = std::make_unique<WorkSet>(options.years);
   WorkSink sink;
-  sink.work = [&set](ImportedWork w) { set.add(std::move(w)); };
+  sink.work = [&set](ImportedWork w) { set->add(std::move(w)); };
+  sink.abstract = [&set](std::string key, std::string abstract) {
+    set->add_abstract(std::move(key), std::move(abstract));
+  };
+  sink.citation = [&set](std::string citing, std::string cited) {
+    set->add_citation(std::move(citing), std::move(cited));
+  };
   sink.bad = [&](const ImportError& e) {
     if (!options.skip_bad) throw e;
     ++summary.refused;
     if (on_bad) on_bad(e);
   };
+  const std::unique_ptr<WorkReader> reader = format.reader(options);
   for (std::size_t i = 0; i < files.size(); ++i) {
     const FileContents contents = read_input_file(files[i], format.padding());
-    format.read(files[i], contents, sink);
-    if (options.progress) options.progress(i + 1, files.size(), set.read());
+    reader->read(files[i], contents, sink);
+    if (options.progress) options.progress(i + 1, files.size(), set->read());
   }
+  reader->finish(sink);
 
-  if (set.read() == 0) {
+  if (set->read() == 0) {  // citations alone make no data set
     throw ImportError(files.size() == 1 ? files.front() : inputs.front(), 0, "", "no works found in the input");
   }
   TargetPaths paths;
@@ -99,7 +157,8 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   if (!resolve_target(target, &paths, &error)) throw ImportError(target, 0, "", error);
   const DumpDir dumps(paths);
   std::vector<std::string> outside;
-  summary.works = write_dumps(set, dumps, &outside);
+  summary.works = write_dumps(*set, dumps, &outside);
+  set.reset();
 
   StagedRequest request{dumps.path(), target, {}, "refgrove import", {}};
   if (options.out) request.options.out = options.out;

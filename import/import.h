@@ -21,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "import/csv_reader.h"
 #include "import/imported_work.h"
 #include "import/input_files.h"
 #include "preproc/staged_preprocess.h"
@@ -32,6 +33,8 @@ struct ImportOptions {
   // Bad records are counted and skipped; otherwise the first one stops the
   // run with an ImportError, the target untouched.
   bool skip_bad = false;
+  // The headers of the user's tables that hold our columns (format csv).
+  CsvColumns columns;
   // Called after each input file with the files read so far, their count
   // and the works read so far.
   std::function<void(std::size_t files_read, std::size_t files, std::int64_t works)> progress;
@@ -47,7 +50,7 @@ struct ImportSummary {
   PreprocSummary data;
 };
 
-// The formats known: "openalex".
+// The formats known: "openalex", "s2", "arxiv", "csv".
 const std::vector<std::string>& import_formats();
 
 // Imports `inputs` (files or directories) of `format` into the data

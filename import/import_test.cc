@@ -34,11 +34,12 @@ void write_gzip(const std::string& path, const std::string& bytes) {
   gzclose(gz);
 }
 
-ImportSummary run(const std::vector<std::string>& inputs, const std::string& target, ImportOptions options = {}) {
+ImportSummary run(const std::vector<std::string>& inputs, const std::string& target, ImportOptions options = {},
+                  const std::string& format = "openalex") {
   std::ostream quiet(nullptr);
   options.out = options.err = &quiet;
   StagedRunHooks hooks;
-  return import_works("openalex", inputs, target, options, hooks);
+  return import_works(format, inputs, target, options, hooks);
 }
 
 class ImportTest : public ::testing::Test {
@@ -104,6 +105,28 @@ TEST_F(ImportTest, ReadsBackByKeyYearTitleAuthorsAndCitations) {
   EXPECT_EQ(cited, 2);  // a self-citation kept
   ASSERT_EQ(get_cite(*d, 1, 1, &cited, &gid), 1);
   EXPECT_EQ(cited, 3);  // W99, outside the set
+}
+
+TEST_F(ImportTest, KeysWithPunctuationKeepTheirAbstracts) {
+  write_file(in("works.csv"), "id,title,abstract\ndoi:10.1/x.y,T,\"Words, all of them\"\nhttps://a.b/c?d=1,U,more\n");
+  write_file(in("cites.csv"), "citing,cited\nhttps://a.b/c?d=1,doi:10.1/x.y\n");
+  run({in("works.csv"), in("cites.csv")}, in("out"), {}, "csv");
+  std::ostringstream log;
+  const std::shared_ptr<RefgroveData> d = load_data_set(in("out/"), log);
+  const char* text = nullptr;
+  ASSERT_EQ(get_key(*d, 2, &text), 1);
+  EXPECT_STREQ(text, "https://a.b/c?d=1");
+  std::string words;
+  int n = 0;
+  ASSERT_EQ(abstract_length(*d, 1, &n), 1);
+  for (int i = 0; i < n; ++i) {
+    ASSERT_EQ(get_abstract_word(*d, 1, i, &text), 1);
+    words += std::string(text) + " ";
+  }
+  EXPECT_EQ(words, "Words , all of them ");
+  int cited = 0, gid = 0;
+  ASSERT_EQ(get_cite(*d, 2, 0, &cited, &gid), 1);
+  EXPECT_EQ(cited, 1);
 }
 
 TEST_F(ImportTest, InputsAreFilesAndDirectoriesWalkedInNameOrder) {

@@ -1,12 +1,15 @@
 #include "import/imported_work.h"
 
+#include <algorithm>
 #include <string_view>
 
 namespace refgrove {
-namespace {
 
-// NUL too: a string of the input may hold one, the dumps cannot.
 bool is_dump_blank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0'; }
+
+bool has_dump_blank(std::string_view s) { return std::any_of(s.begin(), s.end(), is_dump_blank); }
+
+namespace {
 
 // The element words of the graph dump's line: in a title or a name they
 // would end it, so they are left out of both.
@@ -42,6 +45,19 @@ void WorkSet::add(ImportedWork work) {
   }
 }
 
+void WorkSet::add_citation(std::string citing, std::string cited) {
+  if (cited.empty()) {
+    ++cites_unknown_;
+    return;
+  }
+  cites_apart_[std::move(citing)].push_back(std::move(cited));
+  ++cites_apart_count_;
+}
+
+void WorkSet::add_abstract(std::string key, std::string abstract) {
+  abstracts_apart_[std::move(key)] = std::move(abstract);
+}
+
 WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
                                    std::vector<std::string>* outside_keys) const {
   WorkSetCounts counts;
@@ -53,20 +69,25 @@ WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
   for (const ImportedWork& w : works_) {
     if (kept(w)) did_of.emplace(w.key, ++counts.kept);
   }
-  std::int64_t did = 0;
+  std::int64_t did = 0, placed_apart = 0;
   std::vector<std::int64_t> cited;
+  const auto cite = [&](const std::string& key) {
+    auto [at, inserted] = did_of.try_emplace(key, counts.kept + counts.outside_works + 1);
+    if (inserted) {
+      ++counts.outside_works;
+      outside_keys->push_back(key);
+    }
+    ++(at->second <= counts.kept ? counts.citations_within : counts.citations_outside);
+    cited.push_back(at->second);
+  };
   for (const ImportedWork& w : works_) {
     if (!kept(w)) continue;
     ++did;
     cited.clear();
-    for (const std::string& key : w.cites) {
-      auto [at, inserted] = did_of.try_emplace(key, counts.kept + counts.outside_works + 1);
-      if (inserted) {
-        ++counts.outside_works;
-        outside_keys->push_back(key);
-      }
-      ++(at->second <= counts.kept ? counts.citations_within : counts.citations_outside);
-      cited.push_back(at->second);
+    for (const std::string& key : w.cites) cite(key);
+    if (const auto apart = cites_apart_.find(w.key); apart != cites_apart_.end()) {
+      for (const std::string& key : apart->second) cite(key);
+      placed_apart += static_cast<std::int64_t>(apart->second.size());
     }
     graph << did << ' ' << (w.key.empty() ? "-" : w.key) << ' ';
     if (w.year) {
@@ -93,12 +114,19 @@ WorkSetCounts WorkSet::write_dumps(std::ostream& graph, std::ostream& words,
       first = false;
     }
     graph << '\n';
-    if (!w.abstract.empty()) {
-      words << did << ' ' << (w.key.empty() ? "-" : w.key);
-      words << dump_tokens(w.abstract);
+    const auto apart = abstracts_apart_.find(w.key);
+    const std::string& abstract = w.abstract.empty() && apart != abstracts_apart_.end() ? apart->second : w.abstract;
+    if (!abstract.empty()) {
+      // The token after a word dump line's DID is skipped, but the word
+      // dumps' tokenizer would cut a key holding punctuation into several:
+      // "-" stands in for it.
+      words << did << " -";
+      words << dump_tokens(abstract);
       words << '\n';
     }
   }
+  counts.citations_unplaced = cites_apart_count_ - placed_apart;
+  counts.citations_unknown = cites_unknown_;
   return counts;
 }
 

@@ -9,6 +9,13 @@
 // after them, in the order they are first cited. A citation's group id is
 // the cited work's DID.
 //
+// Citations may also come apart from the works (tables of citing and cited
+// keys): they are added to the citing work's own, after them, in the order
+// read; those whose citing work is not in the set are left out and counted,
+// as are those whose cited work is not known (an empty key). An abstract
+// read apart is the work's when its record has none; the last one read
+// wins.
+//
 // The set is written as the text dumps that preprocessing reads
 // (graph/graph_dump.h): one graph line per work, one word-dump line per work
 // with an abstract. Preprocessing those dumps then makes the data directory,
@@ -22,15 +29,23 @@
 #define REFGROVE_IMPORT_IMPORTED_WORK_H_
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "graph/year_range.h"
+#include "import/input_files.h"
 
 namespace refgrove {
+
+// What separates words in the dumps: blank, tab, line ends, and NUL (a
+// string of the input may hold one, the dumps cannot). A key holds none.
+bool is_dump_blank(char c);
+bool has_dump_blank(std::string_view s);
 
 struct ImportedWork {
   std::string key;  // no blank, tab or line end
@@ -46,7 +61,29 @@ struct WorkSetCounts {
   std::int64_t kept = 0;      // works in the set
   std::int64_t replaced = 0;  // records replaced by a later one of the same key
   std::int64_t citations_within = 0, citations_outside = 0;
-  std::int64_t outside_works = 0;  // distinct works cited from outside the set
+  std::int64_t outside_works = 0;       // distinct works cited from outside the set
+  std::int64_t citations_unplaced = 0;  // read apart, by works not in the set
+  std::int64_t citations_unknown = 0;   // read apart, of works not known
+};
+
+// What a reader does with what it reads: each work, each citation and
+// abstract read apart from its work, and each record it cannot use (an ImportError naming
+// the file, the line and the field).
+struct WorkSink {
+  std::function<void(ImportedWork)> work;
+  std::function<void(std::string citing, std::string cited)> citation;
+  std::function<void(std::string key, std::string abstract)> abstract;
+  std::function<void(const ImportError&)> bad;
+};
+
+// A format's reader: the files of one import are read one after the
+// other, in order; finish() then hands over what the reader held back
+// until it had seen them all (citations whose keys depend on other files).
+class WorkReader {
+ public:
+  virtual ~WorkReader() = default;
+  virtual void read(const std::string& path, const FileContents& contents, const WorkSink& sink) = 0;
+  virtual void finish(const WorkSink&) {}
 };
 
 class WorkSet {
@@ -56,6 +93,8 @@ class WorkSet {
   explicit WorkSet(std::optional<YearRange> years = std::nullopt) : years_(years) {}
 
   void add(ImportedWork work);
+  void add_citation(std::string citing, std::string cited);
+  void add_abstract(std::string key, std::string abstract);
 
   // Writes the graph dump and the first word dump (the other two stay
   // empty) and returns the counts. `outside_keys` gets the keys of the
@@ -68,6 +107,10 @@ class WorkSet {
   std::optional<YearRange> years_;
   std::vector<ImportedWork> works_;                      // first-read order
   std::unordered_map<std::string, std::size_t> by_key_;  // index in works_
+  // Citations read apart, by citing key, and the order their keys came in.
+  std::unordered_map<std::string, std::vector<std::string>> cites_apart_;
+  std::unordered_map<std::string, std::string> abstracts_apart_;
+  std::int64_t cites_apart_count_ = 0, cites_unknown_ = 0;
   std::int64_t read_ = 0, replaced_ = 0;
 };
 

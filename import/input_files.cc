@@ -58,6 +58,22 @@ void read_plain(const std::string& path, FileContents* contents) {
   contents->size = contents->bytes.size();
 }
 
+// The size that a gzip file's trailer gives (its last member's size modulo
+// 2^32: exact for the usual file of one member under 4 GiB), a first guess
+// of the room its contents need.
+std::size_t gzip_size_hint(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  unsigned char trailer[4] = {};
+  if (!in.seekg(-4, std::ios::end) || !in.read(reinterpret_cast<char*>(trailer), 4)) return 0;
+  return trailer[0] | trailer[1] << 8 | trailer[2] << 16 | static_cast<std::size_t>(trailer[3]) << 24;
+}
+
+// Sets the size of `bytes` to `size`, keeping its first bytes and leaving
+// the others unwritten: room that gzread fills at once.
+void grow(std::string& bytes, std::size_t size) {
+  bytes.resize_and_overwrite(size, [](char*, std::size_t n) { return n; });
+}
+
 // zlib's gz* functions: concatenated members, as parallel compressors make
 // them, are read one after the other.
 void read_gzip(const std::string& path, FileContents* contents) {
@@ -65,9 +81,11 @@ void read_gzip(const std::string& path, FileContents* contents) {
   if (!gz) throw ImportError(path, 0, "", std::strerror(errno));
   gzbuffer(gz.get(), 1 << 18);
   std::string& bytes = contents->bytes;
+  // One more byte than the hint, so that the end is found without growing.
+  grow(bytes, std::max<std::size_t>(gzip_size_hint(path) + 1, 1 << 22));
   std::size_t size = 0;
   for (;;) {
-    if (bytes.size() - size < (1 << 20)) bytes.resize(std::max<std::size_t>(bytes.size() * 2, 1 << 22));
+    if (size == bytes.size()) grow(bytes, bytes.size() + bytes.size() / 2);
     const int n = gzread(gz.get(), bytes.data() + size,
                          static_cast<unsigned>(std::min<std::size_t>(bytes.size() - size, 1u << 30)));
     if (n < 0) {

@@ -1,12 +1,10 @@
 #include "import/openalex_reader.h"
 
-#include <simdjson.h>
-
 #include <algorithm>
-#include <cstring>
-#include <limits>
 #include <string_view>
 #include <utility>
+
+#include "import/json_records.h"
 
 namespace refgrove {
 namespace {
@@ -14,32 +12,9 @@ namespace {
 using simdjson::dom::element;
 using simdjson::dom::element_type;
 
-// A record that cannot be used, with the field at fault.
-struct BadField {
-  std::string field, message;
-};
-
 std::string_view short_id(std::string_view id) {
   const std::size_t slash = id.rfind('/');
   return slash == std::string_view::npos ? id : id.substr(slash + 1);
-}
-
-bool has_blank(std::string_view s) {
-  return std::any_of(s.begin(), s.end(),
-                     [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == '\0'; });
-}
-
-// The field `name` of `object`; false when missing or null.
-bool field(const element& object, const char* name, element* value) {
-  return object[name].get(*value) == simdjson::SUCCESS && !value->is_null();
-}
-
-std::string text_field(const element& work, const char* name) {
-  element value;
-  if (!field(work, name, &value)) return {};
-  std::string_view s;
-  if (value.get(s) != simdjson::SUCCESS) throw BadField{name, "not a string"};
-  return std::string(s);
 }
 
 std::string key_of(const element& value, const char* name) {
@@ -47,13 +22,13 @@ std::string key_of(const element& value, const char* name) {
   if (value.get(s) != simdjson::SUCCESS) throw BadField{name, "not a string"};
   const std::string_view key = short_id(s);
   if (key.empty()) throw BadField{name, "empty id"};
-  if (has_blank(key)) throw BadField{name, "an id with a blank"};
+  if (has_dump_blank(key)) throw BadField{name, "an id with a blank"};
   return std::string(key);
 }
 
 std::string abstract_of(const element& work) {
   element index;
-  if (!field(work, "abstract_inverted_index", &index)) return {};
+  if (!json_field(work, "abstract_inverted_index", &index)) return {};
   simdjson::dom::object words;
   if (index.get(words) != simdjson::SUCCESS) throw BadField{"abstract_inverted_index", "not an object"};
   std::vector<std::pair<std::int64_t, std::string_view>> placed;
@@ -81,25 +56,18 @@ ImportedWork work_of(const element& work) {
   if (!work.is_object()) throw BadField{"", "not a JSON object"};
   ImportedWork w;
   element value;
-  if (!field(work, "id", &value)) throw BadField{"id", "missing"};
+  if (!json_field(work, "id", &value)) throw BadField{"id", "missing"};
   w.key = key_of(value, "id");
-  if (field(work, "publication_year", &value)) {
-    std::int64_t year;
-    if (value.get(year) != simdjson::SUCCESS || year < std::numeric_limits<std::int32_t>::min() ||
-        year > std::numeric_limits<std::int32_t>::max()) {
-      throw BadField{"publication_year", "not a year"};
-    }
-    w.year = static_cast<std::int32_t>(year);
-  }
-  w.title = text_field(work, "title");
-  if (!field(work, "title", &value)) w.title = text_field(work, "display_name");
-  if (field(work, "authorships", &value)) {
+  w.year = json_year(work, "publication_year");
+  w.title = json_text(work, "title");
+  if (!json_field(work, "title", &value)) w.title = json_text(work, "display_name");
+  if (json_field(work, "authorships", &value)) {
     simdjson::dom::array authorships;
     if (value.get(authorships) != simdjson::SUCCESS) throw BadField{"authorships", "not a list"};
     for (element a : authorships) {
       element author, name;
-      if (!a.is_object() || !field(a, "author", &author) || !author.is_object() ||
-          !field(author, "display_name", &name)) {
+      if (!a.is_object() || !json_field(a, "author", &author) || !author.is_object() ||
+          !json_field(author, "display_name", &name)) {
         continue;  // an authorship without a name names no one
       }
       std::string_view s;
@@ -108,7 +76,7 @@ ImportedWork work_of(const element& work) {
     }
   }
   w.abstract = abstract_of(work);
-  if (field(work, "referenced_works", &value)) {
+  if (json_field(work, "referenced_works", &value)) {
     simdjson::dom::array refs;
     if (value.get(refs) != simdjson::SUCCESS) throw BadField{"referenced_works", "not a list"};
     for (element r : refs) w.cites.push_back(key_of(r, "referenced_works"));
@@ -120,7 +88,7 @@ ImportedWork work_of(const element& work) {
 void read_line(const element& doc, const std::string& path, std::int64_t line, const WorkSink& sink) {
   element results_field;
   simdjson::dom::array results;
-  const bool page = doc.is_object() && field(doc, "results", &results_field) &&
+  const bool page = doc.is_object() && json_field(doc, "results", &results_field) &&
                     results_field.get(results) == simdjson::SUCCESS && doc["id"].error() == simdjson::NO_SUCH_FIELD;
   if (!page) {
     try {
@@ -144,38 +112,9 @@ void read_line(const element& doc, const std::string& path, std::int64_t line, c
 
 }  // namespace
 
-std::size_t openalex_padding() { return simdjson::SIMDJSON_PADDING; }
-
-bool is_openalex_file(const std::string& name) {
-  for (const char* end : {".gz", ".json", ".jsonl", ".ndjson"}) {
-    const std::size_t n = std::strlen(end);
-    if (name.size() > n && name.compare(name.size() - n, n, end) == 0) return true;
-  }
-  return false;
-}
-
 void read_openalex(const std::string& path, const FileContents& contents, const WorkSink& sink) {
-  simdjson::dom::parser parser;
-  const char* data = contents.bytes.data();
-  std::int64_t line = 0;
-  for (std::size_t at = 0; at < contents.size;) {
-    const char* end = static_cast<const char*>(std::memchr(data + at, '\n', contents.size - at));
-    const std::size_t stop = end ? static_cast<std::size_t>(end - data) : contents.size;
-    ++line;
-    std::size_t from = at, to = stop;
-    while (from < to && (data[from] == ' ' || data[from] == '\t' || data[from] == '\r')) ++from;
-    while (to > from && (data[to - 1] == ' ' || data[to - 1] == '\t' || data[to - 1] == '\r')) --to;
-    at = stop + 1;
-    if (from == to) continue;
-    element doc;
-    // The bytes after the line (the rest of the file, then the padding)
-    // stand in for simdjson's padding.
-    if (const auto error = parser.parse(data + from, to - from, false).get(doc); error != simdjson::SUCCESS) {
-      sink.bad(ImportError(path, line, "", std::string("not JSON (") + simdjson::error_message(error) + ")"));
-      continue;
-    }
-    read_line(doc, path, line, sink);
-  }
+  for_each_json_line(path, contents, sink.bad,
+                     [&](const element& doc, std::int64_t line) { read_line(doc, path, line, sink); });
 }
 
 }  // namespace refgrove

@@ -12,7 +12,6 @@
 #ifndef REFGROVE_IMPORT_OPENALEX_READER_H_
 #define REFGROVE_IMPORT_OPENALEX_READER_H_
 
-#include <functional>
 #include <string>
 
 #include "import/imported_work.h"
@@ -20,23 +19,12 @@
 
 namespace refgrove {
 
-// What a reader does with what it reads: each work, and each record it
-// cannot use (an ImportError naming the file, the line and the field).
-struct WorkSink {
-  std::function<void(ImportedWork)> work;
-  std::function<void(const ImportError&)> bad;
-};
-
 // Reads the works of `contents` (from read_input_file(), padded), the file
 // `path`, into `sink`.
 void read_openalex(const std::string& path, const FileContents& contents, const WorkSink& sink);
 
-// The padding read_openalex needs after the contents.
-std::size_t openalex_padding();
-
-// Whether a file met in a directory is an OpenAlex file: .gz, .json,
-// .jsonl, .ndjson.
-bool is_openalex_file(const std::string& name);
+// The contents must be followed by json_padding() bytes (json_records.h);
+// the files met in a directory are those of is_json_file().
 
 }  // namespace refgrove
 

@@ -7,8 +7,7 @@
 #include "core/predicate_table.h"
 #include "module/host_machine.h"
 
-namespace refgrove {
-
+// The host's C entry points: global, as the host finds them by name.
 #define REFGROVE_PREDICATE extern "C" __attribute__((visibility("default"))) int
 
 // Called once by the host when it loads the module.
@@ -20,7 +19,5 @@ extern "C" __attribute__((visibility("default"))) void init_refgrove(void);
 #define REFGROVE_DECLARE_PREDICATE(name, arity) REFGROVE_PREDICATE name(LumoxMachine* m);
 REFGROVE_HOST_PREDICATES(REFGROVE_DECLARE_PREDICATE)
 #undef REFGROVE_DECLARE_PREDICATE
-
-}  // namespace refgrove
 
 #endif  // REFGROVE_MODULE_PREDICATES_H_

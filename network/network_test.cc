@@ -76,7 +76,9 @@ std::vector<GraphCase> graph_cases() {
        {doc(1, {99, 7, -3, 2}, {"A"}), doc(2, {7}, {"B"}), words_only(7), doc(5, {2, 1}, {})}},
       {"shadowed record, authors on no record, unconnected authors",
        {doc(5, {6}, {"Ghost"}), doc(5, {}, {"X", "Y"}), doc(6, {5}, {"Z"}), doc(8, {6, 5}, {"Y", "W"})}},
-      {"star", {doc(0, {}, {"H"}), doc(1, {0}, {"H"}), doc(2, {0, 1}, {"P"}), doc(3, {0, 1}, {"Q"}), doc(4, {0, 2, 3}, {"P", "Q"})}},
+      {"star",
+       {doc(0, {}, {"H"}), doc(1, {0}, {"H"}), doc(2, {0, 1}, {"P"}), doc(3, {0, 1}, {"Q"}),
+        doc(4, {0, 2, 3}, {"P", "Q"})}},
       {"random", random_documents()},
   };
 }
@@ -84,8 +86,8 @@ std::vector<GraphCase> graph_cases() {
 // The two graphs as the forward queries describe them, with all-pairs
 // distances by Floyd-Warshall.
 struct Model {
-  std::vector<int> dids;                   // nodes, ascending
-  std::set<std::pair<int, int>> edges;     // (citing, cited) DIDs
+  std::vector<int> dids;                // nodes, ascending
+  std::set<std::pair<int, int>> edges;  // (citing, cited) DIDs
   std::map<int, int> year;
   int authors = 0;
   std::map<int, std::set<int>> doc_authors;  // DID -> author ids
@@ -217,8 +219,7 @@ TEST_P(NetworkTest, CitationCountsAndRankings) {
         if (m.year.at(did) >= years.from && m.year.at(did) <= years.to)
           expected.push_back({did, by == RankBy::citations ? m.citations_of(did) : expected_rank.at(did)});
       // Scores that differ only by rounding count as equal, as ties.
-      std::stable_sort(expected.begin(), expected.end(),
-                       [](auto a, auto b) { return a.score > b.score + 1e-12; });
+      std::stable_sort(expected.begin(), expected.end(), [](auto a, auto b) { return a.score > b.score + 1e-12; });
       for (const std::int64_t k : {std::int64_t{0}, std::int64_t{3}, std::int64_t{1000000000}}) {
         const std::vector<RankedDocument> got = ranked(d(), by, k, years);
         ASSERT_EQ(got.size(), std::min<std::size_t>(expected.size(), static_cast<std::size_t>(k)))
@@ -346,8 +347,7 @@ TEST_P(NetworkTest, Neighbourhoods) {
       }
     }
   }
-  for (const int did : unknown_dids())
-    EXPECT_THROW(neighbourhood(d(), did, {}), NetworkArgumentError) << did;
+  for (const int did : unknown_dids()) EXPECT_THROW(neighbourhood(d(), did, {}), NetworkArgumentError) << did;
   if (!m.dids.empty()) {
     EXPECT_THROW(neighbourhood(d(), m.dids[0], {-1, Direction::both, 5}), NetworkArgumentError);
     EXPECT_THROW(neighbourhood(d(), m.dids[0], {1, Direction::both, -1}), NetworkArgumentError);
@@ -356,29 +356,45 @@ TEST_P(NetworkTest, Neighbourhoods) {
 
 TEST_P(NetworkTest, SimilarPapers) {
   const Model& m = *model_;
+  // The size of a document's list of citing (co-citation) or cited
+  // (coupling) documents.
+  const auto listed = [&](SimilarBy by, int x) {
+    int n = 0;
+    for (const int z : m.dids) n += by == SimilarBy::cocitation ? m.edges.count({z, x}) : m.edges.count({x, z});
+    return static_cast<double>(n);
+  };
   for (const int x : m.dids) {
-    for (const SimilarBy by : {SimilarBy::cocitation, SimilarBy::coupling}) {
-      std::vector<SimilarDocument> expected;
-      for (const int y : m.dids) {
-        if (y == x) continue;
-        int shared = 0;
-        for (const int z : m.dids)
-          shared += by == SimilarBy::cocitation ? m.edges.count({z, x}) && m.edges.count({z, y})
-                                                : m.edges.count({x, z}) && m.edges.count({y, z});
-        if (shared > 0) expected.push_back({y, shared});
-      }
-      std::stable_sort(expected.begin(), expected.end(), [](auto a, auto b) { return a.count > b.count; });
-      for (const std::int64_t k : {std::int64_t{0}, std::int64_t{2}, std::int64_t{1000000000}}) {
-        const std::vector<SimilarDocument> got = similar(d(), x, by, k);
-        const std::size_t n = std::min<std::size_t>(expected.size(), static_cast<std::size_t>(k));
-        ASSERT_EQ(got.size(), n) << x << " " << to_text(by) << " k " << k;
-        for (std::size_t i = 0; i < n; ++i) {
-          EXPECT_EQ(got[i].did, expected[i].did) << x << " " << to_text(by) << " " << i;
-          EXPECT_EQ(got[i].count, expected[i].count) << x << " " << to_text(by) << " " << i;
+    for (const SimilarBy by : {SimilarBy::cocitation, SimilarBy::coupling})
+      for (const SimilarMeasure measure : {SimilarMeasure::count, SimilarMeasure::cosine, SimilarMeasure::jaccard}) {
+        const std::string what = std::to_string(x) + " " + to_text(by) + " " + to_text(measure);
+        std::vector<SimilarDocument> expected;
+        for (const int y : m.dids) {
+          if (y == x) continue;
+          int shared = 0;
+          for (const int z : m.dids)
+            shared += by == SimilarBy::cocitation ? m.edges.count({z, x}) && m.edges.count({z, y})
+                                                  : m.edges.count({x, z}) && m.edges.count({y, z});
+          const double a = listed(by, x), b = listed(by, y);
+          const double score = measure == SimilarMeasure::count    ? shared
+                               : measure == SimilarMeasure::cosine ? shared / std::sqrt(a * b)
+                                                                   : shared / (a + b - shared);
+          if (shared > 0) expected.push_back({y, shared, score});
+        }
+        std::stable_sort(expected.begin(), expected.end(), [](auto a, auto b) { return a.score > b.score; });
+        for (const std::int64_t k : {std::int64_t{0}, std::int64_t{2}, std::int64_t{1000000000}}) {
+          const std::vector<SimilarDocument> got = similar(d(), x, by, k, measure);
+          const std::size_t n = std::min<std::size_t>(expected.size(), static_cast<std::size_t>(k));
+          ASSERT_EQ(got.size(), n) << what << " k " << k;
+          for (std::size_t i = 0; i < n; ++i) {
+            EXPECT_EQ(got[i].did, expected[i].did) << what << " " << i;
+            EXPECT_EQ(got[i].count, expected[i].count) << what << " " << i;
+            EXPECT_DOUBLE_EQ(got[i].score, expected[i].score) << what << " " << i;
+          }
         }
       }
-    }
   }
+  EXPECT_THROW(similar_measure_from_text("dice"), NetworkArgumentError);
+  for (const char* text : {"count", "cosine", "jaccard"}) EXPECT_STREQ(to_text(similar_measure_from_text(text)), text);
   for (const int did : unknown_dids()) EXPECT_THROW(similar(d(), did, SimilarBy::coupling, 5), NetworkArgumentError);
 }
 
@@ -413,12 +429,18 @@ void expect_components(const Components& c, const std::vector<int>& members, Con
 TEST_P(NetworkTest, Components) {
   const Model& m = *model_;
   expect_components(
-      citation_components(d()), m.dids, [&](int a, int b) { return m.both_distance.at({a, b}) != kNone; },
+      citation_components(d()), m.dids,
+      [&](int a, int b) {
+        return m.both_distance.at({a, b}) != kNone;
+      },
       [&](int did) { return document_component(d(), did); }, "citation");
   std::vector<int> authors;
   for (int a = 0; a < m.authors; ++a) authors.push_back(a);
   expect_components(
-      coauthor_components(d()), authors, [&](int a, int b) { return m.author_distance.at({a, b}) != kNone; },
+      coauthor_components(d()), authors,
+      [&](int a, int b) {
+        return m.author_distance.at({a, b}) != kNone;
+      },
       [&](int a) { return author_component(d(), a); }, "co-author");
   for (const int did : unknown_dids()) EXPECT_THROW(document_component(d(), did), NetworkArgumentError);
   EXPECT_THROW(author_component(d(), m.authors), NetworkArgumentError);

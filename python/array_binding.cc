@@ -29,9 +29,8 @@ struct GraphOfSet {
 
 GraphOfSet graph_of(const DataSetHandle& self) {
   DataSetPtr d = self.get();
-  const py::gil_scoped_release release;
-  const CitationGraph& g = CitationGraph::of(*d);
-  return {std::move(d), &g};
+  const CitationGraph* g = without_gil(*d, [](const RefgroveData& set) { return &CitationGraph::of(set); });
+  return {std::move(d), g};
 }
 
 py::array node_view(const GraphOfSet& s, std::span<const std::int32_t> items) {
@@ -41,18 +40,11 @@ py::array node_view(const GraphOfSet& s, std::span<const std::int32_t> items) {
 py::array pagerank(const DataSetHandle& self, double damping) {
   const GraphOfSet s = graph_of(self);
   if (damping == kPageRankDamping) {
-    const std::vector<double>* scores = nullptr;
-    {
-      const py::gil_scoped_release release;
-      scores = &pagerank_scores(*s.d);
-    }
+    const std::vector<double>* scores = without_gil(*s.d, [](const RefgroveData& d) { return &pagerank_scores(d); });
     return view_of(s.d, scores->data(), {static_cast<py::ssize_t>(scores->size())});
   }
-  std::vector<double> scores;
-  {
-    const py::gil_scoped_release release;
-    scores = compute_pagerank(*s.g, damping).scores;
-  }
+  std::vector<double> scores =
+      without_gil(*s.d, [&](const RefgroveData&) { return compute_pagerank(*s.g, damping).scores; });
   const auto n = static_cast<py::ssize_t>(scores.size());
   return owning<double>(std::move(scores), {n});
 }
@@ -67,22 +59,14 @@ py::array citation_counts(const DataSetHandle& self) {
 
 py::array citation_edge_view(const DataSetHandle& self) {
   const DataSetPtr d = self.get();
-  const std::vector<CitationEdge>* edges = nullptr;
-  {
-    const py::gil_scoped_release release;
-    edges = &citation_edges(*d);
-  }
+  const std::vector<CitationEdge>* edges =
+      without_gil(*d, [](const RefgroveData& set) { return &citation_edges(set); });
   static_assert(sizeof(CitationEdge) == 2 * sizeof(std::int32_t), "an edge is two int32 side by side");
   return view_of(d, reinterpret_cast<const std::int32_t*>(edges->data()), {static_cast<py::ssize_t>(edges->size()), 2});
 }
 
 py::array coauthor_edges(const DataSetHandle& self) {
-  const DataSetPtr d = self.get();
-  std::vector<CoauthorLink> links;
-  {
-    const py::gil_scoped_release release;
-    links = coauthor_links(*d);
-  }
+  std::vector<CoauthorLink> links = without_gil(self, [](const RefgroveData& d) { return coauthor_links(d); });
   static_assert(sizeof(CoauthorLink) == 2 * sizeof(std::int32_t), "a link is two int32 side by side");
   const auto n = static_cast<py::ssize_t>(links.size());
   return owning<std::int32_t>(std::move(links), {n, 2});
@@ -94,11 +78,9 @@ py::array components(const DataSetHandle& self, py::handle graph_arg) {
     throw FaceError(FaceError::Kind::argument, "unknown graph \"" + graph + "\" (citation or coauthor)");
   }
   const DataSetPtr d = self.get();
-  const Components* c = nullptr;
-  {
-    const py::gil_scoped_release release;
-    c = graph == "citation" ? &citation_components(*d) : &coauthor_components(*d);
-  }
+  const Components* c = without_gil(*d, [&](const RefgroveData& set) {
+    return graph == "citation" ? &citation_components(set) : &coauthor_components(set);
+  });
   return view_of(d, c->component_of.data(), {static_cast<py::ssize_t>(c->component_of.size())});
 }
 

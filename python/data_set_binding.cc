@@ -28,29 +28,12 @@
 namespace refgrove::python {
 namespace {
 
-// Runs `work` on the set of `self` with the GIL released.
-template <class Work>
-auto without_gil(const DataSetHandle& self, Work work) {
-  const DataSetPtr d = self.get();
-  const py::gil_scoped_release release;
-  return work(*d);
-}
-
-// A list cut by a limit asked for one item more: the first `limit` items as
-// Python objects, and whether there were more.
-template <class Item, class ToPython>
-py::tuple cut(const std::vector<Item>& items, std::int64_t limit, ToPython to_python) {
-  const auto n = static_cast<std::size_t>(std::min<std::int64_t>(limit, static_cast<std::int64_t>(items.size())));
-  py::list list(n);
-  for (std::size_t i = 0; i < n; ++i) list[i] = to_python(items[i]);
-  return py::make_tuple(list, items.size() > n);
-}
-
 py::object optional_int(const std::optional<std::int32_t>& value) {
   return value ? py::object(py::int_(*value)) : py::object(py::none());
 }
 
-py::list int_list(const std::vector<std::int32_t>& items) {
+template <class Int>
+py::list int_list(const std::vector<Int>& items) {
   py::list list(items.size());
   for (std::size_t i = 0; i < items.size(); ++i) list[i] = py::int_(items[i]);
   return list;
@@ -75,9 +58,9 @@ py::dict document(const DataSetHandle& self, py::handle did_arg) {
   py::list authors;
   for (const std::string& name : doc->authors) authors.append(utf8(name));
   fields["authors"] = authors;
-  fields["author_ids"] = int_list(std::vector<std::int32_t>(doc->author_ids.begin(), doc->author_ids.end()));
+  fields["author_ids"] = int_list(doc->author_ids);
   fields["abstract"] = utf8(doc->abstract);
-  fields["cites"] = int_list(std::vector<std::int32_t>(doc->citations.begin(), doc->citations.end()));
+  fields["cites"] = int_list(doc->citations);
   fields["cited_by"] = int_list(cited_by);
   return fields;
 }

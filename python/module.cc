@@ -13,8 +13,8 @@ PYBIND11_MODULE(_refgrove, m) {
   py::class_<DataSetHandle> data_set(m, "_DataSet", "A loaded data directory.");
   bind_data_set(data_set);
   bind_arrays(data_set);
-  bind_tables(data_set);
   bind_fronts(data_set);
+  bind_tables(data_set);
   bind_preprocess(m);
   bind_import(m);
 }

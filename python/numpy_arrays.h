@@ -16,16 +16,13 @@ namespace refgrove::python {
 
 namespace py = pybind11;
 
-// An array of `shape` over `items`, memory of the data set `owner`; side by
-// side unless `strides` (in bytes) say otherwise, as for one field of an
-// array of structs. The array holds its own reference to the set: closing
-// or dropping the DataSet leaves it valid, and the set is freed with the
-// last such array.
+// An array of `shape` over `items`, memory of the data set `owner`. The
+// array holds its own reference to the set: closing or dropping the
+// DataSet leaves it valid, and the set is freed with the last such array.
 template <class T>
-py::array view_of(const DataSetPtr& owner, const T* items, std::vector<py::ssize_t> shape,
-                  std::vector<py::ssize_t> strides = {}) {
+py::array view_of(const DataSetPtr& owner, const T* items, std::vector<py::ssize_t> shape) {
   const py::capsule keep(new DataSetPtr(owner), [](void* held) { delete static_cast<DataSetPtr*>(held); });
-  py::array array(py::dtype::of<T>(), std::move(shape), std::move(strides), items, keep);
+  py::array array(py::dtype::of<T>(), std::move(shape), items, keep);
   py::detail::array_proxy(array.ptr())->flags &= ~py::detail::npy_api::NPY_ARRAY_WRITEABLE_;
   return array;
 }

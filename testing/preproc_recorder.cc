@@ -15,9 +15,9 @@ std::vector<std::pair<std::string, std::string>>& preproc_calls() {
   return calls;
 }
 
+}  // namespace refgrove
+
 void refgrove_preproc_1(const char* a, const char* b) {
   refgrove::preproc_calls().emplace_back(a, b);
   if (std::string(a) == "throw/") throw std::runtime_error("preprocessing failed");
 }
-
-}  // namespace refgrove

@@ -1,12 +1,14 @@
-// The subcommands over the network's structure in time: `main-path`,
-// `authors` and `timeline`.
+// The subcommands over the network's structure in time: `clusters`,
+// `main-path`, `authors` and `timeline`.
 #include <CLI/CLI.hpp>
 
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
 #include "fronts/author_impact.h"
+#include "fronts/clusters.h"
 #include "fronts/main_path.h"
 #include "tools/commands.h"
 #include "tools/network_command.h"
@@ -15,6 +17,130 @@
 namespace refgrove {
 namespace {
 
+// The options of a clustering as given on the command line.
+struct ClusterArgs {
+  std::string graph = "citation";
+  std::string quality = "modularity";
+  double resolution = 1.0;
+  std::int64_t seed = 1;
+  std::int32_t min_citations = 1;
+  std::int32_t min_weight = 1;
+  std::int32_t iterations = 0;
+
+  void add_to(CLI::App* cmd) {
+    cmd->add_option("--graph", graph, "the graph clustered")
+        ->check(CLI::IsMember({"citation", "cocitation", "coupling", "coauthor"}))
+        ->capture_default_str();
+    cmd->add_option("--quality", quality, "what the clusters optimise")
+        ->check(CLI::IsMember({"modularity", "cpm"}))
+        ->capture_default_str();
+    cmd->add_option("--resolution", resolution, "larger for more, smaller clusters")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    cmd->add_option("--seed", seed, "the same seed gives the same clusters")
+        ->transform(decimal(0, INT64_MAX))
+        ->capture_default_str();
+    cmd->add_option("--min-citations", min_citations, "cocitation, coupling: the citations a document needs")
+        ->transform(decimal(0, 1000000000))
+        ->capture_default_str();
+    cmd->add_option("--min-weight", min_weight, "cocitation, coupling: the weight a link needs")
+        ->transform(decimal(1, 1000000000))
+        ->capture_default_str();
+    cmd->add_option("--iterations", iterations, "how many iterations; 0: until one moves nothing")
+        ->transform(decimal(0, 1000000))
+        ->capture_default_str();
+  }
+  std::shared_ptr<const Clustering> clustering(const RefgroveData& d) const {
+    ClusterOptions o;
+    o.graph = cluster_graph_from_text(graph);
+    o.quality = cluster_quality_from_text(quality);
+    o.resolution = resolution;
+    o.seed = static_cast<std::uint64_t>(seed);
+    o.min_citations = min_citations;
+    o.min_weight = min_weight;
+    o.iterations = iterations;
+    return Clustering::of(d, o);
+  }
+};
+
+struct ClustersArgs {
+  DataDirArgs dir;
+  ClusterArgs cluster;
+  std::string format = "tsv";
+  bool members = false;
+};
+
+const char kClustersHelp[] =
+    "Finds the clusters of a graph of DIR by the Leiden algorithm and prints a\n"
+    "line per cluster, largest first: id, size and label (its most\n"
+    "characteristic title words), tab-separated. With --members, a line per\n"
+    "document (DID) or, for the co-author graph, per author id instead:\n"
+    "ID<TAB>CLUSTER. --format json gives the modularity and, per cluster, its\n"
+    "size, documents, modularity share, years, most cited documents and label\n"
+    "(or the members). The iterations repeat until one moves nothing (at most\n"
+    "1000), or --iterations times.\n"
+    "Graphs: citation (citations taken both ways), cocitation and coupling\n"
+    "(documents with --min-citations, links of --min-weight shared citations),\n"
+    "coauthor (authors linked by their shared documents).\n"
+    "Exit status: 0 ok, 1 bad data directory, 2 usage error.";
+
+nlohmann::ordered_json cluster_json(std::int32_t id, const Cluster& c) {
+  const auto year = [](std::int32_t y) { return y < 0 ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(y); };
+  return {{"id", id},
+          {"size", c.size},
+          {"documents", c.documents},
+          {"modularity", c.modularity},
+          {"first_year", year(c.first_year)},
+          {"last_year", year(c.last_year)},
+          {"top", c.top},
+          {"label", c.label}};
+}
+
+// The clustering as one JSON object: its options and figures, then its
+// clusters or, with `members`, each member's cluster.
+nlohmann::ordered_json clustering_json(const Clustering& c, bool members) {
+  nlohmann::ordered_json j = {{"graph", to_text(c.options().graph)},  {"quality", to_text(c.options().quality)},
+                              {"resolution", c.options().resolution}, {"seed", c.options().seed},
+                              {"modularity", c.modularity()},         {"quality_value", c.quality()},
+                              {"iterations", c.iterations()},         {"stable", c.stable()},
+                              {"total", c.clusters().size()}};
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  if (members) {
+    const char* member = c.options().graph == ClusterGraphKind::coauthor ? "author" : "did";
+    for (std::size_t i = 0; i < c.members().size(); ++i)
+      list.push_back({{member, c.members()[i]}, {"cluster", c.cluster_of_members()[i]}});
+    j["members"] = std::move(list);
+  } else {
+    for (std::size_t i = 0; i < c.clusters().size(); ++i)
+      list.push_back(cluster_json(static_cast<std::int32_t>(i), c.clusters()[i]));
+    j["clusters"] = std::move(list);
+  }
+  return j;
+}
+
+int run_clusters(const ClustersArgs& args, CommandContext& ctx) {
+  return run_on("clusters", args.dir, ctx, [&](const RefgroveData& d) {
+    const std::shared_ptr<const Clustering> c = args.cluster.clustering(d);
+    if (args.cluster.iterations == 0 && !c->stable())
+      ctx.err << "refgrove clusters: still moving nodes after " << c->iterations()
+              << " iterations, where the search stops; these are the clusters it reached\n";
+    if (args.format == "json") {
+      ctx.out << clustering_json(*c, args.members).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
+              << "\n";
+    } else if (args.members) {
+      for (std::size_t i = 0; i < c->members().size(); ++i)
+        ctx.out << c->members()[i] << "\t" << c->cluster_of_members()[i] << "\n";
+    } else {
+      for (std::size_t i = 0; i < c->clusters().size(); ++i) {
+        ctx.out << i << "\t" << c->clusters()[i].size << "\t";
+        for (std::size_t w = 0; w < c->clusters()[i].label.size(); ++w)
+          ctx.out << (w ? " " : "") << c->clusters()[i].label[w];
+        ctx.out << "\n";
+      }
+    }
+    return 0;
+  });
+}
 
 const char kMainPathHelp[] =
     "Prints the global main path of DIR's citation graph: the path from a\n"
@@ -53,17 +179,31 @@ struct TimelineArgs {
   DataDirArgs dir;
   std::optional<std::int32_t> did;
   std::optional<std::int32_t> author;
+  std::optional<std::int32_t> cluster;
+  ClusterArgs clustering;
+  bool documents = false;
 };
 
 const char kTimelineHelp[] =
-    "Prints the citations a document (DID) or an author (--author ID)\n"
+    "Prints the citations a document (DID), an author (--author ID) or a\n"
+    "cluster (--cluster ID, of the clustering the options of `clusters` give)\n"
     "received per year of the citing document, as YEAR<TAB>COUNT lines by\n"
-    "ascending year; citing documents without a year are left out.\n"
-    "Exit status: 0 ok, 1 no graph record or unknown author, 2 usage error.";
+    "ascending year; citing documents without a year are left out. With\n"
+    "--documents, a cluster's documents per year instead.\n"
+    "Exit status: 0 ok, 1 no graph record, unknown author or cluster, 2 usage\n"
+    "error.";
+
+Timeline timeline_of(const TimelineArgs& args, const RefgroveData& d) {
+  if (args.did) return document_citations_by_year(d, *args.did);
+  if (args.author) return author_citations_by_year(d, *args.author);
+  const std::shared_ptr<const Clustering> c = args.clustering.clustering(d);
+  return args.documents ? cluster_documents_by_year(d, *c, *args.cluster)
+                        : cluster_citations_by_year(d, *c, *args.cluster);
+}
 
 int run_timeline(const TimelineArgs& args, CommandContext& ctx) {
   return run_on("timeline", args.dir, ctx, [&](const RefgroveData& d) {
-    const Timeline t = args.did ? document_citations_by_year(d, *args.did) : author_citations_by_year(d, *args.author);
+    const Timeline t = timeline_of(args, d);
     for (const auto& [year, count] : t) ctx.out << year << "\t" << count << "\n";
     return 0;
   });
@@ -72,9 +212,16 @@ int run_timeline(const TimelineArgs& args, CommandContext& ctx) {
 }  // namespace
 
 void add_fronts_commands(CLI::App& app, CommandContext& ctx) {
+  auto clusters = std::make_shared<ClustersArgs>();
+  CLI::App* cmd = add_network_command(app, "clusters", "clusters (research fronts) by the Leiden algorithm",
+                                      kClustersHelp, &clusters->dir);
+  clusters->cluster.add_to(cmd);
+  cmd->add_option("--format", clusters->format)->check(CLI::IsMember({"tsv", "json"}))->capture_default_str();
+  cmd->add_flag("--members", clusters->members, "each member's cluster instead");
+  cmd->callback([&ctx, clusters] { ctx.status = run_clusters(*clusters, ctx); });
+
   auto path = std::make_shared<DataDirArgs>();
-  CLI::App* cmd =
-      add_network_command(app, "main-path", "the main path of the citation graph", kMainPathHelp, path.get());
+  cmd = add_network_command(app, "main-path", "the main path of the citation graph", kMainPathHelp, path.get());
   cmd->callback([&ctx, path] {
     ctx.status = run_on("main-path", *path, ctx, [&](const RefgroveData& d) {
       for (const std::int32_t did : main_path_dids(d)) ctx.out << did << "\t" << title_of(d, did) << "\n";
@@ -92,13 +239,18 @@ void add_fronts_commands(CLI::App& app, CommandContext& ctx) {
   cmd->callback([&ctx, authors] { ctx.status = run_authors(*authors, ctx); });
 
   auto timeline = std::make_shared<TimelineArgs>();
-  cmd = add_network_command(app, "timeline", "citations per year of a document or an author", kTimelineHelp,
+  cmd = add_network_command(app, "timeline", "citations per year of a document, an author or a cluster", kTimelineHelp,
                             &timeline->dir);
   CLI::Option* did = cmd->add_option("DID", timeline->did, "the document")->transform(decimal());
   CLI::Option* author = cmd->add_option("--author", timeline->author, "the author's id")->transform(decimal());
-  did->excludes(author);
+  CLI::Option* cluster = cmd->add_option("--cluster", timeline->cluster, "the cluster's id")->transform(decimal());
+  did->excludes(author)->excludes(cluster);
+  author->excludes(cluster);
+  timeline->clustering.add_to(cmd);
+  cmd->add_flag("--documents", timeline->documents, "with --cluster: its documents per year");
   cmd->callback([&ctx, timeline] {
-    if (!timeline->did && !timeline->author) throw CLI::RequiredError("DID or --author");
+    if (!timeline->did && !timeline->author && !timeline->cluster)
+      throw CLI::RequiredError("DID, --author or --cluster");
     ctx.status = run_timeline(*timeline, ctx);
   });
 }

@@ -1,4 +1,4 @@
-// main-path, authors and timeline on a small data directory worked out by
+// clusters, main-path, authors and timeline on a small data directory worked out by
 // hand, and their bad arguments.
 #include <gtest/gtest.h>
 
@@ -23,6 +23,9 @@ TestDocument paper(int did, int year, std::vector<int> cited, std::vector<std::s
 
 // Citations 2->1, 3->1, 3->2, 4->1, 4->2, 5<->6: path counts from the
 // sources 3 and 4 make 2->1 the heaviest link (2), and 3 wins the tie with 4.
+// The best modularity splits the two components (each 0.204); among the
+// authors, Ann Lee, Bo Chen and Cy Diaz, linked in a chain, are one cluster
+// and Dee Ell, alone, the other.
 class FrontsCommandsTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -55,6 +58,18 @@ TEST_F(FrontsCommandsTest, Output) {
       {{"timeline", "--author", "0"}, "1991\t1\n1992\t2\n1993\t2\n"},
       {{"timeline", "6"}, ""},  // its only citer has no year
       {{"timeline", "5"}, "1993\t1\n"},
+      {{"clusters"}, "0\t4\tbranches fruit leaves\n1\t2\techo reply\n"},
+      {{"clusters", "--members"}, "1\t0\n2\t0\n3\t0\n4\t0\n5\t1\n6\t1\n"},
+      {{"clusters", "--graph", "coauthor", "--members"}, "0\t0\n1\t0\n2\t0\n3\t1\n"},
+      // Above every weight, CPM leaves each document alone.
+      {{"clusters", "--quality", "cpm", "--resolution", "2.5", "--seed", "9"},
+       "0\t1\troots\n1\t1\tbranches\n2\t1\tleaves\n3\t1\tfruit\n4\t1\techo\n5\t1\treply\n"},
+      {{"clusters", "--graph", "cocitation", "--min-citations", "2", "--members"}, "1\t0\n2\t0\n"},
+      {{"clusters", "--iterations", "1", "--members"}, "1\t0\n2\t0\n3\t0\n4\t0\n5\t1\n6\t1\n"},
+      {{"timeline", "--cluster", "0"}, "1991\t1\n1992\t2\n1993\t2\n"},
+      {{"timeline", "--cluster", "1"}, "1993\t1\n"},
+      {{"timeline", "--cluster", "0", "--documents"}, "1990\t1\n1991\t1\n1992\t1\n1993\t1\n"},
+      {{"timeline", "--cluster", "0", "--graph", "coauthor"}, "1991\t1\n1992\t2\n1993\t2\n"},
   };
   for (const auto& c : cases) {
     std::string line;
@@ -65,6 +80,19 @@ TEST_F(FrontsCommandsTest, Output) {
   }
 }
 
+TEST_F(FrontsCommandsTest, ClustersAsJson) {
+  const ToolRun r = run({"clusters", "--format", "json"});
+  EXPECT_EQ(r.status, 0) << r.err;
+  for (const char* part :
+       {"\"graph\":\"citation\",\"quality\":\"modularity\",\"resolution\":1.0,\"seed\":1,",
+        "\"total\":2,\"clusters\":[{\"id\":0,\"size\":4,\"documents\":4,",
+        "\"first_year\":1990,\"last_year\":1993,\"top\":[1,2,3,4],\"label\":[\"branches\",\"fruit\",\"leaves\"]}",
+        "\"first_year\":1993,\"last_year\":1993,\"top\":[5,6]"})
+    EXPECT_NE(r.out.find(part), std::string::npos) << part << "\n" << r.out;
+  const ToolRun members = run({"clusters", "--format", "json", "--members", "--graph", "coauthor"});
+  EXPECT_NE(members.out.find("\"members\":[{\"author\":0,\"cluster\":0},"), std::string::npos) << members.out;
+}
+
 TEST_F(FrontsCommandsTest, BadArguments) {
   const struct {
     std::vector<std::string> args;
@@ -73,7 +101,15 @@ TEST_F(FrontsCommandsTest, BadArguments) {
   } cases[] = {
       {{"timeline", "77"}, 1, "no graph record for DID 77"},
       {{"timeline", "--author", "9"}, 1, "no author with id 9"},
-      {{"timeline"}, 2, "DID or --author"},
+      {{"timeline"}, 2, "DID, --author or --cluster"},
+      {{"timeline", "--cluster", "2"}, 1, "no cluster 2 (there are 2)"},
+      {{"timeline", "--author", "0", "--cluster", "0"}, 2, "excludes"},
+      {{"clusters", "--graph", "words"}, 2, "words"},
+      {{"clusters", "--quality", "potts"}, 2, "potts"},
+      {{"clusters", "--resolution", "-1"}, 2, "--resolution"},
+      {{"clusters", "--min-weight", "0"}, 2, "--min-weight"},
+      {{"clusters", "--format", "xml"}, 2, "xml"},
+      {{"clusters", "--iterations", "-2"}, 2, "--iterations"},
       {{"timeline", "1", "--author", "0"}, 2, "excludes"},
       {{"authors", "--by", "fame"}, 2, "fame"},
       {{"authors", "--limit", "-1"}, 2, "--limit"},

@@ -1,15 +1,18 @@
 // `refgrove generate`: synthetic text dumps for benchmarks and scale tests.
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <cinttypes>
 #include <cstdio>
+#include <filesystem>
 #include <limits>
 #include <memory>
 #include <string>
 
-#include "tools/commands.h"
 #include "generate/dump_generator.h"
+#ifdef REFGROVE_IMPORT
+#include "generate/works_generator.h"
+#endif
+#include "tools/commands.h"
 #include "tools/tool_support.h"
 
 namespace refgrove {
@@ -24,24 +27,57 @@ const char kHelp[] =
     "vocabulary; some keys and years are missing. The same N and S always\n"
     "give the same files. 200,000 documents take about 190 MB.";
 
+// Where importing is built: the same documents as works.
+const char kWorksHelp[] =
+    "\n\n"
+    "With --format, the same documents are written as works in a source's own\n"
+    "format, for refgrove import: openalex (part_NNN.gz, 100,000 works each;\n"
+    "keys W + the DID), s2 (papers, abstracts and citations .jsonl; keys the\n"
+    "DIDs), arxiv (abs/NNNN/NNNNNNN.abs and cit-generated.txt; keys gen/ + the\n"
+    "DID in seven digits) or csv (works.csv, citations.csv; keys W + the DID).";
+
 struct GenerateArgs {
-  DumpGeneratorOptions options;
-  std::string dir;
+  DocumentGeneratorOptions options;
+  std::string dir, format = "dumps";
 };
+
+// The summary line of a run, or empty with `error` set when the files
+// cannot be written.
+std::string write_dumps(const GenerateArgs& args, std::string* error) {
+  DumpGeneratorResult result;
+  if (!generate_dumps(as_dir(args.dir), args.options, &result, error)) return {};
+  char line[160];
+  std::snprintf(line, sizeof line,
+                "wrote %" PRId64 " documents (largest DID %" PRId32 ", %" PRId64 " abstract words, %.1f MB) to ",
+                args.options.docs, result.last_did, result.words, static_cast<double>(result.bytes) / 1e6);
+  return line + args.dir;
+}
+
+#ifdef REFGROVE_IMPORT
+std::string write_works(const GenerateArgs& args, std::string* error) {
+  WorksGeneratorResult result;
+  if (!generate_works(args.format, as_dir(args.dir), args.options, &result, error)) return {};
+  char line[160];
+  std::snprintf(line, sizeof line, "wrote %" PRId64 " works as %s (largest DID %" PRId32 ", %.1f MB) to ",
+                args.options.docs, args.format.c_str(), result.last_did, static_cast<double>(result.bytes) / 1e6);
+  return line + args.dir;
+}
+#endif
 
 int generate(const GenerateArgs& args, std::ostream& out, std::ostream& err) {
   std::error_code ec;
   std::filesystem::create_directories(args.dir, ec);
-  DumpGeneratorResult result;
   std::string error;
-  if (!generate_dumps(as_dir(args.dir), args.options, &result, &error)) {
+#ifdef REFGROVE_IMPORT
+  const std::string line = args.format == "dumps" ? write_dumps(args, &error) : write_works(args, &error);
+#else
+  const std::string line = write_dumps(args, &error);
+#endif
+  if (line.empty()) {
     err << "refgrove generate: " << error << "\n";
     return 1;
   }
-  char line[160];
-  std::snprintf(line, sizeof line, "wrote %" PRId64 " documents (largest DID %" PRId32 ", %" PRId64 " abstract words, %.1f MB) to ",
-                args.options.docs, result.last_did, result.words, static_cast<double>(result.bytes) / 1e6);
-  out << line << args.dir << "\n";
+  out << line << "\n";
   return 0;
 }
 
@@ -49,7 +85,11 @@ int generate(const GenerateArgs& args, std::ostream& out, std::ostream& err) {
 
 void add_generate_command(CLI::App& app, CommandContext& ctx) {
   CLI::App* cmd = app.add_subcommand("generate", "write synthetic text dumps of any size");
+#ifdef REFGROVE_IMPORT
+  cmd->footer(std::string(kHelp) + kWorksHelp);
+#else
   cmd->footer(kHelp);
+#endif
   auto args = std::make_shared<GenerateArgs>();
   cmd->add_option("--docs", args->options.docs, "number of documents")
       ->required()
@@ -59,6 +99,10 @@ void add_generate_command(CLI::App& app, CommandContext& ctx) {
       ->type_name("S")
       ->capture_default_str()
       ->transform(decimal(0, std::numeric_limits<std::int64_t>::max()));
+#ifdef REFGROVE_IMPORT
+  cmd->add_option("--format", args->format, "dumps (the default), or works as openalex, s2, arxiv or csv")
+      ->check(CLI::IsMember({"dumps", "openalex", "s2", "arxiv", "csv"}));
+#endif
   cmd->add_option("OUT_DIR", args->dir, "the directory to write")->required();
   cmd->callback([&ctx, args] { ctx.status = generate(*args, ctx.out, ctx.err); });
 }

@@ -7,8 +7,8 @@
 #include <algorithm>
 #include <climits>
 #include <cstdio>
-#include <iomanip>
 #include <functional>
+#include <iomanip>
 #include <memory>
 #include <optional>
 #include <string>
@@ -72,8 +72,10 @@ int run_rank(const RankArgs& args, CommandContext& ctx) {
     const RankBy by = rank_by_from_text(args.by);
     for (const RankedDocument& r : ranked(d, by, args.limit, parse_years(args.years))) {
       ctx.out << r.did << "\t";
-      if (by == RankBy::citations) ctx.out << static_cast<std::int64_t>(r.score);
-      else ctx.out << std::fixed << std::setprecision(9) << r.score;  // scores are exact to 1e-9
+      if (by == RankBy::citations)
+        ctx.out << static_cast<std::int64_t>(r.score);
+      else
+        ctx.out << std::fixed << std::setprecision(9) << r.score;  // scores are exact to 1e-9
       ctx.out << "\t" << title_of(d, r.did) << "\n";
     }
     return 0;
@@ -146,7 +148,8 @@ int run_distance(const DistanceArgs& args, CommandContext& ctx) {
     }
     ctx.out << "distance\t" << path->documents.size() << "\n";
     for (std::size_t i = 0; i < path->authors.size(); ++i) {
-      if (i > 0) ctx.out << "document\t" << path->documents[i - 1] << "\t" << title_of(d, path->documents[i - 1]) << "\n";
+      if (i > 0)
+        ctx.out << "document\t" << path->documents[i - 1] << "\t" << title_of(d, path->documents[i - 1]) << "\n";
       const char* name = nullptr;
       id2author(d, path->authors[i], &name);
       ctx.out << "author\t" << path->authors[i] << "\t" << (name ? name : "") << "\n";
@@ -176,8 +179,7 @@ struct NeighbourhoodArgs {
 
 int run_neighbourhood(const NeighbourhoodArgs& args, CommandContext& ctx) {
   return run_on("neighbourhood", args.dir, ctx, [&](const RefgroveData& d) {
-    const Neighbourhood n =
-        neighbourhood(d, args.did, {args.hops, direction_from_text(args.direction), args.limit});
+    const Neighbourhood n = neighbourhood(d, args.did, {args.hops, direction_from_text(args.direction), args.limit});
     const NetworkFile f = neighbourhood_file(d, n);
     if (args.format == "graphml") {
       write_graphml(f, ctx.out);
@@ -210,21 +212,32 @@ struct SimilarArgs {
   DataDirArgs dir;
   std::int32_t did = 0;
   std::string by = "cocitation";
+  std::string measure = "count";
   std::int64_t limit = 10;
 };
 
 int run_similar(const SimilarArgs& args, CommandContext& ctx) {
   return run_on("similar", args.dir, ctx, [&](const RefgroveData& d) {
-    for (const SimilarDocument& s : similar(d, args.did, similar_by_from_text(args.by), args.limit))
-      ctx.out << s.did << "\t" << s.count << "\t" << title_of(d, s.did) << "\n";
+    const SimilarMeasure measure = similar_measure_from_text(args.measure);
+    for (const SimilarDocument& s : similar(d, args.did, similar_by_from_text(args.by), args.limit, measure)) {
+      ctx.out << s.did << "\t";
+      if (measure == SimilarMeasure::count)
+        ctx.out << s.count;
+      else
+        ctx.out << s.score;
+      ctx.out << "\t" << title_of(d, s.did) << "\n";
+    }
     return 0;
   });
 }
 
 const char kSimilarHelp[] =
-    "Prints the documents most like DID, one per line: DID, count and title,\n"
-    "by count descending, then by DID. By cocitation the count is the number\n"
+    "Prints the documents most like DID, one per line: DID, score and title,\n"
+    "by score descending, then by DID. By cocitation the count is the number\n"
     "of documents citing both; by coupling the number of documents both cite.\n"
+    "--measure cosine divides it by the square root of the product of the two\n"
+    "documents' numbers of citations (of references, by coupling), jaccard by\n"
+    "their sum less the count.\n"
     "Exit status: 0 ok, 1 DID without a graph record, 2 usage error.";
 
 // --- components
@@ -288,10 +301,12 @@ void add_network_commands(CLI::App& app, CommandContext& ctx) {
   cmd->callback([&ctx, hood] { ctx.status = run_neighbourhood(*hood, ctx); });
 
   auto like = std::make_shared<SimilarArgs>();
-  cmd = add_network_command(app, "similar", "documents like a document, by shared citations", kSimilarHelp,
-                            &like->dir);
+  cmd = add_network_command(app, "similar", "documents like a document, by shared citations", kSimilarHelp, &like->dir);
   cmd->add_option("DID", like->did, "the document")->required()->transform(decimal());
   cmd->add_option("--by", like->by)->check(CLI::IsMember({"cocitation", "coupling"}))->capture_default_str();
+  cmd->add_option("--measure", like->measure, "the count or the count normalised")
+      ->check(CLI::IsMember({"count", "cosine", "jaccard"}))
+      ->capture_default_str();
   cmd->add_option("--limit", like->limit, "how many")->transform(limit)->capture_default_str();
   cmd->callback([&ctx, like] { ctx.status = run_similar(*like, ctx); });
 

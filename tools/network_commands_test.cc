@@ -49,15 +49,21 @@ TEST_F(NetworkCommandsTest, Output) {
       {{"rank", "--limit", "1", "--years", "1991-1993"}, "2\t2\tBranches\n"},
       {{"similar", "1"}, "2\t2\tBranches\n"},
       {{"similar", "3", "--by", "coupling", "--limit", "5"}, "4\t2\tFruit\n2\t1\tBranches\n"},
-      {{"neighbourhood", "2", "--direction", "in"}, "2\t0\t2\tBranches\n3\t1\t0\tLeaves\n4\t1\t0\tFruit\n"
-                                                     "3\tcites\t2\n4\tcites\t2\n"},
+      // 3 and 4 cite 1 and 2; 2 cites 1 alone.
+      {{"similar", "3", "--by", "coupling", "--measure", "cosine"}, "4\t1\tFruit\n2\t0.707107\tBranches\n"},
+      {{"similar", "3", "--by", "coupling", "--measure", "jaccard"}, "4\t1\tFruit\n2\t0.5\tBranches\n"},
+      {{"neighbourhood", "2", "--direction", "in"},
+       "2\t0\t2\tBranches\n3\t1\t0\tLeaves\n4\t1\t0\tFruit\n"
+       "3\tcites\t2\n4\tcites\t2\n"},
       {{"neighbourhood", "4", "--hops", "1000000000", "--limit", "2", "--direction", "out"},
        "4\t0\t0\tFruit\n1\t1\t3\tRoots\n4\tcites\t1\n"},
-      {{"distance", "0", "2"}, "distance\t2\nauthor\t0\tAnn Lee\ndocument\t2\tBranches\nauthor\t1\tBo Chen\n"
-                               "document\t3\tLeaves\nauthor\t2\tCy Diaz\n"},
+      {{"distance", "0", "2"},
+       "distance\t2\nauthor\t0\tAnn Lee\ndocument\t2\tBranches\nauthor\t1\tBo Chen\n"
+       "document\t3\tLeaves\nauthor\t2\tCy Diaz\n"},
       {{"distance", "--names", "ann lee", "Ann Lee"}, "distance\t0\nauthor\t0\tAnn Lee\n"},
-      {{"components"}, "citation\tcomponents\t1\ncitation\tlargest\t4\n"
-                       "co-author\tcomponents\t2\nco-author\tlargest\t3\t1\n"},
+      {{"components"},
+       "citation\tcomponents\t1\ncitation\tlargest\t4\n"
+       "co-author\tcomponents\t2\nco-author\tlargest\t3\t1\n"},
       {{"export", "--format", "edges"}, "2\t1\n3\t1\n3\t2\n4\t1\n4\t2\n"},
   };
   for (const auto& c : cases) {
@@ -95,6 +101,7 @@ TEST_F(NetworkCommandsTest, BadArguments) {
   } cases[] = {
       {{"neighbourhood", "77"}, 1, "no graph record for DID 77"},
       {{"similar", "-1"}, 1, "no graph record for DID -1"},
+      {{"similar", "1", "--measure", "dice"}, 2, "dice"},
       {{"distance", "0", "9"}, 1, "no author with id 9"},
       {{"distance", "0", "3"}, 1, "authors 0 and 3 are not connected"},
       {{"distance", "--names", "Nobody", "Ann Lee"}, 1, "no author named \"Nobody\""},

@@ -183,7 +183,7 @@ TEST_F(SafePreprocessTest, AFailedWriteIsNamedWithTheSystemsError) {
 TEST_F(SafePreprocessTest, AnInterruptedRunRemovesWhatItWrote) {
   std::string error;
   DumpGeneratorResult generated;
-  ASSERT_TRUE(generate_dumps(in_, DumpGeneratorOptions{20000, 1}, &generated, &error)) << error;
+  ASSERT_TRUE(generate_dumps(in_, DocumentGeneratorOptions{20000, 1}, &generated, &error)) << error;
   for (const auto& [signal, status] : {std::pair{SIGINT, 130}, std::pair{SIGTERM, 143}}) {
     const DataFiles before = make_earlier_target();
     const pid_t pid = start_child(dir_.path() + "err", [&] { return preprocess_in_child(in_, target_); });

@@ -334,7 +334,9 @@ TEST(ExplorerServer, AnswersOthersWhileAThousandConnectionsIdle) {
   idle[0]->send_text("GET /api/stats HTTP/1.1\r\n");  // and never the end of its header
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(get("/api/paper/101").status, 200);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+  // Sooner than the 5 s after which idle connections are closed: the answer
+  // did not wait for them to go (with room for a sanitized build on a busy machine).
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
 TEST(ExplorerServer, OutlivesClientsThatLeaveMidResponse) {

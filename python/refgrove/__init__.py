@@ -24,7 +24,7 @@ from ._errors import (
     PreprocessError,
 )
 from ._refgrove import __version__
-from ._data_set import CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
+from ._data_set import AuthorImpact, CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
 from ._import import ImportResult, import_works
 from ._preprocess import PreprocessResult, preprocess
 
@@ -37,6 +37,7 @@ __all__ = [
     "Document",
     "Hits",
     "CollaborationPath",
+    "AuthorImpact",
     "Neighbourhood",
     "PreprocessResult",
     "ImportResult",

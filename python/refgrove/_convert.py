@@ -51,16 +51,21 @@ def to_networkx(ds: DataSet) -> Any:
         (did, {"key": key, "year": None if year == -1 else year, "title": title})
         for did, key, year, title in zip(ds.dids.tolist(), columns["key"], ds.years().tolist(), columns["title"])
     )
-    graph.add_edges_from(ds._edge_tuples(by_node=False))
+    graph.add_edges_from(ds._edge_tuples())
     return graph
 
 
 def to_igraph(ds: DataSet) -> Any:
     """See DataSet.to_igraph."""
     ig = _library("igraph", "python3-igraph", "DataSet.to_igraph()")
-    return ig.Graph(
-        n=len(ds), edges=ds._edge_tuples(by_node=True), directed=True, vertex_attrs={"did": ds.dids.tolist()}
-    )
+    text = ds._edge_text()
+    try:
+        graph = ig.Graph.Read_Edgelist(text.path, directed=True)
+    finally:
+        text.close()
+    graph.add_vertices(len(ds) - graph.vcount())  # those after the last one with a citation
+    graph.vs["did"] = ds.dids.tolist()
+    return graph
 
 
 def to_scipy(ds: DataSet) -> Any:

@@ -50,6 +50,20 @@ class Neighbourhood(NamedTuple):
     truncated: bool
 
 
+class AuthorImpact(NamedTuple):
+    """An author's impact: ``documents`` (the graph records listing them),
+    ``citations`` (those these received within the set), ``h_index`` (the
+    largest h such that h of the documents have at least h citations each),
+    ``first_year`` and ``last_year`` of the documents with a year (None
+    when none has one)."""
+
+    documents: int
+    citations: int
+    h_index: int
+    first_year: Optional[int]
+    last_year: Optional[int]
+
+
 @dataclass(frozen=True, repr=False)
 class Document:
     """One document: what its graph record and its word data say.
@@ -159,15 +173,6 @@ class DataSet(_DataSet):
         a graph record."""
         return Hits(*self._similar(did, by, limit))
 
-    def authors_ranked(self, by: str = "h-index", limit: Optional[int] = 10) -> Hits:
-        """The best authors as (author id, value) pairs, best first, ties by
-        ascending id: by "h-index" (the largest h such that h of the graph
-        records listing the author have at least h citations each),
-        "citations" (the citations these received within the set) or
-        "documents" (the graph records listing the author). As refgrove
-        authors. Raises ArgumentError for any other ``by``."""
-        return Hits(*self._authors_ranked(by, limit))
-
     def collaboration_path(self, a: int, b: int) -> Optional[CollaborationPath]:
         """A shortest collaboration path between authors ``a`` and ``b``, or
         None when they are unconnected. Raises ArgumentError for an id
@@ -183,6 +188,17 @@ class DataSet(_DataSet):
         ``limit`` of them, and the citations among them. Raises ArgumentError
         for a DID without a graph record."""
         return Neighbourhood(*self._neighbourhood(did, hops, direction, limit))
+
+    def author_impact(self, author: int) -> AuthorImpact:
+        """The impact of author ``author``. Raises ArgumentError for an id
+        outside the author table."""
+        return AuthorImpact(*self._author_impact(author))
+
+    def ranked_authors(self, by: str = "h-index", limit: Optional[int] = 10) -> Hits:
+        """The best authors by "h-index", "citations" (received within the
+        set) or "documents", as (author id, value) pairs, ties by ascending
+        id."""
+        return Hits(*self._ranked_authors(by, limit))
 
     def to_pandas(self) -> "pandas.DataFrame":
         """A DataFrame with one row per document of ``dids``: did, key, year

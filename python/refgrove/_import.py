@@ -41,7 +41,8 @@ def import_works(
     """Makes the data directory ``data_dir`` of the works in ``inputs`` (a
     file or directory, or a list of them; directories are walked, their
     files in name order; names ending in .gz are read compressed), in
-    ``format`` ("openalex": JSON Lines or API pages), as ``refgrove import``
+    ``format`` (one that refgrove import reads: "openalex", "s2", "arxiv",
+    "csv"), as ``refgrove import``
     does: the works are written as dumps and preprocessed into a staging
     directory beside ``data_dir``, checked, and only then moved into place,
     so that a run that fails leaves ``data_dir`` as it was.

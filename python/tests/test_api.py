@@ -208,6 +208,33 @@ def test_neighbourhood(sample):
     assert sample.neighbourhood(110, limit=0) == ([], [], True)
 
 
+def test_main_path_impact_and_timelines(sample):
+    path = sample.main_path()
+    assert path[0] == 145 and path[-1] == 101
+    assert all(sample.citation_distance(a, b) == 1 for a, b in zip(path, path[1:]))
+    assert sample.longest_path(148, 101) == [148, 128, 116, 110, 107, 105, 101]
+    assert sample.longest_path(101, 148) is None and sample.longest_path(110, 110) == [110]
+    weights = sample.search_path_counts()
+    assert weights.dtype == np.float64 and weights.shape == (55,) and weights.min() >= 1
+    assert sample.author_impact(3) == refgrove.AuthorImpact(
+        documents=7, citations=19, h_index=3, first_year=1994, last_year=2002)
+    assert sample.author_impact(sample.authors_named("Anonymous")[0]).first_year is None
+    assert sample.ranked_authors(by="citations", limit=3) == [(3, 19), (7, 15), (4, 14)]
+    assert sample.ranked_authors(limit=1) == [(3, 3)] and sample.ranked_authors(limit=1).truncated
+    assert sample.timeline(110) == [(1997, 2), (1998, 1), (1999, 1), (2000, 1), (2001, 1)]
+    assert sample.timeline(author=3)[0] == (1996, 2) and sample.timeline(did=101) == sample.timeline(101)
+    for call, error, message in [
+        (lambda: sample.timeline(), TypeError, "a DID or an author, not both or neither"),
+        (lambda: sample.timeline(110, author=3), TypeError, "a DID or an author, not both or neither"),
+        (lambda: sample.timeline(103), refgrove.ArgumentError, "no graph record for DID 103"),
+        (lambda: sample.author_impact(21), refgrove.ArgumentError, "no author with id 21"),
+        (lambda: sample.ranked_authors(by="fame"), refgrove.ArgumentError, '"fame"'),
+        (lambda: sample.longest_path(101, 3), refgrove.ArgumentError, "no graph record for DID 3"),
+    ]:
+        with pytest.raises(error, match=message):
+            call()
+
+
 def test_components_and_edges(sample):
     citation = sample.components()
     assert citation.dtype == np.int32 and len(citation) == 32 and np.bincount(citation).tolist() == [31, 1]
@@ -290,3 +317,25 @@ def test_preprocess_failures_leave_the_target(tmp_path):
         refgrove.preprocess(SAMPLE_DUMPS, target, progress=stop)
     assert {p.name: p.read_bytes() for p in target.iterdir()} == before
     assert [p.name for p in tmp_path.iterdir() if "refgrove" in p.name] == [], "no lock or staging directory left"
+
+
+def test_conversions_of_small_and_empty_sets(tmp_path):
+    # The last document neither cites nor is cited: igraph's edge list alone
+    # would not make its vertex.
+    small = tmp_path / "small"
+    write_dumps(small / "dumps", [(1, "a", 1999, [2], ["A"], "One"), (2, "b", "-", [], ["B"], "Two"),
+                                  (3, "c", 2001, [], ["A", "B"], "Three")], {1: "x", 3: "y"})
+    empty = tmp_path / "empty"
+    write_dumps(empty / "dumps", [], {})
+    for dumps in (small, empty):
+        refgrove.preprocess(dumps / "dumps", dumps / "data", progress=False)
+    ds = refgrove.load(small / "data")
+    g = ds.to_igraph()
+    assert (g.vcount(), g.get_edgelist(), g.vs["did"]) == (3, [(0, 1)], [1, 2, 3])
+    assert ds.to_pandas().year.isna().tolist() == [False, True, False]
+    assert list(ds.to_networkx().edges()) == [(1, 2)] and ds.to_scipy().toarray().tolist() == [[0, 1, 0], [0, 0, 0], [0, 0, 0]]
+    ds = refgrove.load(empty / "data")
+    assert len(ds) == 0 and ds.dids.tolist() == [] and ds.citation_edges().shape == (0, 2)
+    assert ds.to_igraph().vcount() == 0 and len(ds.to_pandas()) == 0 and ds.to_networkx().number_of_nodes() == 0
+    assert ds.to_scipy().shape == (0, 0) and ds.pagerank().tolist() == [] and ds.coauthor_edges().shape == (0, 2)
+    assert ds.search("x") == [] and ds.ranked() == [] and ds.components("coauthor").tolist() == []

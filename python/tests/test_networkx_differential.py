@@ -34,6 +34,13 @@ def case(request, tmp_path_factory):
     ds.close()
 
 
+def nx_distance(graph, a, b):
+    try:
+        return nx.shortest_path_length(graph, a, b)
+    except nx.NetworkXNoPath:
+        return None
+
+
 def test_edge_lists(case):
     ds, graph, coauthors, _ = case
     assert ds.citation_edges().tolist() == sorted(map(list, graph.edges()))
@@ -57,10 +64,7 @@ def test_citation_distances(case, direction):
     walked = {"out": graph, "in": graph.reverse(copy=False), "both": graph.to_undirected(as_view=True)}[direction]
     nodes = list(graph)
     for a, b in ((rng.choice(nodes), rng.choice(nodes)) for _ in range(60)):
-        try:
-            expected = nx.shortest_path_length(walked, a, b)
-        except nx.NetworkXNoPath:
-            expected = None
+        expected = nx_distance(walked, a, b)
         assert ds.citation_distance(a, b, direction) == expected, (a, b)
         path = ds.citation_path(a, b, direction)
         assert (path is None) == (expected is None) and (path is None or len(path) == expected + 1)
@@ -72,10 +76,7 @@ def test_collaboration_distances(case):
     ds, _, coauthors, rng = case
     authors = list(coauthors)
     for a, b in ((rng.choice(authors), rng.choice(authors)) for _ in range(60)):
-        try:
-            expected = nx.shortest_path_length(coauthors, a, b)
-        except nx.NetworkXNoPath:
-            expected = None
+        expected = nx_distance(coauthors, a, b)
         assert ds.collaboration_distance(a, b) == expected, (a, b)
         path = ds.collaboration_path(a, b)
         if path is not None:
@@ -113,19 +114,82 @@ def test_neighbourhoods(case, direction):
 
 
 def test_similarity_counts(case):
+    # With A the adjacency matrix (A[u, v] = 1: u cites v), A^T A counts the
+    # documents citing both of two, A A^T the documents both cite.
     ds, graph, _, rng = case
-    for x in rng.sample(list(graph), 25):
-        cocited = {}
-        for z in graph.predecessors(x):
-            for y in graph.successors(z):
-                if y != x:
-                    cocited[y] = cocited.get(y, 0) + 1
-        coupled = {}
-        for z in graph.successors(x):
-            for y in graph.predecessors(z):
-                if y != x:
-                    coupled[y] = coupled.get(y, 0) + 1
-        for by, counts in (("cocitation", cocited), ("coupling", coupled)):
-            expected = sorted(counts.items(), key=lambda item: (-item[1], item[0]))
-            assert ds.similar(x, by=by, limit=None) == expected, (x, by)
-            assert np.all(np.diff([n for _, n in ds.similar(x, by=by, limit=5)]) <= 0)
+    nodes = list(graph)
+    adjacency = nx.to_scipy_sparse_array(graph, nodelist=nodes, dtype=np.int64, format="csr")
+    shared = {"cocitation": (adjacency.T @ adjacency).tocsr(), "coupling": (adjacency @ adjacency.T).tocsr()}
+    for i in rng.sample(range(len(nodes)), 25):
+        for by, counts in shared.items():
+            row = counts.getrow(i)
+            found = [(nodes[j], int(n)) for j, n in zip(row.indices, row.data) if j != i and n > 0]
+            expected = sorted(found, key=lambda item: (-item[1], item[0]))
+            assert ds.similar(nodes[i], by=by, limit=None) == expected, (nodes[i], by)
+
+
+def test_search_path_counts_and_main_path(case):
+    # SPC on the condensation: an edge's weight is the number of paths from
+    # a source to its tail times the number from its head to a sink.
+    ds, graph, _, _ = case
+    dag = nx.condensation(graph)
+    order = list(nx.topological_sort(dag))
+    to_here = {c: 1.0 if dag.in_degree(c) == 0 else 0.0 for c in dag}
+    for c in order:
+        for s in dag.successors(c):
+            to_here[s] += to_here[c]
+    from_here = {c: 1.0 if dag.out_degree(c) == 0 else 0.0 for c in dag}
+    for c in reversed(order):
+        for s in dag.successors(c):
+            from_here[c] += from_here[s]
+    component = dag.graph["mapping"]
+    expected = [0.0 if component[u] == component[v] else to_here[component[u]] * from_here[component[v]]
+                for u, v in ds.citation_edges().tolist()]
+    assert np.allclose(ds.search_path_counts(), expected, rtol=1e-12, atol=0)
+
+    def weight(a, b):
+        return to_here[a] * from_here[b]
+
+    best = {}
+    for c in reversed(order):
+        best[c] = max((weight(c, s) + best[s] for s in dag.successors(c)), default=0.0)
+    steps = [component[did] for did in ds.main_path()]
+    steps = [c for i, c in enumerate(steps) if i == 0 or c != steps[i - 1]]
+    assert dag.in_degree(steps[0]) == 0 and dag.out_degree(steps[-1]) == 0
+    assert all(dag.has_edge(a, b) for a, b in zip(steps, steps[1:]))
+    top = max(best[c] for c in dag if dag.in_degree(c) == 0)
+    assert sum(weight(a, b) for a, b in zip(steps, steps[1:])) == pytest.approx(top, rel=1e-12)
+
+
+def test_author_impact_and_timelines(case):
+    ds, graph, coauthors, rng = case
+    docs_of, year = {}, {}
+    for did in graph:
+        doc = ds.document(did)
+        year[did] = doc.year
+        for author in set(doc.author_ids):
+            docs_of.setdefault(author, []).append(did)
+    impacts = {}
+    for author in coauthors:
+        docs = docs_of.get(author, [])
+        counts = sorted((graph.in_degree(d) for d in docs), reverse=True)
+        years = [year[d] for d in docs if year[d] is not None]
+        impacts[author] = (len(docs), sum(counts), sum(1 for i, n in enumerate(counts) if n >= i + 1),
+                           min(years, default=None), max(years, default=None))
+        assert tuple(ds.author_impact(author)) == impacts[author], author
+    for by, at in (("documents", 0), ("citations", 1), ("h-index", 2)):
+        expected = sorted(((a, v[at]) for a, v in impacts.items()), key=lambda item: (-item[1], item[0]))
+        assert ds.ranked_authors(by=by, limit=None) == expected, by
+
+    def by_year(dids):
+        counts = {}
+        for did in dids:
+            for citing in graph.predecessors(did):
+                if year[citing] is not None:
+                    counts[year[citing]] = counts.get(year[citing], 0) + 1
+        return sorted(counts.items())
+
+    for did in rng.sample(list(graph), 20):
+        assert ds.timeline(did) == by_year([did]), did
+    for author in rng.sample(list(coauthors), 20):
+        assert ds.timeline(author=author) == by_year(docs_of.get(author, [])), author

@@ -61,6 +61,8 @@ def test_document_arguments(ds, did, other, direction, limit, hops, by):
     answers_or_raises(ds.neighbourhood, did, hops, direction, limit)
     answers_or_raises(ds.citation_distance, did, other, direction)
     answers_or_raises(ds.citation_path, did, other, direction)
+    answers_or_raises(ds.longest_path, did, other)
+    answers_or_raises(ds.timeline, did)
     hood = answers_or_raises(ds.neighbourhood, did, 2, "both", limit)
     if hood is not None and isinstance(limit, int) and limit >= 0:
         assert len(hood.nodes) <= limit
@@ -71,6 +73,8 @@ def test_author_arguments(ds, a, b):
     answers_or_raises(ds.author_name, a)
     answers_or_raises(ds.collaboration_distance, a, b)
     answers_or_raises(ds.collaboration_path, a, b)
+    answers_or_raises(ds.author_impact, a)
+    answers_or_raises(lambda: ds.timeline(author=a))
 
 
 @given(text=texts, mode=choices, limit=limits)
@@ -91,6 +95,7 @@ def test_whole_set_arguments(ds, by, limit, span, damping, graph):
     if ranks is not None and len(ranks):
         assert abs(ranks.sum() - 1) < 1e-9
     answers_or_raises(ds.components, graph)
+    answers_or_raises(ds.ranked_authors, by, limit)
 
 
 @given(path=texts)

@@ -52,16 +52,26 @@ def others_ran_during(call):
 
 def test_long_calls_release_the_gil(generated, tmp_path):
     assert not others_ran_during(lambda: sum(range(3_000_000))), "the method sees a call that holds the GIL"
-    ds = refgrove.load(generated)
+    # Each call is tried on a fresh set, so that it builds what it needs,
+    # three times at most: on a busy machine the other thread may not get a
+    # processor during a short call.
     calls = {
-        "load": lambda: refgrove.load(generated),
-        "first search": lambda: ds.search("a* b* c*", mode="or", limit=5),
-        "pagerank": lambda: ds.pagerank(damping=0.6),
-        "components": lambda: ds.components("coauthor"),
-        "neighbourhood": lambda: ds.neighbourhood(int(ds.dids[-1]), hops=None, limit=None),
-        "preprocess": lambda: refgrove.preprocess(tool_dumps(tmp_path), tmp_path / "data", progress=False),
+        "load": lambda ds: refgrove.load(generated),
+        "first search": lambda ds: ds.search("a* b* c*", mode="or", limit=5),
+        "pagerank": lambda ds: ds.pagerank(damping=0.6),
+        "components": lambda ds: ds.components("coauthor"),
+        "neighbourhood": lambda ds: ds.neighbourhood(int(ds.dids[-1]), hops=None, limit=None),
+        "main path": lambda ds: ds.main_path(),
+        "preprocess": lambda ds: refgrove.preprocess(tool_dumps(tmp_path), tmp_path / "data", progress=False),
     }
-    held = [name for name, call in calls.items() if not others_ran_during(call)]
+    held = []
+    for name, call in calls.items():
+        for _ in range(3):
+            ds = refgrove.load(generated)
+            if others_ran_during(lambda: call(ds)):
+                break
+        else:
+            held.append(name)
     assert held == []
 
 
@@ -148,6 +158,17 @@ def test_closing_while_threads_query(generated):
     for t in threads:
         t.join()
     assert closed[0] == 6 and answered[0] > 0
+
+
+def test_edge_text_closed_before_it_is_read(generated):
+    # Its writer, blocked on a full pipe, ends when the reader goes.
+    with refgrove.load(generated) as ds:
+        for _ in range(3):
+            text = ds._edge_text()
+            with open(text.path, "rb") as f:
+                assert f.read(10)
+            text.close()
+            text.close()
 
 
 def test_arrays_outlive_their_data_set(generated, tmp_path):

@@ -120,3 +120,16 @@ def test_collaboration_paths(data):
         assert int(rows[0][1]) == len(found.documents)
         assert [int(r[1]) for r in rows if r[0] == "author"] == found.authors
         assert [int(r[1]) for r in rows if r[0] == "document"] == found.documents
+
+
+def test_main_path_authors_and_timelines(data):
+    path, ds = data
+    assert ds.main_path() == [int(row[0]) for row in lines("main-path", path)]
+    for by in ("h-index", "citations", "documents"):
+        expected = [(int(a), int(v)) for a, v, _ in lines("authors", path, "--by", by, "--limit", 40)]
+        assert ds.ranked_authors(by=by, limit=40) == expected, by
+    for did in some_dids(ds, 10):
+        assert ds.timeline(did) == [(int(y), int(n)) for y, n in lines("timeline", path, did)], did
+    for author in random.Random(2).sample(range(len(ds.components("coauthor"))), 10):
+        expected = [(int(y), int(n)) for y, n in lines("timeline", path, "--author", author)]
+        assert ds.timeline(author=author) == expected, author

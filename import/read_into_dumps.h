@@ -1,0 +1,31 @@
+// For the readers' tests: what a reader's records become, the dumps that
+// a work set writes of them, and the bad records it reported.
+#ifndef REFGROVE_IMPORT_READ_INTO_DUMPS_H_
+#define REFGROVE_IMPORT_READ_INTO_DUMPS_H_
+
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "import/imported_work.h"
+
+namespace refgrove {
+
+struct Dumps {
+  std::string graph, words;
+  std::string outside;  // the outside keys, each followed by a blank
+  std::string errors;   // each bad record's message on a line
+  bool operator==(const Dumps&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& os, const Dumps& d);
+
+// Runs `read` with a sink into a new work set (of `years`), then writes
+// the set's dumps. `counts`, when given, receives what the writing counted.
+Dumps read_into_dumps(const std::function<void(const WorkSink&)>& read, std::optional<YearRange> years = std::nullopt,
+                      WorkSetCounts* counts = nullptr);
+
+}  // namespace refgrove
+
+#endif  // REFGROVE_IMPORT_READ_INTO_DUMPS_H_
