@@ -37,6 +37,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "graph/year_range.h"
 #include "import/input_files.h"
 
 namespace refgrove {
@@ -53,13 +54,6 @@ struct ImportedWork {
   std::vector<std::string> authors;  // whole names, in their order
   std::string abstract;              // any text; empty when unknown
   std::vector<std::string> cites;    // keys of the cited works, repeats kept
-};
-
-// Which works a set keeps: those of the years FROM-TO (a work without a
-// year is then left out), or all.
-struct YearRange {
-  std::int32_t from = 0, to = 0;
-  bool contains(std::optional<std::int32_t> year) const { return year && *year >= from && *year <= to; }
 };
 
 struct WorkSetCounts {
@@ -94,6 +88,8 @@ class WorkReader {
 
 class WorkSet {
  public:
+  // Keeps the works of `years` (a work without a year is then left out),
+  // or all.
   explicit WorkSet(std::optional<YearRange> years = std::nullopt) : years_(years) {}
 
   void add(ImportedWork work);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/data_set.h"
+#include "graph/year_range.h"
 
 namespace refgrove {
 
@@ -22,12 +23,6 @@ enum class RankBy { citations, pagerank };
 // NetworkArgumentError for any other text.
 const char* to_text(RankBy by);
 RankBy rank_by_from_text(const std::string& text);
-
-// A closed range of record years.
-struct YearRange {
-  std::int32_t from;
-  std::int32_t to;
-};
 
 struct RankedDocument {
   std::int32_t did;

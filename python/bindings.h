@@ -50,6 +50,8 @@ void bind_fronts(py::class_<DataSetHandle>& c);
 void bind_tables(py::class_<DataSetHandle>& c);
 // preprocess (preprocess_binding.cc).
 void bind_preprocess(py::module_& m);
+// import_works (import_binding.cc).
+void bind_import(py::module_& m);
 
 }  // namespace refgrove::python
 

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "core/utf8_text.h"
+#include "import/input_files.h"
 #include "network/citation_graph.h"
 #include "preproc/preprocess.h"
 #include "preproc/staged_preprocess.h"
@@ -73,6 +74,11 @@ void register_error_translation() {
       const py::object row = e.pos.row < 0 ? py::object(py::none()) : py::int_(e.pos.row);
       const py::object column = e.pos.column < 0 ? py::object(py::none()) : py::int_(e.pos.column - 1);
       raise("DumpSyntaxError", py::make_tuple(message_text(message.str()), message_text(e.dump), row, column));
+    } catch (const ImportError& e) {
+      const py::object line = e.line == 0 ? py::object(py::none()) : py::int_(e.line);
+      const py::object field = e.field.empty() ? py::object(py::none()) : py::object(message_text(e.field));
+      raise("InputError", py::make_tuple(message_text(std::string(e.what()) + "\nnothing was written"),
+                                         message_text(e.file), line, field));
     } catch (const StagedRunError& e) {
       raise("PreprocessError", py::make_tuple(message_text(preprocess_message(e)), message_text(e.path)));
     } catch (const PreprocError& e) {

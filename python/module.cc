@@ -16,4 +16,5 @@ PYBIND11_MODULE(_refgrove, m) {
   bind_fronts(data_set);
   bind_tables(data_set);
   bind_preprocess(m);
+  bind_import(m);
 }

@@ -19,17 +19,20 @@ from ._errors import (
     DataDirectoryError,
     DumpSyntaxError,
     Error,
+    InputError,
     NotFoundError,
     PreprocessError,
 )
 from ._refgrove import __version__
 from ._data_set import AuthorImpact, CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
+from ._import import ImportResult, import_works
 from ._preprocess import PreprocessResult, preprocess
 
 __all__ = [
     "__version__",
     "load",
     "preprocess",
+    "import_works",
     "DataSet",
     "Document",
     "Hits",
@@ -37,6 +40,7 @@ __all__ = [
     "AuthorImpact",
     "Neighbourhood",
     "PreprocessResult",
+    "ImportResult",
     "Error",
     "ArgumentError",
     "NotFoundError",
@@ -44,4 +48,5 @@ __all__ = [
     "ClosedError",
     "PreprocessError",
     "DumpSyntaxError",
+    "InputError",
 ]

@@ -56,3 +56,16 @@ class DumpSyntaxError(PreprocessError):
         self.dump = dump
         self.row = row
         self.column = column
+
+
+class InputError(PreprocessError):
+    """An input of import_works cannot be used: ``path`` is the file (or the
+    format's name when that is unknown), ``line`` (from 1) and ``field`` the
+    place, None when the file as a whole or the record as a whole is at
+    fault. Nothing was written."""
+
+    def __init__(self, message: str, path: str, line: "int | None", field: "str | None") -> None:
+        """Keeps the message and the place."""
+        super().__init__(message, path)
+        self.line = line
+        self.field = field

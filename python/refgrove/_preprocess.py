@@ -27,8 +27,8 @@ class PreprocessResult:
     unindexed: int  # documents whose DID cannot be indexed
 
 
-def _tqdm_progress() -> Optional[Progress]:
-    """A tqdm bar of the bytes read, when tqdm is installed."""
+def _tqdm_progress(desc: str, unit: str) -> Optional[Progress]:
+    """A tqdm bar of the run `desc`, counting `unit`, when tqdm is installed."""
     try:
         from tqdm.auto import tqdm
     except ImportError:
@@ -38,12 +38,20 @@ def _tqdm_progress() -> Optional[Progress]:
     def show(done: int, total: int) -> None:
         nonlocal bar
         if bar is None:
-            bar = tqdm(total=total, unit="B", unit_scale=True, desc="preprocess")
+            bar = tqdm(total=total, unit=unit, unit_scale=unit == "B", desc=desc)
         bar.update(done - bar.n)
         if done >= total:
             bar.close()
 
     return show
+
+
+def _progress_callback(progress: Union[None, bool, Progress], desc: str, unit: str) -> Optional[Progress]:
+    """The callback that ``progress`` asks for: None or True a tqdm bar when
+    tqdm is installed, False none, else the callable itself."""
+    if progress is None or progress is True:
+        return _tqdm_progress(desc, unit)
+    return None if progress is False else progress
 
 
 def preprocess(
@@ -66,9 +74,5 @@ def preprocess(
     DumpSyntaxError when a dump does not parse, PreprocessError for any
     other failure.
     """
-    if progress is None or progress is True:
-        progress = _tqdm_progress()
-    elif progress is False:
-        progress = None
-    summary = _preprocess(os.fspath(dumps_dir), os.fspath(data_dir), progress)
+    summary = _preprocess(os.fspath(dumps_dir), os.fspath(data_dir), _progress_callback(progress, "preprocess", "B"))
     return PreprocessResult(**summary)

@@ -60,3 +60,12 @@ class _EdgeText:
 def _preprocess(
     dumps_dir: Union[str, bytes], data_dir: Union[str, bytes], progress: Optional[Callable[[int, int], object]]
 ) -> Dict[str, Any]: ...
+
+def _import_works(
+    format: Union[str, bytes],
+    inputs: List[str],
+    data_dir: str,
+    years: Optional[Tuple[int, int]],
+    skip_bad: bool,
+    progress: Optional[Callable[[int, int], object]],
+) -> Dict[str, Any]: ...
