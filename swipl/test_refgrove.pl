@@ -643,7 +643,7 @@ test(limit_zero_is_all_and_total_counts_the_rest) :-
 % predicate, as do the foreign predicates' own errors.
 test(options_and_errors_name_the_public_predicate) :-
     forall(member(Goal-Formal-PI,
-                  [ refgrove_search(graph, _, [limt(3)])-domain_error(oneof([limit/1, mode/1]), limt(3))-(refgrove_search/3),
+                  [ refgrove_search(graph, _, [limt(3)])-domain_error(oneof([limit/1, mode/1, exact/1, total/1]), limt(3))-(refgrove_search/3),
                     refgrove_ranked(citations, _, [limit(2), year(1995)])-
                         domain_error(oneof([limit/1, total/1, years/2]), year(1995))-(refgrove_ranked/3),
                     refgrove_similar(110, coupling, _, [limits(1)])-domain_error(oneof([limit/1, total/1]), limits(1))-
