@@ -38,7 +38,7 @@ struct Served {
 Served& served() {
   static Served* s = [] {
     auto* s = new Served;
-    s->slot.replace(fuzz::sample_set());
+    s->slot.replace(refgrove::fuzz::sample_set());
     refgrove::web::ExplorerOptions options;
     options.allowed_hosts = {"fuzz"};
     s->open = std::make_unique<ExplorerServer>(s->slot, options);

@@ -14,7 +14,7 @@
 #include "preproc/refgrove_preproc.h"
 #include "web/serve.h"
 
-namespace fuzz {
+namespace refgrove::fuzz {
 
 inline const refgrove::DataSetPtr& sample_set() {
   static const refgrove::DataSetPtr set = [] {
@@ -30,6 +30,6 @@ inline const refgrove::DataSetPtr& sample_set() {
   return set;
 }
 
-}  // namespace fuzz
+}  // namespace refgrove::fuzz
 
 #endif  // REFGROVE_FUZZ_SAMPLE_SET_H_
