@@ -149,11 +149,11 @@ struct DocumentGenerator::State {
 };
 
 DocumentGenerator::DocumentGenerator(const DocumentGeneratorOptions& options)
-    : state_(new State(options)), count_(std::max<std::int64_t>(options.docs, 0)) {
+    : state_(std::make_unique<State>(options)), count_(std::max<std::int64_t>(options.docs, 0)) {
   state_->dids.reserve(static_cast<std::size_t>(count_));
 }
 
-DocumentGenerator::~DocumentGenerator() { delete state_; }
+DocumentGenerator::~DocumentGenerator() = default;  // where State is complete
 
 bool DocumentGenerator::next(GeneratedDocument* doc) {
   if (made_ == count_) return false;

@@ -11,6 +11,7 @@
 #define REFGROVE_GENERATE_DOCUMENT_GENERATOR_H_
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,8 +41,6 @@ class DocumentGenerator {
  public:
   explicit DocumentGenerator(const DocumentGeneratorOptions& options);
   ~DocumentGenerator();
-  DocumentGenerator(const DocumentGenerator&) = delete;
-  DocumentGenerator& operator=(const DocumentGenerator&) = delete;
 
   // The next document into `doc`; false after the last.
   bool next(GeneratedDocument* doc);
@@ -49,7 +48,7 @@ class DocumentGenerator {
 
  private:
   struct State;
-  State* state_;
+  std::unique_ptr<State> state_;
   std::int64_t count_, made_ = 0;
 };
 
