@@ -76,6 +76,7 @@ foreign_t preproc_pred(term_t args, int arity, control_t control);
 
 std::span<const ForeignPredicate> network_predicates();
 std::span<const ForeignPredicate> search_predicates();
+std::span<const ForeignPredicate> fronts_predicates();
 
 }  // namespace refgrove::swipl
 

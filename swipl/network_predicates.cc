@@ -14,56 +14,12 @@
 #include "network/neighbourhood.h"
 #include "network/ranking.h"
 #include "network/similarity.h"
+#include "swipl/analysis_args.h"
 #include "swipl/library_data.h"
 #include "swipl/prolog_text.h"
 
 namespace refgrove::swipl {
 namespace {
-
-// Runs an analysis whose unknown DID or author makes the call fail.
-template <class F>
-bool answered(F f) {
-  try {
-    return f();
-  } catch (const NetworkArgumentError&) {
-    return false;
-  }
-}
-
-bool get_int64_input(term_t t, std::int64_t* value) {
-  if (!PL_is_integer(t)) return PL_type_error("integer", t);
-  return PL_get_int64(t, value) || PL_representation_error("int64");
-}
-
-// An atom out of the names `text_of` gives for the values of T.
-template <class T>
-bool get_choice(term_t t, T (*from_text)(const std::string&), T* value) {
-  char* text = nullptr;
-  if (!PL_get_atom_chars(t, &text)) return PL_type_error("atom", t);
-  try {
-    *value = from_text(text);
-    return true;
-  } catch (const NetworkArgumentError&) {
-    return PL_domain_error("refgrove_option", t);
-  }
-}
-
-bool put_number(term_t t, double value) { return PL_put_float(t, value); }
-bool put_number(term_t t, std::int64_t value) { return PL_put_int64(t, value); }
-
-// Unifies `list` with [A1-B1, ...].
-template <class Item, class Left, class Right>
-bool unify_pairs(term_t list, const std::vector<Item>& items, Left left, Right right) {
-  static const functor_t minus = PL_new_functor(PL_new_atom("-"), 2);
-  const term_t result = PL_new_term_ref(), pair = PL_new_term_ref(), a = PL_new_term_ref(), b = PL_new_term_ref();
-  PL_put_nil(result);
-  for (auto it = items.rbegin(); it != items.rend(); ++it) {
-    if (!put_number(a, left(*it)) || !put_number(b, right(*it)) || !PL_cons_functor(pair, minus, a, b) ||
-        !PL_cons_list(result, pair, result))
-      return false;
-  }
-  return PL_unify(list, result);
-}
 
 foreign_t citation_count_pred(term_t args, int, control_t) {
   int did = 0;
@@ -144,19 +100,22 @@ foreign_t neighbourhood_pred(term_t args, int, control_t) {
   });
 }
 
-// '$refgrove_similar'(+Did, +By, +Limit, -Pairs)
+// '$refgrove_similar'(+Did, +By, +Measure, +Limit, -Pairs): counts as
+// integers, the normalised measures as floats.
 foreign_t similar_pred(term_t args, int, control_t) {
   int did = 0;
   SimilarBy by{};
+  SimilarMeasure measure{};
   std::int64_t limit = 0;
   if (!get_int_input(args, &did) || !get_choice(args + 1, similar_by_from_text, &by) ||
-      !get_int64_input(args + 2, &limit))
+      !get_choice(args + 2, similar_measure_from_text, &measure) || !get_int64_input(args + 3, &limit))
     return false;
   return answered([&] {
-    return unify_pairs(
-        args + 3, similar(current_data(), did, by, limit),
-        [](const SimilarDocument& s) { return std::int64_t{s.did}; },
-        [](const SimilarDocument& s) { return std::int64_t{s.count}; });
+    const auto found = similar(current_data(), did, by, limit, measure);
+    const auto did_of = [](const SimilarDocument& s) { return std::int64_t{s.did}; };
+    if (measure == SimilarMeasure::count)
+      return unify_pairs(args + 4, found, did_of, [](const SimilarDocument& s) { return std::int64_t{s.count}; });
+    return unify_pairs(args + 4, found, did_of, [](const SimilarDocument& s) { return s.score; });
   });
 }
 
@@ -177,7 +136,7 @@ constexpr ForeignPredicate kPredicates[] = {
     {"refgrove_collaboration_path", 3, guarded<collaboration_path_pred>, false},
     {"$refgrove_citation_distance", 4, guarded<citation_distance_pred>, false},
     {"$refgrove_neighbourhood", 6, guarded<neighbourhood_pred>, false},
-    {"$refgrove_similar", 4, guarded<similar_pred>, false},
+    {"$refgrove_similar", 5, guarded<similar_pred>, false},
     {"refgrove_component", 3, guarded<component_pred>, false},
 };
 

@@ -646,7 +646,7 @@ test(options_and_errors_name_the_public_predicate) :-
                   [ refgrove_search(graph, _, [limt(3)])-domain_error(oneof([limit/1, mode/1, exact/1, total/1]), limt(3))-(refgrove_search/3),
                     refgrove_ranked(citations, _, [limit(2), year(1995)])-
                         domain_error(oneof([limit/1, total/1, years/2]), year(1995))-(refgrove_ranked/3),
-                    refgrove_similar(110, coupling, _, [limits(1)])-domain_error(oneof([limit/1, total/1]), limits(1))-
+                    refgrove_similar(110, coupling, _, [limits(1)])-domain_error(oneof([measure/1, limit/1, total/1]), limits(1))-
                         (refgrove_similar/4),
                     refgrove_neighbourhood(110, _, _, [hop(2)])-
                         domain_error(oneof([hops/1, direction/1, limit/1, total/1]), hop(2))-(refgrove_neighbourhood/4),
@@ -673,6 +673,109 @@ test(negative_hops, error(type_error(nonneg, -1))) :- refgrove_neighbourhood(110
 test(unbound_did, error(instantiation_error)) :- refgrove_pagerank(_, _).
 
 :- end_tests(refgrove_network).
+
+:- begin_tests(refgrove_fronts, [setup(load_sample)]).
+
+% The Id-Size pairs that refgrove_cluster/3 enumerates, counted.
+member_counts(Graph, Counts) :-
+    findall(Id, refgrove_cluster(Graph, _, Id), Ids),
+    msort(Ids, Sorted),
+    clumped(Sorted, Counts).
+
+test(clusters_agree_with_their_members) :-
+    forall(member(Graph, [citation, cocitation, coupling, coauthor]),
+           (   refgrove_clusters(Graph, Clusters, [seed(7), modularity(M)]),
+               findall(Id-Size, member(cluster(Id, Size, _), Clusters), Expected),
+               member_counts(Graph, Counts),
+               assertion(Counts == Expected),
+               assertion(number(M)),
+               forall(refgrove_cluster(Graph, Member, Id),
+                      assertion(refgrove_cluster(Graph, Member, Id)))
+           )).
+
+test(clusters_numbered_by_size_and_labelled) :-
+    refgrove_clusters(citation, Clusters, []),
+    findall(S, member(cluster(_, S, _), Clusters), Sizes),
+    msort(Sizes, Ascending), reverse(Ascending, Descending),
+    assertion(Sizes == Descending),
+    forall(member(cluster(_, _, Label), Clusters),
+           ( assertion(is_list(Label)), length(Label, N), assertion(N =< 3) )).
+
+test(cluster_of_no_member_fails) :-
+    refgrove_clusters(citation, _, []),
+    assertion(\+ refgrove_cluster(citation, 99999, _)).
+
+% Every link of the main path is a citation, from a source to a sink.
+test(main_path_follows_citations) :-
+    refgrove_main_path(Path),
+    assertion(Path = [_, _|_]),
+    forall(nextto(A, B, Path), assertion(refgrove_cites(A, B))),
+    Path = [Source|_], last(Path, Sink),
+    assertion(\+ refgrove_cites(_, Source)),
+    assertion(\+ ( refgrove_cites(Sink, C), refgrove_has_graph_info(C) )).
+
+% The h-index of every author, from their documents' citation counts.
+test(h_index_by_its_definition) :-
+    refgrove_get_nb_authors(Authors),
+    Last is Authors - 1,
+    forall(between(0, Last, A),
+           (   findall(C, ( refgrove_author_document(A, D), refgrove_citation_count(D, C) ), Counts),
+               msort(Counts, Ascending), reverse(Ascending, Descending),
+               h_of(Descending, 1, H),
+               assertion(refgrove_h_index(A, H))
+           )).
+
+h_of([C|Cs], I, H) :- C >= I, !, I1 is I + 1, h_of(Cs, I1, H).
+h_of(_, I, H) :- H is I - 1.
+
+test(author_ranking_by_h_index) :-
+    refgrove_author_ranked(h_index, Pairs, [limit(0), total(Total)]),
+    refgrove_get_nb_authors(Total),
+    forall(member(A-H, Pairs), assertion(refgrove_h_index(A, H))),
+    assertion(sorted_best_first(Pairs)),
+    refgrove_author_ranked('h-index', Top, [limit(3)]),
+    assertion(append(Top, _, Pairs)).
+
+sorted_best_first(Pairs) :-
+    forall(nextto(A1-V1, A2-V2, Pairs), ( V1 > V2 ; V1 =:= V2, A1 < A2 )).
+
+% A document's citations per year add up to its distinct citing documents
+% with a year (-1 when unknown).
+test(citations_by_year_sum_to_the_citations) :-
+    forall(( refgrove_document(Did), refgrove_citation_count(Did, Count) ),
+           (   refgrove_citations_by_year(Did, Years),
+               aggregate_all(sum(N), member(_-N, Years), Sum),
+               aggregate_all(count, C, ( refgrove_cites(C, Did), refgrove_has_graph_info(C),
+                                         refgrove_get_year(C, Year), Year >= 0 ), Dated),
+               assertion(Sum =< Count),
+               assertion(Sum =:= Dated)
+           )),
+    assertion(\+ refgrove_citations_by_year(author(99999), _)).
+
+test(similar_by_jaccard) :-
+    refgrove_similar(110, coupling, Pairs, [measure(jaccard), limit(0)]),
+    forall(member(D-Score, Pairs),
+           (   setof(X, refgrove_cites(110, X), A),
+               setof(X, refgrove_cites(D, X), B),
+               ord_intersection(A, B, Both), ord_union(A, B, Either),
+               length(Both, NB), length(Either, NE),
+               assertion(abs(Score - NB / NE) < 1.0e-12)
+           )).
+
+test(bad_options, [forall(member(Goal-Formal,
+        [ refgrove_clusters(foo, _, [])-domain_error(refgrove_option, foo),
+          refgrove_clusters(citation, _, [quality(best)])-domain_error(refgrove_option, best),
+          refgrove_clusters(citation, _, [seed(-1)])-domain_error(nonneg, -1),
+          refgrove_clusters(citation, _, [resolution(a)])-type_error(number, a),
+          refgrove_clusters(citation, _, [min_weight(0)])-domain_error(positive_integer, 0),
+          refgrove_clusters(citation, _, [size(1)])-domain_error(oneof(_), size(1)),
+          refgrove_author_ranked(fame, _, [])-domain_error(refgrove_option, fame),
+          refgrove_author_ranked(h_index, _, [limit(-1)])-type_error(nonneg, -1)
+        ]))]) :-
+    catch(Goal, error(Caught, _), true),
+    assertion(subsumes_term(Formal, Caught)).
+
+:- end_tests(refgrove_fronts).
 
 :- begin_tests(refgrove_search).
 

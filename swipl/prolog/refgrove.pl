@@ -798,13 +798,23 @@ refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
 
 %!  refgrove_similar(+Did, +By, -Pairs, +Options) is semidet.
 %
-%   Pairs are the documents most like Did as Did-Count pairs, by count
+%   Pairs are the documents most like Did as Did-Score pairs, by score
 %   descending, then by ascending DID, Did itself left out. By
 %   `cocitation` counts the distinct documents citing both; by
 %   `coupling` the distinct documents both cite. Fails when Did has no
-%   graph record. Options: limit(+N), at most N pairs (default 10;
-%   `limit(0)` gives all of them); total(-Total), the number of similar
-%   documents however many the limit kept.
+%   graph record. Options:
+%
+%     - measure(+Measure)
+%       `count` (default: Score is the count, an integer), `cosine`
+%       (Salton's cosine: the count divided by the square root of the
+%       product of the two documents' citing, or cited, documents) or
+%       `jaccard` (the count divided by the size of their union); both
+%       floats, which do not favour highly cited documents as counts do.
+%     - limit(+N)
+%       At most N pairs (default 10); `limit(0)` gives all of them.
+%     - total(-Total)
+%       Total is the number of similar documents however many the limit
+%       kept.
 %
 %   @error domain_error(refgrove_option, By) for another measure.
 %   @error domain_error(oneof(Valid), Option) for an option not in Valid.
@@ -815,11 +825,12 @@ refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
 %   ```
 
 refgrove_similar(Did, By, Pairs, Options) :-
-    known_options(Options, [limit/1, total/1], refgrove_similar/4),
+    known_options(Options, [measure/1, limit/1, total/1], refgrove_similar/4),
+    option(measure(Measure), Options, count),
     option(limit(Limit), Options, 10),
     must_be(nonneg, Limit),
     asked_limit(Limit, Options, Max),
-    as_public(refgrove_similar/4, '$refgrove_similar'(Did, By, Max, All)),
+    as_public(refgrove_similar/4, '$refgrove_similar'(Did, By, Measure, Max, All)),
     kept(Limit, Options, All, Pairs).
 
 %!  refgrove_component(+Did, -Id, -Size) is semidet.
@@ -921,3 +932,178 @@ refgrove_search(Query, Hits, Options) :-
     must_be(boolean, Exact),
     as_public(refgrove_search/3, '$refgrove_search'(Query, Mode, Exact, Limit, Hits, Total)),
     option(total(Total), Options, _).
+
+
+		 /*******************************
+		 *     THE STRUCTURE OF A FIELD *
+		 *******************************/
+
+/* Clusters (research fronts), the main path, author impact and timelines.
+   What they build is built on first use and released on reload, as the
+   analyses of the network are.
+*/
+
+:- export(refgrove_clusters/3).           % +Graph, -Clusters, +Options
+:- export(refgrove_cluster/3).            % +Graph, ?Member, ?Id
+:- export(refgrove_main_path/1).          % -Dids
+:- export(refgrove_h_index/2).            % +AuthorId, -H
+:- export(refgrove_author_ranked/3).      % +By, -Pairs, +Options
+:- export(refgrove_citations_by_year/2).  % +DidOrAuthor, -YearCounts
+
+%!  refgrove_clusters(+Graph, -Clusters, +Options) is det.
+%
+%   Clusters are the clusters of Graph found by the Leiden algorithm, as
+%   terms cluster(Id, Size, Label), numbered from 0 by size (members)
+%   descending. Label is the list of the cluster's most characteristic
+%   title words (at most three, best first: frequent in the cluster, rare
+%   outside it). Graph is `citation` (the citation graph taken undirected),
+%   `cocitation` or `coupling` (documents linked by how many documents
+%   cite both, or both cite) or `coauthor` (authors linked by their joint
+%   documents; its members are author ids). The same options give the same
+%   clusters. Options:
+%
+%     - quality(+Quality)
+%       `modularity` (default) or `cpm` (the constant Potts model).
+%     - resolution(+R)
+%       Larger for more, smaller clusters (default 1.0).
+%     - seed(+S)
+%       The seed of the random choices (default 1).
+%     - min_citations(+N), min_weight(+W)
+%       For `cocitation` and `coupling`: the documents with at least N
+%       citations (default 1), linked by at least W (default 1).
+%     - iterations(+N)
+%       How many iterations of the algorithm (default 0: until one moves
+%       nothing, at most 1000).
+%     - modularity(-M)
+%       M is the modularity of the clusters (resolution 1).
+%
+%   refgrove_cluster/3 then reads the clustering these options made.
+%
+%   ```
+%   ?- refgrove_clusters(citation, [C|_], []).
+%   C = cluster(0, 10, [data, structures, amortized]).
+%   ```
+%
+%   @error domain_error(refgrove_option, Graph) for another graph, and
+%   the same for another quality.
+%   @error domain_error(oneof(Valid), Option) for an option not in Valid.
+
+refgrove_clusters(Graph, Clusters, Options) :-
+    cluster_options(Graph, Options, refgrove_clusters/3, Term),
+    as_public(refgrove_clusters/3, '$refgrove_clusters'(Term, Clusters, Modularity)),
+    option(modularity(Modularity), Options, _),
+    with_mutex(refgrove_clusters,
+               ( retractall(last_cluster_options(Graph, _)),
+                 assertz(last_cluster_options(Graph, Term)) )).
+
+:- dynamic last_cluster_options/2.
+
+cluster_options(Graph, Options, PI, cluster_options(Graph, Quality, Resolution, Seed, MinCitations,
+                                                    MinWeight, Iterations)) :-
+    must_be(atom, Graph),
+    known_options(Options, [quality/1, resolution/1, seed/1, min_citations/1, min_weight/1,
+                            iterations/1, modularity/1], PI),
+    option(quality(Quality), Options, modularity),
+    option(resolution(Resolution), Options, 1.0),
+    option(seed(Seed), Options, 1),
+    option(min_citations(MinCitations), Options, 1),
+    option(min_weight(MinWeight), Options, 1),
+    option(iterations(Iterations), Options, 0).
+
+%!  refgrove_cluster(+Graph, ?Member, ?Id) is nondet.
+%
+%   Member (a DID, or an author id for `coauthor`) is in cluster Id of
+%   Graph, in the clustering of the last refgrove_clusters/3 call on
+%   Graph (in any thread), or with the default options when there was
+%   none. Enumerates the members in ascending order when Member is
+%   unbound; fails for a Member outside the graph.
+%
+%   ```
+%   ?- refgrove_cluster(citation, 110, Id).
+%   Id = 1.
+%   ```
+
+refgrove_cluster(Graph, Member, Id) :-
+    (   last_cluster_options(Graph, Term)
+    ->  true
+    ;   cluster_options(Graph, [], refgrove_cluster/3, Term)
+    ),
+    (   var(Member)
+    ->  as_public(refgrove_cluster/3, '$refgrove_cluster_members'(Term, Pairs)),
+        member(Member-Id, Pairs)
+    ;   as_public(refgrove_cluster/3, '$refgrove_cluster_of'(Term, Member, Id0)),
+        Id = Id0
+    ).
+
+%!  refgrove_main_path(-Dids) is det.
+%
+%   Dids is the global main path of the citation graph, from a document
+%   that no document cites to one that cites none, each citing the next:
+%   the path with the largest sum of search path count weights (an
+%   edge's weight is the number of paths from a source to a sink through
+%   it). Documents citing each other in a cycle are taken together, in
+%   ascending DID order.
+%
+%   ```
+%   ?- refgrove_main_path(Dids).
+%   Dids = [145, 137, 127, 119, 115, 110, 107, 105, 101].
+%   ```
+
+%!  refgrove_h_index(+AuthorId, -H) is semidet.
+%
+%   H is the h-index of the author: the largest H such that H of their
+%   documents have at least H citations each within the set. Fails for an
+%   id outside the author table.
+%
+%   ```
+%   ?- refgrove_h_index(3, H).
+%   H = 3.
+%   ```
+
+%!  refgrove_author_ranked(+By, -Pairs, +Options) is det.
+%
+%   Pairs are the authors as AuthorId-Value pairs, best first, ties by
+%   ascending id, by `h_index` (or `'h-index'`), `citations` (the
+%   citations their documents received) or `documents`. Options: limit(+N), at most N pairs
+%   (default 10; `limit(0)` gives all of them); total(-Total), the number
+%   of authors however many the limit kept.
+%
+%   ```
+%   ?- refgrove_author_ranked(h_index, Pairs, [limit(2)]).
+%   Pairs = [3-3, 4-2].
+%   ```
+%
+%   @error domain_error(refgrove_option, By) for another measure.
+%   @error domain_error(oneof(Valid), Option) for an option not in Valid.
+
+refgrove_author_ranked(By, Pairs, Options) :-
+    known_options(Options, [limit/1, total/1], refgrove_author_ranked/3),
+    option(limit(Limit), Options, 10),
+    must_be(nonneg, Limit),
+    must_be(atom, By),
+    (   By == h_index
+    ->  Measure = 'h-index'
+    ;   Measure = By
+    ),
+    asked_limit(Limit, Options, Max),
+    as_public(refgrove_author_ranked/3, '$refgrove_author_ranked'(Measure, Max, All)),
+    kept(Limit, Options, All, Pairs).
+
+%!  refgrove_citations_by_year(+Of, -YearCounts) is semidet.
+%
+%   YearCounts are the citations that Of received per year of the citing
+%   document, as Year-Count pairs by ascending year (citing documents
+%   without a year left out). Of is a DID, or author(AuthorId) for the
+%   citations of all the author's documents. Fails when the DID has no
+%   graph record or the id names no author.
+%
+%   ```
+%   ?- refgrove_citations_by_year(110, YearCounts).
+%   YearCounts = [1997-2, 1998-1, 1999-1, 2000-1, 2001-1].
+%   ```
+
+refgrove_citations_by_year(author(Author), YearCounts) :-
+    !,
+    as_public(refgrove_citations_by_year/2, '$refgrove_author_citations_by_year'(Author, YearCounts)).
+refgrove_citations_by_year(Did, YearCounts) :-
+    as_public(refgrove_citations_by_year/2, '$refgrove_citations_by_year'(Did, YearCounts)).
