@@ -106,13 +106,18 @@ py::tuple ranked_documents(const DataSetHandle& self, py::handle by_arg, py::han
   });
 }
 
-py::tuple similar_documents(const DataSetHandle& self, py::handle did_arg, py::handle by_arg, py::handle limit_arg) {
+// Counts as ints, the normalised measures as floats.
+py::tuple similar_documents(const DataSetHandle& self, py::handle did_arg, py::handle by_arg, py::handle measure_arg,
+                            py::handle limit_arg) {
   const std::int32_t did = id_arg(did_arg, "DID");
   const SimilarBy by = similar_by_from_text(text_arg(by_arg, "by"));
+  const SimilarMeasure measure = similar_measure_from_text(text_arg(measure_arg, "measure"));
   const std::int64_t limit = count_arg(limit_arg, "the limit");
   const std::vector<SimilarDocument> found =
-      without_gil(self, [&](const RefgroveData& d) { return similar(d, did, by, one_more(limit)); });
-  return cut(found, limit, [](const SimilarDocument& s) { return py::make_tuple(s.did, s.count); });
+      without_gil(self, [&](const RefgroveData& d) { return similar(d, did, by, one_more(limit), measure); });
+  if (measure == SimilarMeasure::count)
+    return cut(found, limit, [](const SimilarDocument& s) { return py::make_tuple(s.did, s.count); });
+  return cut(found, limit, [](const SimilarDocument& s) { return py::make_tuple(s.did, s.score); });
 }
 
 // The first `limit` nodes and the citations among them; the nodes come
@@ -204,8 +209,8 @@ void bind_data_set(py::class_<DataSetHandle>& c) {
            "Hits (did, score) best first, and whether the limit cut them.")
       .def("_ranked", &ranked_documents, py::arg("by"), py::arg("limit"), py::arg("years"),
            "Documents (did, score) best first, and whether the limit cut them.")
-      .def("_similar", &similar_documents, py::arg("did"), py::arg("by"), py::arg("limit"),
-           "Documents (did, count) best first, and whether the limit cut them.")
+      .def("_similar", &similar_documents, py::arg("did"), py::arg("by"), py::arg("measure"), py::arg("limit"),
+           "Documents (did, score) best first, and whether the limit cut them.")
       .def("_neighbourhood", &neighbourhood_of, py::arg("did"), py::arg("hops"), py::arg("direction"), py::arg("limit"),
            "Nodes (did, hops), edges (citing, cited), and whether the limit cut the nodes.")
       .def("_collaboration_path", &collaboration, py::arg("a"), py::arg("b"),

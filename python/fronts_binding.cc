@@ -1,17 +1,23 @@
-// The network's structure in time (fronts/): the main path, the longest
-// citation path, search path count weights, author impact and rankings,
-// timelines. Built on first use without the GIL, as the analyses are.
+// The network's structure in time (fronts/): clusters, the main path, the
+// longest citation path, search path count weights, author impact and
+// rankings, timelines. Built on first use without the GIL, as the analyses
+// are.
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "fronts/author_impact.h"
+#include "fronts/clusters.h"
 #include "fronts/main_path.h"
 #include "network/citation_graph.h"
 #include "python/arguments.h"
 #include "python/bindings.h"
+#include "python/errors.h"
 #include "python/numpy_arrays.h"
 
 namespace refgrove::python {
@@ -60,6 +66,73 @@ Timeline timeline(const DataSetHandle& self, py::handle did_arg, py::handle auth
   return without_gil(self, [&](const RefgroveData& d) { return author_citations_by_year(d, author); });
 }
 
+// The options of a clustering, as the Python part passes them: a tuple
+// (graph, quality, resolution, seed, min_citations, min_weight, iterations).
+ClusterOptions cluster_options(const py::tuple& t) {
+  if (t.size() != 7) throw py::type_error("cluster options: a tuple of 7 items");
+  const py::handle graph = t[0], quality = t[1], seed = t[3], min_citations = t[4], min_weight = t[5],
+                   iterations = t[6];
+  const double resolution = t[2].cast<double>();
+  ClusterOptions o;
+  o.graph = cluster_graph_from_text(text_arg(graph, "graph"));
+  o.quality = cluster_quality_from_text(text_arg(quality, "quality"));
+  if (!(resolution >= 0)) throw FaceError(FaceError::Kind::argument, "the resolution must be 0 or more");
+  o.resolution = resolution;
+  o.seed = static_cast<std::uint64_t>(count_arg(seed, "the seed"));
+  const auto int32_count = [](py::handle value, const char* what) {
+    return static_cast<std::int32_t>(std::min<std::int64_t>(count_arg(value, what), INT32_MAX));
+  };
+  o.min_citations = int32_count(min_citations, "min_citations");
+  o.min_weight = int32_count(min_weight, "min_weight");
+  if (o.min_weight < 1) throw FaceError(FaceError::Kind::argument, "min_weight must be 1 or more");
+  o.iterations = int32_count(iterations, "iterations");
+  return o;
+}
+
+py::tuple describe(const Cluster& c) {
+  return py::make_tuple(c.size, c.documents, c.modularity, optional_year(c.first_year), optional_year(c.last_year),
+                        c.top, c.label);
+}
+
+// (members, membership, clusters, modularity, quality, iterations, stable):
+// the members and each one's cluster as arrays, each cluster described.
+py::tuple clusters(const DataSetHandle& self, const py::tuple& options_arg) {
+  const ClusterOptions options = cluster_options(options_arg);
+  const std::shared_ptr<const Clustering> c =
+      without_gil(self, [&](const RefgroveData& d) { return Clustering::of(d, options); });
+  const auto n = static_cast<py::ssize_t>(c->members().size());
+  std::vector<std::int32_t> members(c->members().begin(), c->members().end());
+  std::vector<std::int32_t> membership(c->cluster_of_members().begin(), c->cluster_of_members().end());
+  py::list described;
+  for (const Cluster& cluster : c->clusters()) described.append(describe(cluster));
+  return py::make_tuple(owning<std::int32_t>(std::move(members), {n}),
+                        owning<std::int32_t>(std::move(membership), {n}), described, c->modularity(), c->quality(),
+                        c->iterations(), c->stable());
+}
+
+Timeline cluster_timeline(const DataSetHandle& self, const py::tuple& options_arg, py::handle cluster_arg,
+                          bool documents) {
+  const ClusterOptions options = cluster_options(options_arg);
+  const std::int64_t cluster = count_arg(cluster_arg, "cluster id");
+  return without_gil(self, [&](const RefgroveData& d) {
+    const std::shared_ptr<const Clustering> c = Clustering::of(d, options);
+    c->require_cluster(cluster);
+    const auto id = static_cast<std::int32_t>(cluster);
+    return documents ? cluster_documents_by_year(d, *c, id) : cluster_citations_by_year(d, *c, id);
+  });
+}
+
+// The h-index of every author, by author id.
+py::array h_indexes(const DataSetHandle& self) {
+  std::vector<std::int32_t> h = without_gil(self, [](const RefgroveData& d) {
+    std::vector<std::int32_t> out;
+    for (const AuthorImpact& a : author_impacts(d)) out.push_back(a.h_index);
+    return out;
+  });
+  const auto n = static_cast<py::ssize_t>(h.size());
+  return owning<std::int32_t>(std::move(h), {n});
+}
+
 }  // namespace
 
 void bind_fronts(py::class_<DataSetHandle>& c) {
@@ -93,7 +166,14 @@ void bind_fronts(py::class_<DataSetHandle>& c) {
            "(documents, citations, h_index, first_year, last_year) of an author.")
       .def("_ranked_authors", &authors_ranked, py::arg("by"), py::arg("limit"),
            "Authors (id, value) best first, and whether the limit cut them.")
-      .def("timeline", &timeline, py::arg("did") = py::none(), py::kw_only(), py::arg("author") = py::none(),
+      .def("_clusters", &clusters, py::arg("options"),
+           "(members, membership, clusters, modularity, quality, iterations, stable) of a clustering.")
+      .def("_cluster_timeline", &cluster_timeline, py::arg("options"), py::arg("cluster"), py::arg("documents"),
+           "(year, count) pairs of a cluster: citations received, or its documents.")
+      .def("h_index", &h_indexes,
+           "The h-index of every author, indexed by author id (int32): the largest h such that h of\n"
+           "their documents have at least h citations each within the set.")
+      .def("citations_by_year", &timeline, py::arg("did") = py::none(), py::kw_only(), py::arg("author") = py::none(),
            "The citations that document `did`, or (author=ID) the documents of an author, received per\n"
            "year of the citing document: (year, count) pairs by ascending year, citing documents\n"
            "without a year left out. Raises ArgumentError for a DID without a graph record or an\n"

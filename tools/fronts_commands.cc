@@ -26,7 +26,7 @@ struct ClusterArgs {
   std::int64_t seed = 1;
   std::int32_t min_citations = 1;
   std::int32_t min_weight = 1;
-  std::int32_t iterations = 0;
+  std::int32_t iterations = ClusterOptions{}.iterations;
 
   void add_to(CLI::App* cmd) {
     cmd->add_option("--graph", graph, "the graph clustered")
@@ -78,8 +78,8 @@ const char kClustersHelp[] =
     "document (DID) or, for the co-author graph, per author id instead:\n"
     "ID<TAB>CLUSTER. --format json gives the modularity and, per cluster, its\n"
     "size, documents, modularity share, years, most cited documents and label\n"
-    "(or the members). The iterations repeat until one moves nothing (at most\n"
-    "1000), or --iterations times.\n"
+    "(or the members). The algorithm runs --iterations times (10); with 0 it\n"
+    "repeats until one moves nothing (at most 1000), slow on large sets.\n"
     "Graphs: citation (citations taken both ways), cocitation and coupling\n"
     "(documents with --min-citations, links of --min-weight shared citations),\n"
     "coauthor (authors linked by their shared documents).\n"
@@ -119,12 +119,22 @@ nlohmann::ordered_json clustering_json(const Clustering& c, bool members) {
   return j;
 }
 
+// Clusters that a further iteration could still change are what was asked
+// for, but the user should know.
+void note_unstable(const Clustering& c, CommandContext& ctx) {
+  if (c.options().iterations == 0) {
+    ctx.err << "refgrove clusters: still moving nodes after " << c.iterations()
+            << " iterations, where the search stops; these are the clusters it reached\n";
+  } else {
+    ctx.err << "refgrove clusters: nodes were still moving after " << c.iterations()
+            << " iterations; --iterations 0 repeats them until none moves\n";
+  }
+}
+
 int run_clusters(const ClustersArgs& args, CommandContext& ctx) {
   return run_on("clusters", args.dir, ctx, [&](const RefgroveData& d) {
     const std::shared_ptr<const Clustering> c = args.cluster.clustering(d);
-    if (args.cluster.iterations == 0 && !c->stable())
-      ctx.err << "refgrove clusters: still moving nodes after " << c->iterations()
-              << " iterations, where the search stops; these are the clusters it reached\n";
+    if (!c->stable()) note_unstable(*c, ctx);
     if (args.format == "json") {
       ctx.out << clustering_json(*c, args.members).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)
               << "\n";

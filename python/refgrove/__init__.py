@@ -24,7 +24,7 @@ from ._errors import (
     PreprocessError,
 )
 from ._refgrove import __version__
-from ._data_set import AuthorImpact, CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
+from ._data_set import AuthorImpact, Cluster, Clusters, CollaborationPath, DataSet, Document, Hits, Neighbourhood, load
 from ._import import ImportResult, import_works
 from ._preprocess import PreprocessResult, preprocess
 
@@ -38,6 +38,8 @@ __all__ = [
     "Hits",
     "CollaborationPath",
     "AuthorImpact",
+    "Cluster",
+    "Clusters",
     "Neighbourhood",
     "PreprocessResult",
     "ImportResult",

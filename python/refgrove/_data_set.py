@@ -68,6 +68,64 @@ class AuthorImpact(NamedTuple):
     last_year: Optional[int]
 
 
+class Cluster(NamedTuple):
+    """One cluster: ``size`` (members), ``documents`` (its documents: the
+    members, or for the co-author graph the documents of its authors),
+    ``modularity`` (its share of the clustering's), ``first_year`` and
+    ``last_year`` of its documents (None when none has a year), ``top``
+    (DIDs of its most cited documents, at most 5) and ``label`` (its most
+    characteristic title words, at most 3, best first)."""
+
+    size: int
+    documents: int
+    modularity: float
+    first_year: Optional[int]
+    last_year: Optional[int]
+    top: List[int]
+    label: List[str]
+
+
+class Clusters(list):
+    """The clusters of a graph, as a list of Cluster by id (numbered from 0 by
+    size, largest first), with ``members`` (DIDs ascending, or author ids
+    for the co-author graph; numpy int32) and ``membership`` (each member's
+    cluster id, aligned with ``members``), the ``modularity`` (resolution 1)
+    and ``quality`` (what was optimised) of the clustering, how many
+    ``iterations`` ran and whether the last moved nothing (``stable``)."""
+
+    def __init__(self, data_set: "DataSet", options: tuple) -> None:
+        """The clustering of ``data_set`` with these options."""
+        members, membership, clusters, modularity, quality, iterations, stable = data_set._clusters(options)
+        super().__init__(Cluster(*c[:-2], list(c[-2]), list(c[-1])) for c in clusters)
+        self.members = members
+        self.membership = membership
+        self.modularity = modularity
+        self.quality = quality
+        self.iterations = iterations
+        self.stable = stable
+        self._data_set = data_set
+        self._options = options
+
+    def __repr__(self) -> str:
+        """The number of clusters and the modularity."""
+        return f"<refgrove.Clusters: {len(self)} clusters of {len(self.members)} members, modularity {self.modularity:.4f}>"
+
+    def citations_by_year(self, cluster: int) -> List[Tuple[int, int]]:
+        """The citations received by the cluster's documents per year of the
+        citing document, as (year, count) pairs by year."""
+        return self._data_set._cluster_timeline(self._options, cluster, False)
+
+    def documents_by_year(self, cluster: int) -> List[Tuple[int, int]]:
+        """The cluster's documents per year, as (year, count) pairs by year."""
+        return self._data_set._cluster_timeline(self._options, cluster, True)
+
+    def to_pandas(self) -> "pandas.DataFrame":
+        """One row per cluster, indexed by id: the fields of Cluster."""
+        import pandas
+
+        return pandas.DataFrame(list(self), columns=Cluster._fields).rename_axis("cluster")
+
+
 @dataclass(frozen=True, repr=False)
 class Document:
     """One document: what its graph record and its word data say.
@@ -175,14 +233,6 @@ class DataSet(_DataSet):
         ``years=(first, last)``, only those whose year lies in that range."""
         return Hits(*self._ranked(by, limit, years))
 
-    def similar(self, did: int, by: str = "cocitation", limit: Optional[int] = 10) -> Hits:
-        """The documents most like ``did``, as (did, count) pairs, count
-        descending, then by DID: by co-citation ("cocitation", the count of
-        documents citing both) or bibliographic coupling ("coupling", the
-        count of documents both cite). Raises ArgumentError for a DID without
-        a graph record."""
-        return Hits(*self._similar(did, by, limit))
-
     def collaboration_path(self, a: int, b: int) -> Optional[CollaborationPath]:
         """A shortest collaboration path between authors ``a`` and ``b``, or
         None when they are unconnected. Raises ArgumentError for an id
@@ -209,6 +259,46 @@ class DataSet(_DataSet):
         set) or "documents", as (author id, value) pairs, ties by ascending
         id."""
         return Hits(*self._ranked_authors(by, limit))
+
+    def clusters(
+        self,
+        graph: str = "citation",
+        *,
+        quality: str = "modularity",
+        resolution: float = 1.0,
+        seed: int = 1,
+        min_citations: int = 1,
+        min_weight: int = 1,
+        iterations: int = 10,
+    ) -> Clusters:
+        """The clusters of a graph by the Leiden algorithm: "citation" (the
+        citation graph taken undirected), "cocitation" or "coupling" (the
+        documents with at least ``min_citations`` citations, linked by how
+        many documents cite both, or both cite, when that is at least
+        ``min_weight``) or "coauthor" (authors linked by their joint
+        documents). ``quality`` "modularity" or "cpm" (the constant Potts
+        model), with ``resolution`` (larger for more, smaller clusters); the
+        same ``seed`` gives the same clusters; ``iterations`` (10) of the
+        algorithm, 0 repeating them until one moves nothing (at most 1000;
+        on large sets that takes long for little gain). Made once per options and
+        kept with the set. Raises ArgumentError for an unknown graph or
+        quality."""
+        return Clusters(self, (graph, quality, float(resolution), seed, min_citations, min_weight, iterations))
+
+    def similar(self, did: int, by: str = "cocitation", limit: Optional[int] = 10, measure: str = "count") -> Hits:
+        """The documents most like ``did``, as (did, score) pairs, score
+        descending, then by DID: by co-citation ("cocitation", documents
+        citing both) or bibliographic coupling ("coupling", documents both
+        cite). ``measure`` "count" (an int: how many), "cosine" (Salton's:
+        the count over the square root of the product of the two documents'
+        citing, or cited, documents) or "jaccard" (the count over the size
+        of their union), which do not favour highly cited documents as
+        counts do. Raises ArgumentError for a DID without a graph record."""
+        return Hits(*self._similar(did, by, measure, limit))
+
+    def timeline(self, did: Optional[int] = None, *, author: Optional[int] = None) -> List[Tuple[int, int]]:
+        """The same as citations_by_year."""
+        return self.citations_by_year(did, author=author)
 
     def to_pandas(self) -> "pandas.DataFrame":
         """A DataFrame with one row per document of ``dids``: did, key, year

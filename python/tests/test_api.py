@@ -247,6 +247,59 @@ def test_main_path_impact_and_timelines(sample):
             call()
 
 
+@pytest.mark.parametrize("graph", ["citation", "cocitation", "coupling", "coauthor"])
+def test_clusters_describe_their_members(sample, graph):
+    clusters = sample.clusters(graph, seed=5)
+    sizes = np.bincount(clusters.membership, minlength=len(clusters))
+    assert [c.size for c in clusters] == sizes.tolist() == sorted(sizes.tolist(), reverse=True)
+    assert list(clusters.members) == sorted(clusters.members) and clusters.members.dtype == np.int32
+    assert abs(sum(c.modularity for c in clusters) - clusters.modularity) < 1e-9
+    assert sample.clusters(graph, seed=5).membership.tolist() == clusters.membership.tolist()
+    for i, c in enumerate(clusters):
+        assert len(c.top) <= 5 and len(c.label) <= 3
+        assert sum(n for _, n in clusters.documents_by_year(i)) <= c.documents
+    assert list(clusters.to_pandas().index) == list(range(len(clusters)))
+
+
+def test_cluster_timelines_add_up_their_documents(sample):
+    clusters = sample.clusters()
+    for i in range(len(clusters)):
+        members = clusters.members[clusters.membership == i]
+        expected = {}
+        for did in members:
+            for year, n in sample.citations_by_year(int(did)):
+                expected[year] = expected.get(year, 0) + n
+        assert clusters.citations_by_year(i) == sorted(expected.items())
+
+
+def test_h_index_and_similar_measures(sample):
+    h = sample.h_index()
+    assert h.dtype == np.int32 and [sample.author_impact(a).h_index for a in range(len(h))] == h.tolist()
+    assert sample.citations_by_year(110) == sample.timeline(110)
+    cited = {did: set(sample.document(did).cites) & set(sample.dids.tolist()) for did in sample.dids.tolist()}
+    for did, score in sample.similar(110, "coupling", limit=None, measure="jaccard"):
+        both, either = cited[110] & cited[did], cited[110] | cited[did]
+        assert score == pytest.approx(len(both) / len(either))
+    counts = sample.similar(110, "coupling", limit=None)
+    assert all(isinstance(n, int) for _, n in counts)
+
+
+@pytest.mark.parametrize(
+    "options, message",
+    [
+        (dict(graph="words"), 'unknown graph "words"'),
+        (dict(quality="best"), 'unknown quality "best"'),
+        (dict(resolution=-1), "the resolution must be 0 or more"),
+        (dict(min_weight=0), "min_weight must be 1 or more"),
+        (dict(seed=-1), "the seed must not be negative"),
+        (dict(iterations=-1), "iterations must not be negative"),
+    ],
+)
+def test_cluster_options_checked(sample, options, message):
+    with pytest.raises(refgrove.ArgumentError, match=message):
+        sample.clusters(**options)
+
+
 def test_components_and_edges(sample):
     citation = sample.components()
     assert citation.dtype == np.int32 and len(citation) == 32 and np.bincount(citation).tolist() == [31, 1]

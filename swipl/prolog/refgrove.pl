@@ -972,8 +972,8 @@ refgrove_search(Query, Hits, Options) :-
 %       For `cocitation` and `coupling`: the documents with at least N
 %       citations (default 1), linked by at least W (default 1).
 %     - iterations(+N)
-%       How many iterations of the algorithm (default 0: until one moves
-%       nothing, at most 1000).
+%       How many iterations of the algorithm (default 10; 0: until one
+%       moves nothing, at most 1000, which on large sets takes long).
 %     - modularity(-M)
 %       M is the modularity of the clusters (resolution 1).
 %
@@ -1008,7 +1008,7 @@ cluster_options(Graph, Options, PI, cluster_options(Graph, Quality, Resolution, 
     option(seed(Seed), Options, 1),
     option(min_citations(MinCitations), Options, 1),
     option(min_weight(MinWeight), Options, 1),
-    option(iterations(Iterations), Options, 0).
+    option(iterations(Iterations), Options, 10).
 
 %!  refgrove_cluster(+Graph, ?Member, ?Id) is nondet.
 %
