@@ -5,10 +5,11 @@
  *   refgrove/preprocess.h  text dumps into a data directory
  *   refgrove/search.h      ranked word search
  *   refgrove/network.h     the analyses of the citation network
+ *   refgrove/fronts.h      clusters, the main path, author impact, timelines
  *
  * Every operation reads the one data set that refgrove_load_1 loaded.
  *
- * How the operations of search.h and network.h answer: each returns an int,
+ * How the operations of search.h, network.h and fronts.h answer: each returns an int,
  * -1 when there is no answer (an argument that names nothing in the loaded
  * set, such as a DID without a graph record, or that is out of range, such
  * as an unknown direction, a query without a term or a negative capacity;
@@ -28,6 +29,7 @@
 #ifndef REFGROVE_REFGROVE_H_
 #define REFGROVE_REFGROVE_H_
 
+#include "refgrove/fronts.h"
 #include "refgrove/network.h"
 #include "refgrove/preprocess.h"
 #include "refgrove/query.h"
