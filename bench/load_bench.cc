@@ -24,8 +24,8 @@
 #include <vector>
 
 #include "core/data_set.h"
-#include "core/refgrove.h"
 #include "graph/graph_file.h"
+#include "refgrove/query.h"
 #include "words/compacted_string_table.h"
 #include "words/string_table.h"
 #include "words/word_files.h"

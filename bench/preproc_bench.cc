@@ -23,8 +23,8 @@
 #include <string>
 #include <vector>
 
-#include "preproc/refgrove_preproc.h"
 #include "generate/dump_generator.h"
+#include "refgrove/preprocess.h"
 
 namespace refgrove {
 

@@ -23,7 +23,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/refgrove.h"
+#include "refgrove/query.h"
 
 namespace refgrove {
 

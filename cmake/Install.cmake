@@ -5,8 +5,8 @@
 #   bin/refgrove
 #   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
-#   include/refgrove/refgrove.h, core/refgrove.h, preproc/refgrove_preproc.h,
-#   network.h, search.h
+#   include/refgrove/refgrove.h (the umbrella), export.h, query.h,
+#   preprocess.h, search.h, network.h: the folder include/refgrove/ as it is
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
@@ -23,16 +23,9 @@ set(REFGROVE_PKGCONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 install(TARGETS refgrove_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS refgrove LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-# refgrove.h includes its two parts, core/refgrove.h and
-# preproc/refgrove_preproc.h, by their paths in the source tree, which lie
-# beside it once installed. The analyses and the search have headers of their
-# own: <refgrove/network.h> and <refgrove/search.h>.
-set(REFGROVE_INCLUDE_DIR ${CMAKE_INSTALL_INCLUDEDIR}/refgrove)
-install(FILES module/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR})
-install(FILES core/refgrove.h DESTINATION ${REFGROVE_INCLUDE_DIR}/core)
-install(FILES preproc/refgrove_preproc.h DESTINATION ${REFGROVE_INCLUDE_DIR}/preproc)
-install(FILES network/refgrove_network.h DESTINATION ${REFGROVE_INCLUDE_DIR} RENAME network.h)
-install(FILES search/refgrove_search.h DESTINATION ${REFGROVE_INCLUDE_DIR} RENAME search.h)
+# The headers include each other as "refgrove/...", which the include
+# directory of the prefix resolves as the source tree's include/ does.
+install(DIRECTORY include/refgrove DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/tools/refgrove.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 # The way up from a directory below the prefix to the prefix itself

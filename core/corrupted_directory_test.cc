@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "core/refgrove.h"
 #include "core/validate.h"
+#include "refgrove/query.h"
 #include "testing/data_dir_builder.h"
 #include "testing/data_files.h"
 #include "testing/query_everything.h"

@@ -22,9 +22,9 @@
 #include <vector>
 
 #include "core/derived_structures.h"
-#include "core/refgrove.h"
 #include "core/reverse_index.h"
 #include "graph/graph_file.h"
+#include "refgrove/query.h"
 #include "words/word_data.h"
 
 namespace refgrove {
@@ -94,6 +94,10 @@ class RefgroveData {
   BuiltOnce<KeyIndex> key_docs_;
   DerivedStructures derived_;
 };
+
+// The data set that the C operations read: the one in `refgrove_data`, or
+// the empty set before the first load, which answers every lookup as absent.
+const RefgroveData& loaded_data();
 
 }  // namespace refgrove
 

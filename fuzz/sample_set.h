@@ -11,7 +11,7 @@
 #include "core/data_set_slot.h"
 #include "core/data_view.h"
 #include "fuzz/fuzz_support.h"
-#include "preproc/refgrove_preproc.h"
+#include "refgrove/preprocess.h"
 #include "web/serve.h"
 
 namespace refgrove::fuzz {

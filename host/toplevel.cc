@@ -16,7 +16,7 @@ namespace toplevel {
 
 const std::map<std::string, int>& predicate_arities() {
   static const std::map<std::string, int> arities = {
-#define REFGROVE_ARITY(name, arity) {#name, arity},
+#define REFGROVE_ARITY(name, arity, ...) {#name, arity},
       REFGROVE_HOST_PREDICATES(REFGROVE_ARITY)
 #undef REFGROVE_ARITY
   };

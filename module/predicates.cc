@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "module/host_terms.h"
-#include "module/refgrove.h"
+#include "refgrove/refgrove.h"
 
 namespace refgrove {
 

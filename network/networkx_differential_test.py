@@ -41,7 +41,7 @@ class Module:
     def int_out(self, name, *args):
         out = ctypes.c_int()
         found = getattr(self.so, name)(*args, ctypes.byref(out))
-        return out.value if found else None
+        return out.value if found == 1 else None
 
     def records(self):
         last = ctypes.c_int()
@@ -60,16 +60,16 @@ class Module:
 
     def pagerank(self, did):
         out = ctypes.c_double()
-        return out.value if self.so.refgrove_pagerank_1(did, ctypes.byref(out)) else None
+        return out.value if self.so.refgrove_pagerank_1(did, ctypes.byref(out)) == 1 else None
 
-    def similar(self, did, by, room):
-        dids, counts = (ctypes.c_int * room)(), (ctypes.c_int * room)()
-        n = self.so.refgrove_similar_1(did, by, room, dids, counts)
-        return [(dids[i], counts[i]) for i in range(min(n, room))]
+    def similar(self, did, by, capacity):
+        dids, counts = (ctypes.c_int * capacity)(), (ctypes.c_int * capacity)()
+        total = self.so.refgrove_similar_1(did, by, capacity, dids, counts)
+        return [(dids[i], counts[i]) for i in range(min(total, capacity))]
 
     def component(self, name, x):
         cid, size = ctypes.c_int(), ctypes.c_int()
-        return (cid.value, size.value) if getattr(self.so, name)(x, ctypes.byref(cid), ctypes.byref(size)) else None
+        return (cid.value, size.value) if getattr(self.so, name)(x, ctypes.byref(cid), ctypes.byref(size)) == 1 else None
 
 
 failures = 0

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "core/data_set.h"
-#include "core/refgrove.h"
 #include "core/validate.h"
 #include "graph/graph_dump.h"
-#include "preproc/refgrove_preproc.h"
+#include "refgrove/preprocess.h"
+#include "refgrove/query.h"
 #include "testing/child_process.h"
 #include "testing/data_dir_builder.h"
 

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "graph/graph_dump.h"
-#include "preproc/refgrove_preproc.h"
 #include "preproc/word_preproc.h"
+#include "refgrove/preprocess.h"
 #include "tokenizer/parser_error.h"
 
 namespace refgrove {

@@ -2,7 +2,7 @@
 // directory, with its messages on streams of the caller's choice, and, for
 // callers that must not lose data, every input and every write checked.
 //
-// refgrove_preproc_1 (refgrove_preproc.h), the module's entry, runs it
+// refgrove_preproc_1 (refgrove/preprocess.h), the module's entry, runs it
 // unchecked on the standard streams and ends the process with status 3 when
 // a dump does not parse. Tools and libraries call preprocess() itself: it
 // throws instead.

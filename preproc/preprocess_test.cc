@@ -13,7 +13,7 @@
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
 #include "preproc/output_file.h"
-#include "preproc/refgrove_preproc.h"
+#include "refgrove/preprocess.h"
 #include "testing/test_files.h"
 #include "tokenizer/parser_error.h"
 #include "words/word_files.h"

@@ -12,10 +12,10 @@
 
 #include "core/data_set.h"
 #include "core/data_view.h"
-#include "core/refgrove.h"
 #include "graph/graph_dump.h"
 #include "graph/graph_file.h"
-#include "preproc/refgrove_preproc.h"
+#include "refgrove/preprocess.h"
+#include "refgrove/query.h"
 #include "testing/child_process.h"
 #include "testing/data_dir_builder.h"
 

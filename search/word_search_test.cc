@@ -16,10 +16,10 @@
 #include <vector>
 
 #include "core/data_view.h"
-#include "testing/test_documents.h"
-#include "search/refgrove_search.h"
 #include "core/text_folding.h"
+#include "refgrove/search.h"
 #include "testing/data_files.h"
+#include "testing/test_documents.h"
 
 namespace refgrove {
 
@@ -275,31 +275,44 @@ TEST(WordSearchTest, ConcurrentFirstSearchesShareOneIndex) {
 
 using CSearchTest = LoadedDataTest;
 
-TEST_F(CSearchTest, COperationsAnswerAsTheSearch) {
-  int count = -1, dids[4] = {};
-  double scores[4] = {};
-  EXPECT_EQ(refgrove_search_count_1("black", 0, &count), 1) << "before any load";
-  EXPECT_EQ(count, 0);
-  EXPECT_EQ(refgrove_search_1("black", 0, 4, dids, scores), 0);
+// The C operation: the total of the search, and its best hits as far as
+// the caller's capacity goes, nothing written beyond; -1 and nothing written
+// for what cannot be answered.
+TEST_F(CSearchTest, COperationAnswersAsTheSearch) {
+  constexpr int kUnwritten = -7;
+  int dids[4];
+  double scores[4];
+  const auto search_into = [&](const char* query, int any, int capacity) {
+    std::fill(std::begin(dids), std::end(dids), kUnwritten);
+    return refgrove_search_1(query, any, capacity, capacity == 0 ? nullptr : dids, scores);
+  };
+  EXPECT_EQ(search_into("black", 0, 4), 0) << "before any load";
+  EXPECT_EQ(dids[0], kUnwritten);
   load(varied_documents());
   for (const char* query : {"black holes", "s*", "absent"}) {
     for (const int any : {0, 1}) {
-      const SearchMode mode = any ? SearchMode::kOr : SearchMode::kAnd;
-      const std::vector<SearchHit> all = refgrove::search(*refgrove_data, query, mode, 0);
-      EXPECT_EQ(refgrove_search_count_1(query, any, &count), 1);
-      EXPECT_EQ(count, static_cast<int>(all.size())) << query;
-      const int n = refgrove_search_1(query, any, 4, dids, scores);
-      ASSERT_EQ(n, static_cast<int>(std::min<std::size_t>(4, all.size()))) << query;
-      for (int i = 0; i < n; ++i) {
-        EXPECT_EQ(dids[i], all[static_cast<std::size_t>(i)].did) << query;
-        EXPECT_EQ(scores[i], all[static_cast<std::size_t>(i)].score) << query;
+      const std::vector<SearchHit> all =
+          refgrove::search(*refgrove_data, query, any ? SearchMode::kOr : SearchMode::kAnd, 0);
+      for (const int capacity : {0, 1, 4}) {
+        const std::string what =
+            std::string(query) + " any=" + std::to_string(any) + " capacity=" + std::to_string(capacity);
+        ASSERT_EQ(search_into(query, any, capacity), static_cast<int>(all.size())) << what;
+        const std::size_t written = std::min<std::size_t>(capacity, all.size());
+        for (std::size_t i = 0; i < written; ++i) {
+          EXPECT_EQ(dids[i], all[i].did) << what;
+          EXPECT_EQ(scores[i], all[i].score) << what;
+        }
+        for (std::size_t i = written; i < 4; ++i) EXPECT_EQ(dids[i], kUnwritten) << what << " wrote item " << i;
       }
     }
   }
-  for (const char* query : {static_cast<const char*>(nullptr), "", "*"}) {
-    EXPECT_EQ(refgrove_search_count_1(query, 0, &count), 0);
-    EXPECT_EQ(count, 0);
-    EXPECT_EQ(refgrove_search_1(query, 1, 4, dids, scores), -1);
+  const struct {
+    const char* query;
+    int capacity;
+  } refused[] = {{nullptr, 4}, {"", 4}, {"*", 0}, {"black", -1}};
+  for (const auto& r : refused) {
+    EXPECT_EQ(search_into(r.query, 1, r.capacity), -1) << (r.query ? r.query : "(null)") << " " << r.capacity;
+    EXPECT_EQ(dids[0], kUnwritten) << (r.query ? r.query : "(null)");
   }
 }
 

@@ -166,7 +166,7 @@ constexpr ForeignFunction refgrove_get_authors = authors_pred;
 constexpr ForeignFunction refgrove_author_distance = distance_pred;
 
 constexpr ForeignPredicate kPredicates[] = {
-#define REFGROVE_REGISTER(name, arity) {#name, arity, guarded<name>, false},
+#define REFGROVE_REGISTER(name, arity, ...) {#name, arity, guarded<name>, false},
     REFGROVE_HOST_PREDICATES(REFGROVE_REGISTER)
 #undef REFGROVE_REGISTER
 };

@@ -1,5 +1,6 @@
 // The entry point that use_foreign_library/1 calls: registers every
 // foreign predicate in the module that loads the library (refgrove).
+#include "refgrove/export.h"
 #include "swipl/library_data.h"
 
 namespace refgrove::swipl {
@@ -11,7 +12,7 @@ DataSetSlot& library_slot() {
 
 }  // namespace refgrove::swipl
 
-extern "C" __attribute__((visibility("default"))) install_t install_refgrove4pl() {
+extern "C" REFGROVE_EXPORT install_t install_refgrove4pl() {
   using namespace refgrove::swipl;
   for (const auto& predicates : {host_predicates(), relation_predicates(), network_predicates(), search_predicates(),
                                  fronts_predicates()}) {

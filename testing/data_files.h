@@ -8,9 +8,9 @@
 #include <map>
 #include <string>
 
-#include "core/refgrove.h"
 #include "graph/graph_file.h"
-#include "preproc/refgrove_preproc.h"
+#include "refgrove/preprocess.h"
+#include "refgrove/query.h"
 #include "testing/data_dir_builder.h"
 #include "words/word_files.h"
 

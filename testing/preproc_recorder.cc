@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "preproc/refgrove_preproc.h"
+#include "refgrove/preprocess.h"
 
 namespace refgrove {
 

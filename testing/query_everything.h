@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "core/data_set.h"
-#include "core/refgrove.h"
+#include "refgrove/query.h"
 
 namespace refgrove {
 

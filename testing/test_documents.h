@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "core/data_set.h"
-#include "core/refgrove.h"
+#include "refgrove/query.h"
 #include "testing/data_dir_builder.h"
 
 namespace refgrove {

@@ -4,12 +4,16 @@
 // same query operations as the module's C interface.
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdint>
+#include <stdexcept>
+#include <string_view>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "core/data_set.h"
+#include "core/predicate_table.h"
 #include "tools/commands.h"
 #include "tools/tool_support.h"
 
@@ -19,12 +23,11 @@ namespace {
 
 using refgrove::DataSetPtr;
 
-// One query operation: its name, the names of its int arguments, what it
-// gives, and how it prints its result. `run` returns false when the result
-// is absent.
+// The code of one query operation of the predicate table: its name under
+// `query`, what it gives, and how it prints its result. `run` returns false
+// when the result is absent.
 struct QueryOp {
-  const char* name;
-  std::vector<const char*> args;
+  std::string_view name;
   const char* summary;
   bool (*run)(const RefgroveData& d, const int* a, std::ostream& out);
 };
@@ -42,76 +45,76 @@ bool print_text(std::ostream& out, int found, const char* text) {
 // Callers run the operation before passing its output: the order in which
 // function arguments are evaluated is unspecified.
 const QueryOp kQueryOps[] = {
-    {"last_did", {}, "one more than the largest DID",
+    {"last_did", "one more than the largest DID",
      [](const RefgroveData& d, const int*, std::ostream& out) {
        int v = 0;
        refgrove::last_did(d, &v);
        return print_int(out, 1, v);
      }},
-    {"has_graph_info", {"DID"}, "1 when DID has a graph record, else 0",
+    {"has_graph_info", "1 when DID has a graph record, else 0",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        return print_int(out, 1, refgrove::has_graph_info(d, a[0]));
      }},
-    {"has_word_info", {"DID"}, "1 when DID has word data, else 0",
+    {"has_word_info", "1 when DID has word data, else 0",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        return print_int(out, 1, refgrove::has_word_info(d, a[0]));
      }},
-    {"key", {"DID"}, "the document's key (empty when unknown)",
+    {"key", "the document's key (empty when unknown)",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_key(d, a[0], &t);
        return print_text(out, found, t);
      }},
-    {"year", {"DID"}, "its year (-1 when unknown)",
+    {"year", "its year (-1 when unknown)",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::get_year(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"cite_count", {"DID"}, "number of citations",
+    {"cite_count", "number of citations",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::cite_count(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"cite", {"DID", "I"}, "citation I: the cited DID and its group id",
+    {"cite", "citation I: the cited DID and its group id",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int cited = 0, gid = 0;
        if (!refgrove::get_cite(d, a[0], a[1], &cited, &gid)) return false;
        out << cited << " " << gid << "\n";
        return true;
      }},
-    {"title_length", {"DID"}, "number of title words",
+    {"title_length", "number of title words",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::title_length(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"title_word", {"DID", "I"}, "title word I",
+    {"title_word", "title word I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_title_word(d, a[0], a[1], &t);
        return print_text(out, found, t);
      }},
-    {"author_count", {"DID"}, "number of authors",
+    {"author_count", "number of authors",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::author_count(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"author_id", {"DID", "I"}, "id of author I",
+    {"author_id", "id of author I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::get_author_id(d, a[0], a[1], &v);
        return print_int(out, found, v);
      }},
-    {"author", {"DID", "I"}, "name of author I",
+    {"author", "name of author I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_author(d, a[0], a[1], &t);
        return print_text(out, found, t);
      }},
-    {"authors", {"DID"}, "all author ids",
+    {"authors", "all author ids",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int n = 0;
        if (!refgrove::author_count(d, a[0], &n)) return false;
@@ -121,29 +124,29 @@ const QueryOp kQueryOps[] = {
        out << "\n";
        return true;
      }},
-    {"word_count", {"DID"}, "number of abstract word positions",
+    {"word_count", "number of abstract word positions",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::word_count(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"word", {"DID", "I"}, "abstract word I",
+    {"word", "abstract word I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_word(d, a[0], a[1], &t);
        return print_text(out, found, t);
      }},
-    {"id2author", {"ID"}, "name of an author id",
+    {"id2author", "name of an author id",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::id2author(d, a[0], &t);
        return print_text(out, found, t);
      }},
-    {"nb_authors", {}, "size of the author table",
+    {"nb_authors", "size of the author table",
      [](const RefgroveData& d, const int*, std::ostream& out) {
        return print_int(out, 1, refgrove::get_nb_authors(d));
      }},
-    {"stats", {}, "the module's statistics: word-idx headers (the end sentinel included), distinct words, authors",
+    {"stats", "the module's statistics: word-idx headers (the end sentinel included), distinct words, authors",
      [](const RefgroveData& d, const int*, std::ostream& out) {
        int headers = 0, words = 0, authors = 0;
        refgrove::stats(&d, &headers, &words, &authors);
@@ -151,12 +154,38 @@ const QueryOp kQueryOps[] = {
            << ", authors " << authors << "\n";
        return true;
      }},
-    {"author_distance", {"A", "B"}, "distance of two authors (always 0 for now)",
+    {"author_distance", "distance of two authors (always 0 for now)",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        out << refgrove::author_distance(d, a[0], a[1]) << "\n";
        return true;
      }},
 };
+
+// The names of a query's arguments: those before the first output, which
+// is whatever follows an item index or is not a document or author id. A
+// kind given twice is numbered.
+std::vector<std::string> query_arg_names(const PredicateInfo& p) {
+  std::vector<std::string> names;
+  for (const PredicateArg kind : p.args()) {
+    if (kind != PredicateArg::did && kind != PredicateArg::author_id && kind != PredicateArg::item) break;
+    names.push_back(kind == PredicateArg::did ? "DID" : kind == PredicateArg::item ? "I" : "ID");
+    if (kind == PredicateArg::item) break;
+  }
+  std::vector<std::string> numbered = names;
+  for (std::size_t k = 0; k < names.size(); ++k) {
+    if (std::ranges::count(names, names[k]) > 1)
+      numbered[k] += std::to_string(std::count(names.begin(), names.begin() + k + 1, names[k]));
+  }
+  return numbered;
+}
+
+// The code of the predicate table's query operation `name`; every operation
+// of the table has its code here and every code its line there.
+const QueryOp& query_op(std::string_view name) {
+  const auto op = std::ranges::find(kQueryOps, name, &QueryOp::name);
+  if (op == std::end(kQueryOps)) throw std::logic_error("refgrove query: no code for " + std::string(name));
+  return *op;
+}
 
 void run_stats(const DataSetPtr& data, std::ostream& out) {
   std::int64_t citations = 0, title_words = 0;
@@ -231,13 +260,18 @@ void add_query_command(CLI::App& app, CommandContext& ctx) {
   auto args = std::make_shared<DataDirArgs>();
   add_data_dir_args(query, args.get());
   auto ints = std::make_shared<std::vector<int>>(2);
-  for (const QueryOp& op : kQueryOps) {
+  std::size_t ops = 0;
+  for (const PredicateInfo& predicate : kPredicateTable) {
+    if (predicate.query.empty()) continue;
+    const QueryOp& op = query_op(predicate.query);
+    ++ops;
+    const std::vector<std::string> arg_names = query_arg_names(predicate);
     std::string usage;  // "DID I: " before the summary
-    for (const char* arg : op.args) usage += std::string(usage.empty() ? "" : " ") + arg;
-    CLI::App* sub = query->add_subcommand(op.name, usage.empty() ? op.summary : usage + ": " + op.summary);
+    for (const std::string& arg : arg_names) usage += (usage.empty() ? "" : " ") + arg;
+    CLI::App* sub = query->add_subcommand(std::string(op.name), usage.empty() ? op.summary : usage + ": " + op.summary);
     sub->fallthrough();  // -v after the operation still belongs to `query`
-    for (std::size_t k = 0; k < op.args.size(); ++k) {
-      sub->add_option(op.args[k], (*ints)[k])->required()->transform(decimal());
+    for (std::size_t k = 0; k < arg_names.size(); ++k) {
+      sub->add_option(arg_names[k], (*ints)[k])->required()->transform(decimal());
     }
     sub->callback([&ctx, &op, args, ints] {
       const DataSetPtr data = load_data_dir("query", *args, ctx.err);
@@ -251,6 +285,7 @@ void add_query_command(CLI::App& app, CommandContext& ctx) {
       ctx.status = 1;
     });
   }
+  if (ops != std::size(kQueryOps)) throw std::logic_error("refgrove query: code for an operation outside the table");
 }
 
 }  // namespace

@@ -58,6 +58,8 @@ TEST(DataCommandsTest, Commands) {
       {{"query", "DATA", "author", "2", "1"}, 0, "B. Ray\n"},     {{"query", "DATA", "word", "1", "3"}, 0, ".\n"},
       {{"query", "DATA", "has_word_info", "4"}, 0, "0\n"},        {{"query", "DATA", "id2author", "0"}, 0, "A. Lee\n"},
       {{"query", "DATA", "nb_authors"}, 0, "2\n"},                {{"query", "DATA", "last_did"}, 0, "4\n"},
+      {{"query", "DATA", "author_distance", "0", "1"}, 0, "0\n"}, {{"query", "DATA", "author_distance", "0"}, 2},
+      {{"query", "DATA", "authors", "2", "0"}, 2},
       // The word count is the distance of two byte offsets read as a count of
       // word ids: 12 for 4 words, of which the 8 in the file are printed.
       {{"printdoc", "DATA", "1"}, 0,

@@ -17,9 +17,11 @@ expected="107: chen95 1995; 33 documents, 539 words, 21 authors; suffix: 1 found
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 test -x "$prefix/bin/refgrove"
-test -f "$prefix/include/refgrove/refgrove.h"
-test -f "$prefix/include/refgrove/search.h"
-test -f "$prefix/include/refgrove/network.h"
+# The public headers, all of them and nothing else, flat in include/refgrove/.
+if ! diff <(cd "$here/../../include/refgrove" && find . | sort) <(cd "$prefix/include/refgrove" && find . | sort); then
+  echo "the installed include/refgrove/ differs from the source tree's" >&2
+  exit 1
+fi
 # The man page reads, and covers every command.
 man_page=$(MANWIDTH=100 man -l "$prefix/share/man/man1/refgrove.1" 2>/dev/null)
 for command in $("$prefix/bin/refgrove" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-]*\) .*/\1/p'); do

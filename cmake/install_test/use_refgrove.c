@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 
 #include <refgrove/refgrove.h>
-#include <refgrove/search.h>
 
 int main(int argc, char** argv) {
   if (argc != 4) {
@@ -25,9 +24,10 @@ int main(int argc, char** argv) {
     return 1;
   }
   refgrove_stats_1(&docs, &words, &authors);
-  int hits = 0, best = 0;
+  int best = 0;
   double score = 0;
-  if (!refgrove_search_count_1("suffix", 0, &hits) || refgrove_search_1("suffix", 0, 1, &best, &score) != 1) {
+  const int hits = refgrove_search_1("suffix", 0, 1, &best, &score);
+  if (hits < 1) {
     fprintf(stderr, "search failed\n");
     return 1;
   }
