@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -69,36 +70,63 @@ std::size_t gzip_size_hint(const std::string& path) {
 }
 
 // Sets the size of `bytes` to `size`, keeping its first bytes and leaving
-// the others unwritten: room that gzread fills at once.
+// the others unwritten: room that a read fills at once.
 void grow(std::string& bytes, std::size_t size) {
   bytes.resize_and_overwrite(size, [](char*, std::size_t n) { return n; });
 }
 
-// zlib's gz* functions: concatenated members, as parallel compressors make
-// them, are read one after the other.
-void read_gzip(const std::string& path, FileContents* contents) {
-  std::unique_ptr<gzFile_s, int (*)(gzFile)> gz(gzopen(path.c_str(), "rb"), gzclose);
-  if (!gz) throw ImportError(path, 0, "", std::strerror(errno));
-  gzbuffer(gz.get(), 1 << 18);
+// The bytes of an input file in order, decompressed when its name ends in
+// ".gz" (zlib's gz* functions: concatenated members, as parallel
+// compressors make them, are read one after the other).
+class InputBytes {
+ public:
+  explicit InputBytes(const std::string& path) : path_(path) {
+    if (ends_with(path, ".gz")) {
+      gz_.reset(gzopen(path.c_str(), "rb"));
+      if (gz_) gzbuffer(gz_.get(), 1 << 18);
+    } else {
+      file_.reset(std::fopen(path.c_str(), "rb"));
+    }
+    if (!gz_ && !file_) throw ImportError(path, 0, "", std::strerror(errno));
+  }
+
+  // Reads up to `size` bytes into `to`; 0 at the end. Throws ImportError
+  // when the file cannot be read or its compressed data is damaged or cut
+  // short.
+  std::size_t read(char* to, std::size_t size) {
+    if (file_) {
+      const std::size_t n = std::fread(to, 1, size, file_.get());
+      if (n == 0 && std::ferror(file_.get())) throw ImportError(path_, 0, "", "cannot be read");
+      return n;
+    }
+    const int n = gzread(gz_.get(), to, static_cast<unsigned>(std::min<std::size_t>(size, 1u << 30)));
+    int code = 0;
+    const char* message = gzerror(gz_.get(), &code);
+    if (n < 0 || (n == 0 && code != Z_OK)) {
+      throw ImportError(path_, 0, "", std::string("damaged compressed data (") + message + ")");
+    }
+    return static_cast<std::size_t>(n);
+  }
+
+ private:
+  std::string path_;
+  std::unique_ptr<gzFile_s, int (*)(gzFile)> gz_{nullptr, gzclose};
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file_{nullptr, std::fclose};
+};
+
+void read_gzip(const std::string& path, std::size_t padding, FileContents* contents) {
+  InputBytes in(path);
   std::string& bytes = contents->bytes;
-  // One more byte than the hint, so that the end is found without growing.
-  grow(bytes, std::max<std::size_t>(gzip_size_hint(path) + 1, 1 << 22));
+  // One more byte than the hint, so that the end is found without growing,
+  // and the padding, so that adding it copies nothing.
+  grow(bytes, std::max<std::size_t>(gzip_size_hint(path) + 1 + padding, 1 << 22));
   std::size_t size = 0;
   for (;;) {
     if (size == bytes.size()) grow(bytes, bytes.size() + bytes.size() / 2);
-    const int n = gzread(gz.get(), bytes.data() + size,
-                         static_cast<unsigned>(std::min<std::size_t>(bytes.size() - size, 1u << 30)));
-    if (n < 0) {
-      int code = 0;
-      const char* message = gzerror(gz.get(), &code);
-      throw ImportError(path, 0, "", std::string("damaged compressed data (") + message + ")");
-    }
+    const std::size_t n = in.read(bytes.data() + size, bytes.size() - size);
     if (n == 0) break;
-    size += static_cast<std::size_t>(n);
+    size += n;
   }
-  int code = 0;
-  const char* message = gzerror(gz.get(), &code);
-  if (code != Z_OK) throw ImportError(path, 0, "", std::string("damaged compressed data (") + message + ")");
   bytes.resize(size);
   contents->size = size;
 }
@@ -132,12 +160,48 @@ std::vector<std::string> list_input_files(const std::vector<std::string>& inputs
 FileContents read_input_file(const std::string& path, std::size_t padding) {
   FileContents contents;
   if (ends_with(path, ".gz")) {
-    read_gzip(path, &contents);
+    read_gzip(path, padding, &contents);
   } else {
     read_plain(path, &contents);
   }
   contents.bytes.append(padding, '\0');
   return contents;
+}
+
+}  // namespace refgrove
+
+namespace refgrove {
+
+void read_input_lines(const std::string& path, std::size_t padding,
+                      const std::function<void(const FileContents&)>& each) {
+  constexpr std::size_t kPieceBytes = std::size_t{1} << 23;
+  InputBytes in(path);
+  FileContents piece;
+  grow(piece.bytes, kPieceBytes + padding);
+  std::size_t filled = 0;
+  for (;;) {
+    const std::size_t room = piece.bytes.size() - padding;
+    const std::size_t n = in.read(piece.bytes.data() + filled, room - filled);
+    filled += n;
+    char* data = piece.bytes.data();
+    std::size_t cut = filled;  // at the end, the rest, line end or not
+    if (n > 0) {
+      const void* last_end = memrchr(data, '\n', filled);
+      if (!last_end) {  // a line longer than the room: more room
+        if (filled == room) grow(piece.bytes, 2 * room + padding);
+        continue;
+      }
+      cut = static_cast<std::size_t>(static_cast<const char*>(last_end) - data) + 1;
+    }
+    if (cut > 0) {
+      piece.size = cut;
+      each(piece);
+      piece.first_line += std::count(data, data + cut, '\n');
+      std::memmove(data, data + cut, filled - cut);
+      filled -= cut;
+    }
+    if (n == 0) return;
+  }
 }
 
 }  // namespace refgrove

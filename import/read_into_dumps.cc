@@ -13,7 +13,7 @@ Dumps read_into_dumps(const std::function<void(const WorkSink&)>& read, std::opt
                       WorkSetCounts* counts) {
   WorkSet set(years);
   Dumps d;
-  const WorkSink sink{[&set](ImportedWork w) { set.add(std::move(w)); },
+  const WorkSink sink{[&set](const ImportedWork& w) { set.add(w); },
                       [&set](std::string citing, std::string cited) { set.add_citation(citing, cited); },
                       [&set](std::string key, std::string text) { set.add_abstract(key, text); },
                       [&d](const ImportError& e) { d.errors += std::string(e.what()) + "\n"; }};
