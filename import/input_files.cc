@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <future>
 #include <memory>
 
 namespace refgrove {
@@ -131,6 +132,44 @@ void read_gzip(const std::string& path, std::size_t padding, FileContents* conte
   contents->size = size;
 }
 
+// A piece of a file of lines: the whole lines of what was read
+// (contents.size bytes), then the start of the next line, then room.
+struct LinePiece {
+  FileContents contents;
+  std::size_t filled = 0;  // bytes read into contents.bytes
+
+  // Reads on after the bytes already there until the piece holds a line
+  // end or the file ends; returns whether it ended (all it holds is then
+  // the last piece). The room, and `padding` bytes after it, grows for a
+  // line longer than it.
+  bool fill(InputBytes& in, std::size_t piece_bytes, std::size_t padding) {
+    if (contents.bytes.size() < piece_bytes + padding) grow(contents.bytes, piece_bytes + padding);
+    for (;;) {
+      if (filled + padding >= contents.bytes.size()) grow(contents.bytes, 2 * filled + padding);
+      const std::size_t n = in.read(contents.bytes.data() + filled, contents.bytes.size() - padding - filled);
+      filled += n;
+      if (n == 0) {
+        contents.size = filled;
+        return true;
+      }
+      if (const void* last_end = memrchr(contents.bytes.data(), '\n', filled)) {
+        contents.size = static_cast<std::size_t>(static_cast<const char*>(last_end) - contents.bytes.data()) + 1;
+        return false;
+      }
+    }
+  }
+
+  // Starts `next` with what follows the whole lines of this piece.
+  void carry_rest(LinePiece& next) const {
+    const char* data = contents.bytes.data();
+    next.filled = filled - contents.size;
+    if (next.contents.bytes.size() < next.filled) grow(next.contents.bytes, next.filled);
+    std::memcpy(next.contents.bytes.data(), data + contents.size, next.filled);
+    next.contents.size = 0;
+    next.contents.first_line = contents.first_line + std::count(data, data + contents.size, '\n');
+  }
+};
+
 }  // namespace
 
 ImportError::ImportError(std::string file, std::int64_t line, std::string field, std::string message)
@@ -173,34 +212,24 @@ FileContents read_input_file(const std::string& path, std::size_t padding) {
 namespace refgrove {
 
 void read_input_lines(const std::string& path, std::size_t padding,
-                      const std::function<void(const FileContents&)>& each) {
-  constexpr std::size_t kPieceBytes = std::size_t{1} << 23;
+                      const std::function<void(const FileContents&)>& each, std::size_t piece_bytes) {
+  // Two pieces: the next one is read (and decompressed) in a thread of its
+  // own while the caller works on the other.
   InputBytes in(path);
-  FileContents piece;
-  grow(piece.bytes, kPieceBytes + padding);
-  std::size_t filled = 0;
+  LinePiece pieces[2];
+  LinePiece* current = &pieces[0];
+  LinePiece* next = &pieces[1];
+  bool end = current->fill(in, piece_bytes, padding);
   for (;;) {
-    const std::size_t room = piece.bytes.size() - padding;
-    const std::size_t n = in.read(piece.bytes.data() + filled, room - filled);
-    filled += n;
-    char* data = piece.bytes.data();
-    std::size_t cut = filled;  // at the end, the rest, line end or not
-    if (n > 0) {
-      const void* last_end = memrchr(data, '\n', filled);
-      if (!last_end) {  // a line longer than the room: more room
-        if (filled == room) grow(piece.bytes, 2 * room + padding);
-        continue;
-      }
-      cut = static_cast<std::size_t>(static_cast<const char*>(last_end) - data) + 1;
-    }
-    if (cut > 0) {
-      piece.size = cut;
-      each(piece);
-      piece.first_line += std::count(data, data + cut, '\n');
-      std::memmove(data, data + cut, filled - cut);
-      filled -= cut;
-    }
-    if (n == 0) return;
+    current->carry_rest(*next);
+    std::future<bool> reading;
+    if (!end)
+      reading = std::async(std::launch::async,
+                           [&in, next, piece_bytes, padding] { return next->fill(in, piece_bytes, padding); });
+    if (current->contents.size > 0) each(current->contents);
+    if (end) return;
+    end = reading.get();
+    std::swap(current, next);
   }
 }
 

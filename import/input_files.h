@@ -43,9 +43,11 @@ FileContents read_input_file(const std::string& path, std::size_t padding);
 // Reads `path` as read_input_file() does, but in pieces of whole lines (the
 // last one may lack its line end), each handed to `each` with its first
 // line's number and followed by at least `padding` bytes of room: a file
-// of lines is read in the memory of a few of them, whatever its size.
+// of lines is read in the memory of a few pieces of about `piece_bytes`
+// (more for a longer line), whatever its size.
+inline constexpr std::size_t kLinePieceBytes = std::size_t{1} << 23;
 void read_input_lines(const std::string& path, std::size_t padding,
-                      const std::function<void(const FileContents&)>& each);
+                      const std::function<void(const FileContents&)>& each, std::size_t piece_bytes = kLinePieceBytes);
 
 }  // namespace refgrove
 

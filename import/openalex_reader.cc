@@ -30,8 +30,26 @@ std::string_view key_of(const element& value, const char* name) {
 // room is made once.
 struct Scratch {
   ImportedWork work;
-  std::vector<std::pair<std::int64_t, std::string_view>> placed;  // an abstract's words by position
+  std::vector<std::pair<std::int64_t, std::string_view>> placed;  // an abstract's words and positions
+  std::vector<std::string_view> by_position;
+  std::vector<bool> taken;  // of by_position
 };
+
+// Puts the words of `placed` in position order into `by_position` when
+// their positions are 0 to n - 1, each once, as they nearly always are
+// (no sort needed then); returns false otherwise.
+bool in_position_order(const std::vector<std::pair<std::int64_t, std::string_view>>& placed,
+                       std::vector<std::string_view>& by_position, std::vector<bool>& taken) {
+  const std::size_t n = placed.size();
+  by_position.assign(n, std::string_view());
+  taken.assign(n, false);
+  for (const auto& [at, word] : placed) {
+    if (static_cast<std::uint64_t>(at) >= n || taken[static_cast<std::size_t>(at)]) return false;
+    taken[static_cast<std::size_t>(at)] = true;
+    by_position[static_cast<std::size_t>(at)] = word;
+  }
+  return true;
+}
 
 void read_abstract(const element& work, Scratch& scratch) {
   std::string& abstract = scratch.work.abstract;
@@ -53,11 +71,16 @@ void read_abstract(const element& work, Scratch& scratch) {
       placed.emplace_back(at, word);
     }
   }
-  std::sort(placed.begin(), placed.end());
-  for (const auto& [at, word] : placed) {
+  const auto join = [&abstract](std::string_view word) {
     if (!abstract.empty()) abstract += ' ';
     abstract += word;
+  };
+  if (in_position_order(placed, scratch.by_position, scratch.taken)) {
+    for (std::string_view word : scratch.by_position) join(word);
+    return;
   }
+  std::sort(placed.begin(), placed.end());
+  for (const auto& [at, word] : placed) join(word);
 }
 
 // The work `work` as scratch.work.
