@@ -5,8 +5,8 @@
 #include "import/input_files.h"
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
+#include "import/read_into_dumps.h"
 #include "testing/test_files.h"
 
 namespace refgrove {
@@ -14,13 +14,6 @@ namespace {
 
 constexpr std::size_t kPadding = 64;
 constexpr std::size_t kPiece = 4096;
-
-void write_gzip(const std::string& path, const std::string& bytes) {
-  gzFile gz = gzopen(path.c_str(), "wb1");
-  ASSERT_NE(gz, nullptr);
-  ASSERT_EQ(gzwrite(gz, bytes.data(), static_cast<unsigned>(bytes.size())), static_cast<int>(bytes.size()));
-  gzclose(gz);
-}
 
 // Lines of `sizes` bytes each (the line end included), numbered so that a
 // piece's first line can be checked against its text.

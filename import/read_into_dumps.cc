@@ -1,5 +1,8 @@
 #include "import/read_into_dumps.h"
 
+#include <gtest/gtest.h>
+#include <zlib.h>
+
 #include <sstream>
 #include <vector>
 
@@ -26,6 +29,13 @@ Dumps read_into_dumps(const std::function<void(const WorkSink&)>& read, std::opt
   d.words = words.str();
   for (const std::string& k : outside) d.outside += k + " ";
   return d;
+}
+
+void write_gzip(const std::string& path, const std::string& bytes) {
+  gzFile gz = gzopen(path.c_str(), "wb1");
+  ASSERT_NE(gz, nullptr);
+  ASSERT_EQ(gzwrite(gz, bytes.data(), static_cast<unsigned>(bytes.size())), static_cast<int>(bytes.size()));
+  gzclose(gz);
 }
 
 }  // namespace refgrove
