@@ -22,13 +22,13 @@
 // record's text simply comes after the earlier one's. Once all is read, the
 // set is written as the text dumps that preprocessing reads
 // (graph/graph_dump.h): one graph line per work, one word-dump line per work
-// with an abstract, the text copied back from the spools. Preprocessing those dumps then makes the data directory,
-// so that titles and abstracts become words exactly as they would from
-// dumps holding the same text. What the dumps cannot hold is changed on the
-// way: blanks, tabs, line ends and NULs separate words; the words "Title:"
-// and "Authors:" are left out of titles and names; a work without a title
-// gets the title "-"; and a name holding the word "and" is read back as two
-// names, as from dumps.
+// with an abstract, the text copied back from the spools. Preprocessing
+// those dumps then makes the data directory, so that titles and abstracts
+// become words exactly as they would from dumps holding the same text. What
+// the dumps cannot hold is changed on the way: blanks, tabs, line ends and
+// NULs separate words; the words "Title:" and "Authors:" are left out of
+// titles and names; a work without a title gets the title "-"; and a name
+// holding the word "and" is read back as two names, as from dumps.
 #ifndef REFGROVE_IMPORT_IMPORTED_WORK_H_
 #define REFGROVE_IMPORT_IMPORTED_WORK_H_
 
