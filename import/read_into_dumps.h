@@ -27,7 +27,8 @@ std::ostream& operator<<(std::ostream& os, const Dumps& d);
 Dumps read_into_dumps(const std::function<void(const WorkSink&)>& read, std::optional<YearRange> years = std::nullopt,
                       WorkSetCounts* counts = nullptr);
 
-// Writes `bytes` gzip-compressed to `path` (a failure fails the test).
+// Writes `bytes` gzip-compressed to `path`; throws std::runtime_error when
+// it cannot.
 void write_gzip(const std::string& path, const std::string& bytes);
 
 }  // namespace refgrove
