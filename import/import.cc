@@ -70,19 +70,20 @@ struct Format {
   const char* name;
   bool (*usable)(const std::string&);  // a file met in a directory
   std::size_t (*padding)();            // zero bytes wanted after a file's contents
+  bool by_lines;                       // its files may be read in pieces of whole lines
   std::unique_ptr<WorkReader> (*reader)(const ImportOptions&);
 };
 
 std::size_t no_padding() { return 0; }
 
 const Format kFormats[] = {
-    {"openalex", is_json_file, json_padding,
+    {"openalex", is_json_file, json_padding, true,
      [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<FileByFile<read_openalex>>(); }},
-    {"s2", is_json_file, json_padding,
+    {"s2", is_json_file, json_padding, true,
      [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<FileByFile<read_s2>>(); }},
-    {"arxiv", is_arxiv_file, no_padding,
+    {"arxiv", is_arxiv_file, no_padding, false,
      [](const ImportOptions&) -> std::unique_ptr<WorkReader> { return std::make_unique<ArxivReader>(); }},
-    {"csv", is_csv_file, no_padding,
+    {"csv", is_csv_file, no_padding, false,
      [](const ImportOptions& options) -> std::unique_ptr<WorkReader> {
        return std::make_unique<CsvTables>(options.columns);
      }},
@@ -97,7 +98,7 @@ const Format& format_of(const std::string& name) {
   throw ImportError(name, 0, "", "not a format that refgrove imports (known: " + known + ")");
 }
 
-WorkSetCounts write_dumps(const WorkSet& set, const DumpDir& dumps, std::vector<std::string>* outside) {
+WorkSetCounts write_dumps(WorkSet& set, const DumpDir& dumps, std::vector<std::string>* outside) {
   std::ofstream graph(dumps.file(kGraphDumpFile), std::ios::binary);
   std::ofstream words(dumps.file(kWordDumpFiles[0]), std::ios::binary);
   std::ofstream empty2(dumps.file(kWordDumpFiles[1])), empty3(dumps.file(kWordDumpFiles[2]));
@@ -125,17 +126,17 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   const Format& format = format_of(format_name);
   const std::vector<std::string> files = list_input_files(inputs, format.usable);
   if (files.empty()) throw ImportError(format_name, 0, "", "no input given");
+  TargetPaths paths;
+  std::string error;
+  if (!resolve_target(target, &paths, &error)) throw ImportError(target, 0, "", error);
+  const DumpDir dumps(paths);
   ImportSummary summary;
   // Freed once written as dumps, before preprocessing takes its own memory.
-  auto set = std::make_unique<WorkSet>(options.years);
+  auto set = std::make_unique<WorkSet>(options.years, dumps.path());
   WorkSink sink;
-  sink.work = [&set](ImportedWork w) { set->add(std::move(w)); };
-  sink.abstract = [&set](std::string key, std::string abstract) {
-    set->add_abstract(std::move(key), std::move(abstract));
-  };
-  sink.citation = [&set](std::string citing, std::string cited) {
-    set->add_citation(std::move(citing), std::move(cited));
-  };
+  sink.work = [&set](const ImportedWork& w) { set->add(w); };
+  sink.abstract = [&set](std::string key, std::string abstract) { set->add_abstract(key, abstract); };
+  sink.citation = [&set](std::string citing, std::string cited) { set->add_citation(citing, cited); };
   sink.bad = [&](const ImportError& e) {
     if (!options.skip_bad) throw e;
     ++summary.refused;
@@ -143,8 +144,12 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   };
   const std::unique_ptr<WorkReader> reader = format.reader(options);
   for (std::size_t i = 0; i < files.size(); ++i) {
-    const FileContents contents = read_input_file(files[i], format.padding());
-    reader->read(files[i], contents, sink);
+    if (format.by_lines) {
+      read_input_lines(files[i], format.padding(),
+                       [&](const FileContents& piece) { reader->read(files[i], piece, sink); });
+    } else {
+      reader->read(files[i], read_input_file(files[i], format.padding()), sink);
+    }
     if (options.progress) options.progress(i + 1, files.size(), set->read());
   }
   reader->finish(sink);
@@ -152,10 +157,6 @@ ImportSummary import_works(const std::string& format_name, const std::vector<std
   if (set->read() == 0) {  // citations alone make no data set
     throw ImportError(files.size() == 1 ? files.front() : inputs.front(), 0, "", "no works found in the input");
   }
-  TargetPaths paths;
-  std::string error;
-  if (!resolve_target(target, &paths, &error)) throw ImportError(target, 0, "", error);
-  const DumpDir dumps(paths);
   std::vector<std::string> outside;
   summary.works = write_dumps(*set, dumps, &outside);
   set.reset();

@@ -2,9 +2,11 @@
 // the one entry behind every face that imports (the tool's `refgrove
 // import`).
 //
-// The input files are read one after the other into a set of works
-// (imported_work.h); the set is written as text dumps into a directory
-// beside the target (.NAME.refgrove-import.PID, removed at the end), which
+// The input files are read one after the other (files of lines in pieces,
+// the next one decompressed while the last is parsed) into a set of works
+// (imported_work.h) that spools their text into a directory beside the
+// target (.NAME.refgrove-import.PID, removed at the end); the set is then
+// written there as text dumps, which
 // the staged run of preprocessing (preproc/staged_preprocess.h) then turns
 // into the data directory: the same lock, staging, check, manifest and move
 // into place, so that a run that fails leaves the target as it was.

@@ -3,12 +3,12 @@
 #include "import/import.h"
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <filesystem>
 
 #include "core/data_view.h"
 #include "core/validate.h"
+#include "import/read_into_dumps.h"
 #include "preproc/manifest.h"
 #include "testing/test_files.h"
 
@@ -26,13 +26,6 @@ const char kGraphDump[] =
     "1 W10 2001 GIDs: 2 3 DIDs: 2 3 Title: Fast Trees Authors: Ann Lee\n"
     "2 W20 1999 GIDs: 2 DIDs: 2 Title: Slow Lists Authors:\n";
 const char kWordDump[] = "1 W10 Fast trees\n";
-
-void write_gzip(const std::string& path, const std::string& bytes) {
-  gzFile gz = gzopen(path.c_str(), "wb");
-  ASSERT_NE(gz, nullptr);
-  ASSERT_EQ(gzwrite(gz, bytes.data(), static_cast<unsigned>(bytes.size())), static_cast<int>(bytes.size()));
-  gzclose(gz);
-}
 
 ImportSummary run(const std::vector<std::string>& inputs, const std::string& target, ImportOptions options = {},
                   const std::string& format = "openalex") {

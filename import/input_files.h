@@ -36,8 +36,18 @@ std::vector<std::string> list_input_files(const std::vector<std::string>& inputs
 struct FileContents {
   std::string bytes;  // size() includes the padding
   std::size_t size = 0;
+  std::int64_t first_line = 1;  // the number in the file of the first line of `bytes`
 };
 FileContents read_input_file(const std::string& path, std::size_t padding);
+
+// Reads `path` as read_input_file() does, but in pieces of whole lines (the
+// last one may lack its line end), each handed to `each` with its first
+// line's number and followed by at least `padding` bytes of room: a file
+// of lines is read in the memory of a few pieces of about `piece_bytes`
+// (more for a longer line), whatever its size.
+inline constexpr std::size_t kLinePieceBytes = std::size_t{1} << 23;
+void read_input_lines(const std::string& path, std::size_t padding,
+                      const std::function<void(const FileContents&)>& each, std::size_t piece_bytes = kLinePieceBytes);
 
 }  // namespace refgrove
 

@@ -18,9 +18,11 @@ bool is_json_file(const std::string& name) {
 void for_each_json_line(const std::string& path, const FileContents& contents,
                         const std::function<void(const ImportError&)>& bad,
                         const std::function<void(const simdjson::dom::element&, std::int64_t line)>& each) {
-  simdjson::dom::parser parser;
+  // One parser for every line of every file: its room, sized by the
+  // longest line so far, is made once.
+  thread_local simdjson::dom::parser parser;
   const char* data = contents.bytes.data();
-  std::int64_t line = 0;
+  std::int64_t line = contents.first_line - 1;
   for (std::size_t at = 0; at < contents.size;) {
     const char* end = static_cast<const char*>(std::memchr(data + at, '\n', contents.size - at));
     const std::size_t stop = end ? static_cast<std::size_t>(end - data) : contents.size;

@@ -30,8 +30,8 @@ std::size_t json_padding();
 bool is_json_file(const std::string& name);
 
 // Parses each line of `contents` (from read_input_file() with
-// json_padding()), the file `path`, and hands it to `each` with its number
-// (from 1). Blank lines are skipped; a line that is not JSON goes to `bad`.
+// json_padding()) or read_input_lines(), the file `path`, and hands it to
+// `each` with its number in the file. Blank lines are skipped; a line that is not JSON goes to `bad`.
 void for_each_json_line(const std::string& path, const FileContents& contents,
                         const std::function<void(const ImportError&)>& bad,
                         const std::function<void(const simdjson::dom::element&, std::int64_t line)>& each);

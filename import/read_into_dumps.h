@@ -1,5 +1,6 @@
 // For the readers' tests: what a reader's records become, the dumps that
-// a work set writes of them, and the bad records it reported.
+// a work set writes of them, and the bad records it reported; and input
+// files written compressed.
 #ifndef REFGROVE_IMPORT_READ_INTO_DUMPS_H_
 #define REFGROVE_IMPORT_READ_INTO_DUMPS_H_
 
@@ -25,6 +26,10 @@ std::ostream& operator<<(std::ostream& os, const Dumps& d);
 // the set's dumps. `counts`, when given, receives what the writing counted.
 Dumps read_into_dumps(const std::function<void(const WorkSink&)>& read, std::optional<YearRange> years = std::nullopt,
                       WorkSetCounts* counts = nullptr);
+
+// Writes `bytes` gzip-compressed to `path`; throws std::runtime_error when
+// it cannot.
+void write_gzip(const std::string& path, const std::string& bytes);
 
 }  // namespace refgrove
 
