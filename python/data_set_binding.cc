@@ -60,7 +60,7 @@ py::dict document(const DataSetHandle& self, py::handle did_arg) {
   fields["authors"] = authors;
   fields["author_ids"] = int_list(doc->author_ids);
   fields["abstract"] = utf8(doc->abstract);
-  fields["cites"] = int_list(doc->citations);
+  fields["cites"] = int_list(doc->cites);
   fields["cited_by"] = int_list(cited_by);
   return fields;
 }

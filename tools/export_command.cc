@@ -25,7 +25,7 @@ namespace {
 void write_json_line(const refgrove::DocumentText& doc, std::ostream& out) {
   nlohmann::ordered_json j = {{"did", doc.did},       {"key", doc.key},
                               {"year", nullptr},      {"title", doc.title},
-                              {"authors", doc.authors}, {"citations", doc.citations},
+                              {"authors", doc.authors}, {"citations", doc.cites},
                               {"abstract", doc.abstract}};
   if (doc.year) j["year"] = *doc.year;
   out << j.dump() << "\n";
@@ -65,7 +65,7 @@ void write_csv_record(const refgrove::DocumentText& doc, std::ostream& out) {
                                 doc.year ? std::to_string(*doc.year) : "",
                                 doc.title,
                                 join(doc.authors, "; "),
-                                join(doc.citations, " "),
+                                join(doc.cites, " "),
                                 doc.abstract};
   for (std::size_t i = 0; i < std::size(fields); ++i) {
     if (i > 0) out << ',';

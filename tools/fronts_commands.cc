@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "core/document_text.h"
 #include "fronts/author_impact.h"
 #include "fronts/clusters.h"
 #include "fronts/main_path.h"
@@ -169,11 +170,8 @@ const char kAuthorsHelp[] =
 int run_authors(const AuthorsArgs& args, CommandContext& ctx) {
   return run_on("authors", args.dir, ctx, [&](const RefgroveData& d) {
     const std::vector<RankedAuthor> top = ranked_authors(d, author_rank_by_from_text(args.by), all_if_zero(args.limit));
-    for (const RankedAuthor& r : top) {
-      const char* name = nullptr;
-      id2author(d, r.author, &name);
-      ctx.out << r.author << "\t" << r.value << "\t" << (name ? name : "") << "\n";
-    }
+    for (const RankedAuthor& r : top)
+      ctx.out << r.author << "\t" << r.value << "\t" << author_name_text(d, r.author) << "\n";
     ctx.out.flush();
     const auto total = static_cast<std::int64_t>(author_impacts(d).size());
     note_cut("authors", static_cast<std::int64_t>(top.size()), total, "authors", "--limit", ctx.err);
@@ -230,7 +228,7 @@ void add_fronts_commands(CLI::App& app, CommandContext& ctx) {
   cmd = add_network_command(app, "main-path", "the main path of the citation graph", kMainPathHelp, path.get());
   cmd->callback([&ctx, path] {
     ctx.status = run_on("main-path", *path, ctx, [&](const RefgroveData& d) {
-      for (const std::int32_t did : main_path_dids(d)) ctx.out << did << "\t" << title_of(d, did) << "\n";
+      for (const std::int32_t did : main_path_dids(d)) ctx.out << did << "\t" << title_text(d, did) << "\n";
       return 0;
     });
   });

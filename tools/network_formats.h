@@ -42,9 +42,6 @@ void write_dot(const NetworkFile& f, std::ostream& out);
 //  "total": nodes there are, "truncated": whether a limit kept fewer}
 void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out);
 
-// The title of `did`, its words joined by blanks, as the bytes of the data.
-std::string title_of(const RefgroveData& d, int did);
-
 }  // namespace refgrove
 
 #endif  // REFGROVE_TOOLS_NETWORK_FORMATS_H_

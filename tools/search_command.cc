@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "core/document_text.h"
-#include "core/utf8_text.h"
 #include "network/citation_graph.h"
 #include "search/word_search.h"
 #include "tools/commands.h"
@@ -33,48 +32,28 @@ struct SearchArgs {
   std::vector<std::string> terms;
 };
 
-// What a hit shows of its document, as UTF-8.
-struct ShownDocument {
-  std::string title;  // words joined by blanks
-  int year = -1;      // -1 when unknown
-  std::vector<std::string> authors;
-};
-
-ShownDocument shown(const RefgroveData& d, int did) {
-  ShownDocument doc;
-  doc.title = title_text(d, did);
-  if (!get_year(d, did, &doc.year)) doc.year = -1;
-  int n = 0;
-  author_count(d, did, &n);
-  const char* name = nullptr;
-  for (int i = 0; i < n; ++i) {
-    if (get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
-  }
-  return doc;
-}
-
 std::string format_number(const char* format, double value) {
   char text[64];
   std::snprintf(text, sizeof text, format, value);
   return text;
 }
 
-void write_text(std::size_t rank, const SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
+void write_text(std::size_t rank, const SearchHit& hit, const DocumentText& doc, std::ostream& out) {
   out << rank << ". " << (doc.title.empty() ? "(no title)" : doc.title) << "\n   ";
-  if (doc.year != -1) out << doc.year << ", ";
+  if (doc.year) out << *doc.year << ", ";
   for (std::size_t i = 0; i < doc.authors.size() && i < kTextAuthors; ++i) out << doc.authors[i] << ", ";
   if (doc.authors.size() > kTextAuthors) out << "et al., ";
   out << "DID " << hit.did << ", score " << format_number("%.3f", hit.score) << "\n";
 }
 
-void write_tsv(const SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
+void write_tsv(const SearchHit& hit, const DocumentText& doc, std::ostream& out) {
   out << hit.did << '\t' << format_number("%.9g", hit.score) << '\t' << doc.title << '\n';
 }
 
-nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const ShownDocument& doc) {
+nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const DocumentText& doc) {
   nlohmann::ordered_json j = {{"rank", rank},    {"did", hit.did},     {"score", hit.score},
                               {"year", nullptr}, {"title", doc.title}, {"authors", doc.authors}};
-  if (doc.year != -1) j["year"] = doc.year;
+  if (doc.year) j["year"] = *doc.year;
   return j;
 }
 
@@ -86,8 +65,7 @@ void sort_hits(const RefgroveData& d, const std::string& by, std::vector<SearchH
   if (by == "relevance") return;
   const auto key = [&](std::int32_t did) -> std::int64_t {
     if (by == "year") {
-      int year = -1;
-      return get_year(d, did, &year) ? year : -1;
+      return year_of(d, did).value_or(-1);
     }
     const CitationGraph& g = CitationGraph::of(d);
     const std::int32_t node = g.node(did);
@@ -124,7 +102,7 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
   nlohmann::ordered_json json_hits = nlohmann::ordered_json::array();
   for (std::size_t k = 0; k < answer.hits.size(); ++k) {
     const SearchHit& hit = answer.hits[k];
-    const ShownDocument doc = shown(*data, hit.did);
+    const DocumentText doc = document_heading(*data, hit.did);
     if (args.format == "tsv") {
       write_tsv(hit, doc, ctx.out);
     } else if (args.format == "jsonl") {

@@ -12,11 +12,7 @@
 namespace refgrove::web {
 namespace {
 
-Json year_of(const RefgroveData& d, int did) {
-  int year = -1;
-  if (get_year(d, did, &year) && year != -1) return year;
-  return nullptr;
-}
+Json year_json(const std::optional<int>& year) { return year ? Json(*year) : Json(nullptr); }
 
 std::vector<int> author_ids(const RefgroveData& d, int did) {
   int n = 0;
@@ -48,14 +44,15 @@ Json author_ref(const RefgroveData& d, int author_id) {
 }
 
 Json paper_ref(const RefgroveData& d, int did) {
-  return {{"did", did}, {"year", year_of(d, did)}, {"title", title_text(d, did)}};
+  return {{"did", did}, {"year", year_json(year_of(d, did))}, {"title", title_text(d, did)}};
 }
 
 Json paper_summary(const RefgroveData& d, int did) {
-  Json paper = paper_ref(d, did);
-  paper["key"] = key_text(d, did);
+  const DocumentText doc = document_heading(d, did);
+  Json paper = {{"did", did}, {"year", year_json(doc.year)}, {"title", doc.title}, {"key", doc.key}};
   Json authors = Json::array();
-  for (const int id : author_ids(d, did)) authors.push_back(author_ref(d, id));
+  for (std::size_t i = 0; i < doc.authors.size(); ++i)
+    authors.push_back({{"id", doc.author_ids[i]}, {"name", doc.authors[i]}});
   paper["authors"] = std::move(authors);
   return paper;
 }
