@@ -14,6 +14,7 @@
 
 #include "core/data_view.h"
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
@@ -51,17 +52,17 @@ py::dict document(const DataSetHandle& self, py::handle did_arg) {
   });
   if (!doc) throw FaceError(FaceError::Kind::not_found, "no document " + std::to_string(did));
   py::dict fields;
-  fields["did"] = did;
-  fields["key"] = doc->key.empty() ? py::object(py::none()) : utf8(doc->key);
-  fields["year"] = optional_int(doc->year);
-  fields["title"] = utf8(doc->title);
+  fields[field::did] = did;
+  fields[field::key] = doc->key.empty() ? py::object(py::none()) : utf8(doc->key);
+  fields[field::year] = optional_int(doc->year);
+  fields[field::title] = utf8(doc->title);
   py::list authors;
   for (const std::string& name : doc->authors) authors.append(utf8(name));
-  fields["authors"] = authors;
-  fields["author_ids"] = int_list(doc->author_ids);
-  fields["abstract"] = utf8(doc->abstract);
-  fields["cites"] = int_list(doc->cites);
-  fields["cited_by"] = int_list(cited_by);
+  fields[field::authors] = authors;
+  fields[field::author_ids] = int_list(doc->author_ids);
+  fields[field::abstract] = utf8(doc->abstract);
+  fields[field::cites] = int_list(doc->cites);
+  fields[field::cited_by] = int_list(cited_by);
   return fields;
 }
 

@@ -94,7 +94,7 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
     EXPECT_EQ(j.at("year"), e.year ? nlohmann::json(*e.year) : nlohmann::json()) << line;
     EXPECT_EQ(j.at("title"), e.title) << line;
     EXPECT_EQ(j.at("authors"), e.authors) << line;
-    EXPECT_EQ(j.at("citations"), e.citations) << line;
+    EXPECT_EQ(j.at("cites"), e.citations) << line;
     EXPECT_EQ(j.at("abstract"), e.abstract) << line;
   }
   EXPECT_FALSE(std::getline(lines, line)) << line;
@@ -103,7 +103,7 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
   ASSERT_EQ(csv.status, 0) << csv.err;
   const std::vector<std::vector<std::string>> records = ReadCsv(csv.out);
   ASSERT_EQ(records.size(), std::size(expected) + 1) << csv.out;
-  EXPECT_EQ(records[0], (std::vector<std::string>{"did", "key", "year", "title", "authors", "citations", "abstract"}));
+  EXPECT_EQ(records[0], (std::vector<std::string>{"did", "key", "year", "title", "authors", "cites", "abstract"}));
   for (std::size_t i = 0; i < std::size(expected); ++i) {
     const Expected& e = expected[i];
     std::string authors, citations;

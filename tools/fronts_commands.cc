@@ -8,6 +8,7 @@
 #include <string>
 
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "fronts/author_impact.h"
 #include "fronts/clusters.h"
 #include "fronts/main_path.h"
@@ -88,34 +89,35 @@ const char kClustersHelp[] =
 
 nlohmann::ordered_json cluster_json(std::int32_t id, const Cluster& c) {
   const auto year = [](std::int32_t y) { return y < 0 ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(y); };
-  return {{"id", id},
-          {"size", c.size},
-          {"documents", c.documents},
-          {"modularity", c.modularity},
-          {"first_year", year(c.first_year)},
-          {"last_year", year(c.last_year)},
-          {"top", c.top},
-          {"label", c.label}};
+  return {{field::id, id},
+          {field::size, c.size},
+          {field::documents, c.documents},
+          {field::modularity, c.modularity},
+          {field::first_year, year(c.first_year)},
+          {field::last_year, year(c.last_year)},
+          {field::top, c.top},
+          {field::label, c.label}};
 }
 
 // The clustering as one JSON object: its options and figures, then its
 // clusters or, with `members`, each member's cluster.
 nlohmann::ordered_json clustering_json(const Clustering& c, bool members) {
-  nlohmann::ordered_json j = {{"graph", to_text(c.options().graph)},  {"quality", to_text(c.options().quality)},
-                              {"resolution", c.options().resolution}, {"seed", c.options().seed},
-                              {"modularity", c.modularity()},         {"quality_value", c.quality()},
-                              {"iterations", c.iterations()},         {"stable", c.stable()},
-                              {"total", c.clusters().size()}};
+  nlohmann::ordered_json j = {
+      {field::graph, to_text(c.options().graph)},  {field::quality, to_text(c.options().quality)},
+      {field::resolution, c.options().resolution}, {field::seed, c.options().seed},
+      {field::modularity, c.modularity()},         {field::quality_value, c.quality()},
+      {field::iterations, c.iterations()},         {field::stable, c.stable()},
+      {field::total, c.clusters().size()}};
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   if (members) {
-    const char* member = c.options().graph == ClusterGraphKind::coauthor ? "author" : "did";
+    const char* member = c.options().graph == ClusterGraphKind::coauthor ? field::author : field::did;
     for (std::size_t i = 0; i < c.members().size(); ++i)
-      list.push_back({{member, c.members()[i]}, {"cluster", c.cluster_of_members()[i]}});
-    j["members"] = std::move(list);
+      list.push_back({{member, c.members()[i]}, {field::cluster, c.cluster_of_members()[i]}});
+    j[field::members] = std::move(list);
   } else {
     for (std::size_t i = 0; i < c.clusters().size(); ++i)
       list.push_back(cluster_json(static_cast<std::int32_t>(i), c.clusters()[i]));
-    j["clusters"] = std::move(list);
+    j[field::clusters] = std::move(list);
   }
   return j;
 }

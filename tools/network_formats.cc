@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 
 namespace refgrove {
@@ -82,18 +83,18 @@ void write_dot(const NetworkFile& f, std::ostream& out) {
 void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out) {
   nlohmann::ordered_json nodes = nlohmann::ordered_json::array();
   for (const NetworkNode& n : f.nodes) {
-    nodes.push_back({{"did", n.did},
-                     {"hops", n.hops ? nlohmann::ordered_json(*n.hops) : nullptr},
-                     {"citations", n.citations},
-                     {"year", n.year ? nlohmann::ordered_json(*n.year) : nullptr},
-                     {"title", title_text(d, n.did)}});
+    nodes.push_back({{field::did, n.did},
+                     {field::hops, n.hops ? nlohmann::ordered_json(*n.hops) : nullptr},
+                     {field::citation_count, n.citations},
+                     {field::year, n.year ? nlohmann::ordered_json(*n.year) : nullptr},
+                     {field::title, title_text(d, n.did)}});
   }
   nlohmann::ordered_json edges = nlohmann::ordered_json::array();
   for (const refgrove::CitationEdge& e : f.edges) edges.push_back({e.citing, e.cited});
-  const nlohmann::ordered_json j = {{"nodes", nodes},
-                                    {"edges", edges},
-                                    {"total", f.total},
-                                    {"truncated", f.total > static_cast<std::int64_t>(f.nodes.size())}};
+  const nlohmann::ordered_json j = {{field::nodes, nodes},
+                                    {field::edges, edges},
+                                    {field::total, f.total},
+                                    {field::truncated, f.total > static_cast<std::int64_t>(f.nodes.size())}};
   out << j.dump() << "\n";
 }
 

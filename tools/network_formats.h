@@ -38,7 +38,7 @@ void write_graphml(const NetworkFile& f, std::ostream& out);
 // One "CITING<TAB>CITED" line per edge (nodes without edges are not seen).
 void write_edge_list(const NetworkFile& f, std::ostream& out);
 void write_dot(const NetworkFile& f, std::ostream& out);
-// {"nodes": [{"did", "hops", "citations", "year", "title"}...], "edges": [[citing, cited]...],
+// {"nodes": [{"did", "hops", "citation_count", "year", "title"}...], "edges": [[citing, cited]...],
 //  "total": nodes there are, "truncated": whether a limit kept fewer}
 void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out);
 

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 #include "search/word_search.h"
 #include "tools/commands.h"
@@ -51,9 +52,9 @@ void write_tsv(const SearchHit& hit, const DocumentText& doc, std::ostream& out)
 }
 
 nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const DocumentText& doc) {
-  nlohmann::ordered_json j = {{"rank", rank},    {"did", hit.did},     {"score", hit.score},
-                              {"year", nullptr}, {"title", doc.title}, {"authors", doc.authors}};
-  if (doc.year) j["year"] = *doc.year;
+  nlohmann::ordered_json j = {{field::rank, rank},    {field::did, hit.did},     {field::score, hit.score},
+                              {field::year, nullptr}, {field::title, doc.title}, {field::authors, doc.authors}};
+  if (doc.year) j[field::year] = *doc.year;
   return j;
 }
 
@@ -115,7 +116,7 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
   }
   if (args.format == "json") {
     const nlohmann::ordered_json j = {
-        {"total", answer.total}, {"truncated", truncated}, {"hits", std::move(json_hits)}};
+        {field::total, answer.total}, {field::truncated, truncated}, {field::hits, std::move(json_hits)}};
     ctx.out << j.dump() << "\n";
   }
   if (truncated) {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "core/data_view.h"
+#include "core/json_fields.h"
 #include "core/text_folding.h"
 #include "core/utf8_text.h"
 #include "web/api_params.h"
@@ -77,13 +78,17 @@ Json search_json(const RefgroveData& d, std::string_view query, const SearchRequ
   Json found = Json::array();
   for (const SearchHit& hit : answer.hits) {
     Json paper = paper_summary(d, hit.did);
-    paper["score"] = hit.score;
+    paper[field::score] = hit.score;
     found.push_back(std::move(paper));
   }
-  return {{"query", as_utf8(query)},       {"mode", to_text(request.mode)},
-          {"exact", request.exact},        {"hits", std::move(found)},
-          {"total", answer.total},         {"truncated", answer.hits.size() < answer.total},
-          {"keys", key_matches(d, query)}, {"authors", matching_authors(d, query, static_cast<int>(request.limit))}};
+  return {{field::query, as_utf8(query)},
+          {field::mode, to_text(request.mode)},
+          {field::exact, request.exact},
+          {field::hits, std::move(found)},
+          {field::total, answer.total},
+          {field::truncated, answer.hits.size() < answer.total},
+          {field::keys, key_matches(d, query)},
+          {field::authors, matching_authors(d, query, static_cast<int>(request.limit))}};
 }
 
 void prepare_search(const RefgroveData& d) {

@@ -1,6 +1,7 @@
 """A document reads the same in every face that shows it: the tool's lists,
 `show` and `export`, the explorer's JSON and the package, whatever bytes the
 dumps hold. Bytes that are not UTF-8 read as Latin-1 everywhere."""
+import dataclasses
 import json
 import re
 import subprocess
@@ -81,3 +82,11 @@ def test_each_face_shows_the_same_utf8(face, data, explorer):
     for text in expected:
         assert text in shown, f"{face}: {text!r} not in {shown!r}"
     assert "\ufffd" not in shown, face
+
+
+def test_the_package_names_its_fields_as_the_json_does(data):
+    names = set(refgrove._refgrove._field_names)
+    with refgrove.load(data) as ds:
+        fields = {f.name for f in dataclasses.fields(ds.document(1))} | {"citation_count"}
+        columns = set(ds.to_pandas().columns)
+    assert fields - names == set() and columns - names == set()
