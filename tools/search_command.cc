@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,12 +40,25 @@ std::string format_number(const char* format, double value) {
   return text;
 }
 
-void write_text(std::size_t rank, const SearchHit& hit, const DocumentText& doc, std::ostream& out) {
+// The number of documents of `d` citing `did`; 0 for a document without a
+// graph record.
+std::int64_t citations_of(const RefgroveData& d, std::int32_t did) {
+  const CitationGraph& g = CitationGraph::of(d);
+  const std::int32_t node = g.node(did);
+  return node < 0 ? 0 : g.citation_count(node);
+}
+
+// `citations`: the hit's citation count, shown when the list is in that
+// order.
+void write_text(std::size_t rank, const SearchHit& hit, const DocumentText& doc, std::optional<std::int64_t> citations,
+                std::ostream& out) {
   out << rank << ". " << (doc.title.empty() ? "(no title)" : doc.title) << "\n   ";
   if (doc.year) out << *doc.year << ", ";
   for (std::size_t i = 0; i < doc.authors.size() && i < kTextAuthors; ++i) out << doc.authors[i] << ", ";
   if (doc.authors.size() > kTextAuthors) out << "et al., ";
-  out << "DID " << hit.did << ", score " << format_number("%.3f", hit.score) << "\n";
+  out << "DID " << hit.did << ", ";
+  if (citations) out << *citations << (*citations == 1 ? " citation, " : " citations, ");
+  out << "score " << format_number("%.3f", hit.score) << "\n";
 }
 
 void write_tsv(const SearchHit& hit, const DocumentText& doc, std::ostream& out) {
@@ -65,12 +79,7 @@ nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const Do
 void sort_hits(const RefgroveData& d, const std::string& by, std::vector<SearchHit>& hits) {
   if (by == "relevance") return;
   const auto key = [&](std::int32_t did) -> std::int64_t {
-    if (by == "year") {
-      return year_of(d, did).value_or(-1);
-    }
-    const CitationGraph& g = CitationGraph::of(d);
-    const std::int32_t node = g.node(did);
-    return node < 0 ? 0 : g.citation_count(node);
+    return by == "year" ? year_of(d, did).value_or(-1) : citations_of(d, did);
   };
   std::vector<std::pair<std::int64_t, SearchHit>> keyed;
   for (const SearchHit& hit : hits) keyed.emplace_back(key(hit.did), hit);
@@ -111,7 +120,8 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
     } else if (args.format == "json") {
       json_hits.push_back(hit_json(k + 1, hit, doc));
     } else {
-      write_text(k + 1, hit, doc, ctx.out);
+      const bool by_citations = args.sort == "citations";
+      write_text(k + 1, hit, doc, by_citations ? std::optional(citations_of(*data, hit.did)) : std::nullopt, ctx.out);
     }
   }
   if (args.format == "json") {
@@ -141,7 +151,8 @@ const char kHelp[] =
     "ones by relevance, before --limit keeps the first. A list cut by\n"
     "--limit says so on standard error: \"showing 10 of 661 documents\".\n"
     "\n"
-    "text: for people: rank, title, year, first authors, DID and score.\n"
+    "text: for people: rank, title, year, first authors, DID, the citation\n"
+    "count when sorted by citations, and score.\n"
     "tsv: did<TAB>score<TAB>title per line.\n"
     "jsonl: one JSON object per hit: rank, did, score, year (null when\n"
     "unknown), title and authors.\n"
