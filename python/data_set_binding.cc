@@ -163,10 +163,7 @@ py::str author_name(const DataSetHandle& self, py::handle id_arg_) {
 
 std::vector<std::int32_t> authors_named(const DataSetHandle& self, py::handle text_arg_) {
   const std::string text = text_arg(text_arg_, "the name");
-  return without_gil(self, [&](const RefgroveData& d) {
-    const std::span<const std::int32_t> ids = named_authors(d, text);
-    return std::vector<std::int32_t>(ids.begin(), ids.end());
-  });
+  return without_gil(self, [&](const RefgroveData& d) { return named_authors(d, text); });
 }
 
 }  // namespace
@@ -199,8 +196,9 @@ void bind_data_set(py::class_<DataSetHandle>& c) {
       .def("author_name", &author_name, py::arg("author_id"),
            "The name of author `author_id`. Raises NotFoundError outside the author table.")
       .def("authors_named", &authors_named, py::arg("text"),
-           "The ids of the authors named `text`, ignoring the case of ASCII letters, ascending; with a\n"
-           "trailing \"*\", those whose name starts with the rest, by name.")
+           "The ids of the authors named `text`, ignoring case and accents, ascending; with a trailing\n"
+           "\"*\", those whose name starts with the rest, by name. A text that names nobody is taken as\n"
+           "words starting words of the names, the spellings of one person together.")
       .def("_search", &search_hits, py::arg("query"), py::arg("mode"), py::arg("limit"), py::arg("exact"),
            "Hits (did, score) best first, and whether the limit cut them.")
       .def("_ranked", &ranked_documents, py::arg("by"), py::arg("limit"), py::arg("years"),

@@ -42,76 +42,102 @@ bool print_text(std::ostream& out, int found, const char* text) {
 // Callers run the operation before passing its output: the order in which
 // function arguments are evaluated is unspecified.
 const QueryOp kQueryOps[] = {
-    {"last_did", {}, "one more than the largest DID",
+    {"last_did",
+     {},
+     "one more than the largest DID",
      [](const RefgroveData& d, const int*, std::ostream& out) {
        int v = 0;
        refgrove::last_did(d, &v);
        return print_int(out, 1, v);
      }},
-    {"has_graph_info", {"DID"}, "1 when DID has a graph record, else 0",
+    {"has_graph_info",
+     {"DID"},
+     "1 when DID has a graph record, else 0",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        return print_int(out, 1, refgrove::has_graph_info(d, a[0]));
      }},
-    {"has_word_info", {"DID"}, "1 when DID has word data, else 0",
+    {"has_word_info",
+     {"DID"},
+     "1 when DID has word data, else 0",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        return print_int(out, 1, refgrove::has_word_info(d, a[0]));
      }},
-    {"key", {"DID"}, "the document's key (empty when unknown)",
+    {"key",
+     {"DID"},
+     "the document's key (empty when unknown)",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_key(d, a[0], &t);
        return print_text(out, found, t);
      }},
-    {"year", {"DID"}, "its year (-1 when unknown)",
+    {"year",
+     {"DID"},
+     "its year (-1 when unknown)",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::get_year(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"cite_count", {"DID"}, "number of citations",
+    {"cite_count",
+     {"DID"},
+     "number of citations",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::cite_count(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"cite", {"DID", "I"}, "citation I: the cited DID and its group id",
+    {"cite",
+     {"DID", "I"},
+     "citation I: the cited DID and its group id",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int cited = 0, gid = 0;
        if (!refgrove::get_cite(d, a[0], a[1], &cited, &gid)) return false;
        out << cited << " " << gid << "\n";
        return true;
      }},
-    {"title_length", {"DID"}, "number of title words",
+    {"title_length",
+     {"DID"},
+     "number of title words",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::title_length(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"title_word", {"DID", "I"}, "title word I",
+    {"title_word",
+     {"DID", "I"},
+     "title word I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_title_word(d, a[0], a[1], &t);
        return print_text(out, found, t);
      }},
-    {"author_count", {"DID"}, "number of authors",
+    {"author_count",
+     {"DID"},
+     "number of authors",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::author_count(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"author_id", {"DID", "I"}, "id of author I",
+    {"author_id",
+     {"DID", "I"},
+     "id of author I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::get_author_id(d, a[0], a[1], &v);
        return print_int(out, found, v);
      }},
-    {"author", {"DID", "I"}, "name of author I",
+    {"author",
+     {"DID", "I"},
+     "name of author I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_author(d, a[0], a[1], &t);
        return print_text(out, found, t);
      }},
-    {"authors", {"DID"}, "all author ids",
+    {"authors",
+     {"DID"},
+     "all author ids",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int n = 0;
        if (!refgrove::author_count(d, a[0], &n)) return false;
@@ -121,37 +147,49 @@ const QueryOp kQueryOps[] = {
        out << "\n";
        return true;
      }},
-    {"word_count", {"DID"}, "number of abstract word positions",
+    {"word_count",
+     {"DID"},
+     "number of abstract word positions",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        int v = 0;
        const int found = refgrove::word_count(d, a[0], &v);
        return print_int(out, found, v);
      }},
-    {"word", {"DID", "I"}, "abstract word I",
+    {"word",
+     {"DID", "I"},
+     "abstract word I",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::get_word(d, a[0], a[1], &t);
        return print_text(out, found, t);
      }},
-    {"id2author", {"ID"}, "name of an author id",
+    {"id2author",
+     {"ID"},
+     "name of an author id",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        const char* t = nullptr;
        const int found = refgrove::id2author(d, a[0], &t);
        return print_text(out, found, t);
      }},
-    {"nb_authors", {}, "size of the author table",
+    {"nb_authors",
+     {},
+     "size of the author table",
      [](const RefgroveData& d, const int*, std::ostream& out) {
        return print_int(out, 1, refgrove::get_nb_authors(d));
      }},
-    {"stats", {}, "the module's statistics: word-idx headers (the end sentinel included), distinct words, authors",
+    {"stats",
+     {},
+     "the module's statistics: word-idx headers (the end sentinel included), distinct words, authors",
      [](const RefgroveData& d, const int*, std::ostream& out) {
        int headers = 0, words = 0, authors = 0;
        refgrove::stats(&d, &headers, &words, &authors);
-       out << "word-idx headers " << headers << " (the end sentinel included), distinct words " << words
-           << ", authors " << authors << "\n";
+       out << "word-idx headers " << headers << " (the end sentinel included), distinct words " << words << ", authors "
+           << authors << "\n";
        return true;
      }},
-    {"author_distance", {"A", "B"}, "distance of two authors (always 0 for now)",
+    {"author_distance",
+     {"A", "B"},
+     "distance of two authors (always 0 for now)",
      [](const RefgroveData& d, const int* a, std::ostream& out) {
        out << refgrove::author_distance(d, a[0], a[1]) << "\n";
        return true;
@@ -302,7 +340,9 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
       "Prints the name of each author id, one per line. --name NAME\n"
       "(repeatable) prints the id and name, tab-separated, of each author named\n"
       "NAME, ignoring case and accents, or, for NAME*, of each author whose\n"
-      "name starts with NAME. Exit status 1 when an id is not in the author\n"
+      "name starts with NAME. A NAME that names nobody is taken as words that\n"
+      "start words of the name (\"erdos\" finds P. Erdős), the spellings of one\n"
+      "person listed together. Exit status 1 when an id is not in the author\n"
       "table or a name names no author.");
   auto author_args = std::make_shared<DataDirArgs>();
   auto ids = std::make_shared<std::vector<int>>();
