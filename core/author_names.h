@@ -26,6 +26,14 @@ class AuthorNameIndex {
   // The ids whose folded name starts with the folded `prefix`, by folded
   // name, then id. The empty prefix gives every author.
   std::span<const std::int32_t> with_prefix(std::string_view prefix) const;
+  // The ids whose folded name has each folded word of `words` at the start
+  // of one of its own words ("witten" finds "E. Witten" and "L. Witten"),
+  // in spelling groups (spellings_together); none for no word.
+  std::vector<std::int32_t> with_words(std::string_view words) const;
+  // `ids` reordered so that names folding alike, the spellings of one person
+  // ("P. Erdős" and "P. Erdos"), stand together: the groups in the order of
+  // their first id in `ids`, each in its own order.
+  std::vector<std::int32_t> spellings_together(std::span<const std::int32_t> ids) const;
 
  private:
   std::string_view text(std::int32_t id) const { return folded_[static_cast<std::size_t>(id)]; }

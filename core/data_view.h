@@ -19,6 +19,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/data_set.h"
 #include "core/data_set_slot.h"
@@ -85,9 +86,14 @@ int author_named_count(const RefgroveData& d, const char* name, int* out);
 int get_author_named(const RefgroveData& d, const char* name, int i, int* author_id);
 int author_prefix_count(const RefgroveData& d, const char* prefix, int* out);
 int get_author_prefix(const RefgroveData& d, const char* prefix, int i, int* author_id);
-// The authors that a name typed by a person names: those named `text`, or,
-// when it ends in "*", those whose name starts with the rest (by name).
-std::span<const std::int32_t> named_authors(const RefgroveData& d, std::string_view text);
+// The authors that a name typed by a person names: those named `text`; when
+// none is, those whose name holds its words at word starts, spellings of one
+// person together (author_names.h); when it ends in "*", those whose name
+// starts with the rest (by name).
+std::vector<std::int32_t> named_authors(const RefgroveData& d, std::string_view text);
+// The authors whose name holds the words of `text` at word starts, spellings
+// of one person together.
+std::vector<std::int32_t> authors_with_words(const RefgroveData& d, std::string_view text);
 // The abstract as preprocessing wrote it: its header's offset read as the
 // byte position it is, up to the next header's offset (and no further than
 // "word-data" reaches).

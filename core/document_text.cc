@@ -43,13 +43,19 @@ std::string author_name_text(const RefgroveData& d, int author_id) {
   return id2author(d, author_id, &name) ? as_utf8(name) : std::string();
 }
 
-DocumentText document_text(const RefgroveData& d, int did) {
+std::optional<int> year_of(const RefgroveData& d, int did) {
+  int year = -1;
+  if (get_year(d, did, &year) && year != -1) return year;
+  return std::nullopt;
+}
+
+DocumentText document_heading(const RefgroveData& d, int did) {
   DocumentText doc;
   doc.did = did;
   doc.key = key_text(d, did);
-  int n = 0;
-  if (get_year(d, did, &n) && n != -1) doc.year = n;
+  doc.year = year_of(d, did);
   doc.title = title_text(d, did);
+  int n = 0;
   author_count(d, did, &n);
   for (int i = 0; i < n; ++i) {
     const char* name = nullptr;
@@ -59,10 +65,16 @@ DocumentText document_text(const RefgroveData& d, int did) {
       doc.author_ids.push_back(id);
     }
   }
+  return doc;
+}
+
+DocumentText document_text(const RefgroveData& d, int did) {
+  DocumentText doc = document_heading(d, did);
+  int n = 0;
   cite_count(d, did, &n);
   for (int i = 0; i < n; ++i) {
     int cited = 0, gid = 0;
-    if (get_cite(d, did, i, &cited, &gid)) doc.citations.push_back(cited);
+    if (get_cite(d, did, i, &cited, &gid)) doc.cites.push_back(cited);
   }
   doc.abstract = abstract_text(d, did);
   return doc;

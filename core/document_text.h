@@ -1,5 +1,9 @@
-// A document's texts as UTF-8 (utf8_text.h), for the faces that show or
-// write whole documents: the tool's `export` and `show`, the web explorer.
+// A document as people see it: its key, year, title, authors and abstract,
+// each text as UTF-8 (utf8_text.h). Every face that shows or writes a
+// document takes its texts from here (the tool's lists, `show` and `export`,
+// the explorer's JSON, the Python face), so that a byte of the dumps reads
+// the same wherever it appears. The module's own printing operations write
+// the bytes as they are and do not use this.
 #ifndef REFGROVE_CORE_DOCUMENT_TEXT_H_
 #define REFGROVE_CORE_DOCUMENT_TEXT_H_
 
@@ -19,6 +23,8 @@ std::string title_text(const RefgroveData& d, int did);
 // read as the byte positions they are), joined by blanks.
 std::string abstract_text(const RefgroveData& d, int did);
 std::string author_name_text(const RefgroveData& d, int author_id);
+// The year of `did`; none when unknown.
+std::optional<int> year_of(const RefgroveData& d, int did);
 
 struct DocumentText {
   int did = 0;
@@ -27,11 +33,15 @@ struct DocumentText {
   std::string title;
   std::vector<std::string> authors;
   std::vector<int> author_ids;  // aligned with authors
-  std::vector<int> citations;  // cited DIDs, in the record's order
+  std::vector<int> cites;       // cited DIDs, in the record's order
   std::string abstract;
 };
 
-// Document `did` of `d`; the fields of a half the document lacks are empty.
+// What a list shows of document `did`: its key, year, title and authors;
+// `cites` and `abstract` stay empty.
+DocumentText document_heading(const RefgroveData& d, int did);
+// Document `did` of `d`, whole; the fields of a half the document lacks are
+// empty.
 DocumentText document_text(const RefgroveData& d, int did);
 
 }  // namespace refgrove

@@ -202,10 +202,17 @@ int get_author_prefix(const RefgroveData& d, const char* prefix, int i, int* aut
   return give_item(authors_with_prefix(d, prefix), i, author_id);
 }
 
-std::span<const std::int32_t> named_authors(const RefgroveData& d, std::string_view text) {
-  if (!text.empty() && text.back() == '*')
-    return author_names(d).with_prefix(text.substr(0, text.size() - 1));
-  return author_names(d).named(text);
+std::vector<std::int32_t> named_authors(const RefgroveData& d, std::string_view text) {
+  const AuthorNameIndex& index = author_names(d);
+  const bool prefix = !text.empty() && text.back() == '*';
+  const std::span<const std::int32_t> ids =
+      prefix ? index.with_prefix(text.substr(0, text.size() - 1)) : index.named(text);
+  if (ids.empty() && !prefix) return index.with_words(text);
+  return {ids.begin(), ids.end()};
+}
+
+std::vector<std::int32_t> authors_with_words(const RefgroveData& d, std::string_view text) {
+  return author_names(d).with_words(text);
 }
 
 int abstract_length(const RefgroveData& d, int did, int* out) {

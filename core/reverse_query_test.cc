@@ -219,13 +219,52 @@ TEST_F(ReverseQueryTest, AuthorsByNameIgnoringCase) {
     EXPECT_EQ(named(c.text), c.named) << shown;
     EXPECT_EQ(with_prefix(c.text), c.with_prefix) << shown;
     if (c.text == nullptr) continue;
-    // As a person types them: a trailing "*" asks for the prefix.
+    // As a person types them: a trailing "*" asks for the prefix; a name
+    // that names nobody is taken as words of names.
     const auto typed = [](std::string_view text) {
-      const std::span<const std::int32_t> ids = refgrove::named_authors(*refgrove_data, text);
+      const std::vector<std::int32_t> ids = refgrove::named_authors(*refgrove_data, text);
       return std::vector<int>(ids.begin(), ids.end());
     };
-    EXPECT_EQ(typed(c.text), c.named) << shown;
+    if (!c.named.empty()) {
+      EXPECT_EQ(typed(c.text), c.named) << shown;
+    }
     EXPECT_EQ(typed(std::string(c.text) + "*"), c.with_prefix) << shown;
+  }
+}
+
+// Authors by words of their names, each word at the start of a word of the
+// name, in any order; the spellings of one person stand together, in the
+// order of their first id, whatever ids lie between.
+TEST_F(ReverseQueryTest, AuthorsByWordsWithSpellingsTogether) {
+  DataDirBuilder docs;
+  docs.add({1, "a", 1990, {}, {}, {"P. Erdős", "P. Page", "E. Witten", "P. ERDOS"}, {}, true, false});
+  docs.add({2, "b", 1991, {}, {}, {"L. Witten", "Wittenberg, R.", "P. Erdo\xCC\x8Bs"}, {}, true, false});
+  load(docs);
+  std::map<std::string, std::int32_t> id;
+  const char* name = nullptr;
+  for (int author = 0; refgrove_id2author_1(author, &name); ++author) id[name] = author;
+  const std::int32_t erdos = id["P. Erdős"], upper = id["P. ERDOS"], decomposed = id["P. Erdo\xCC\x8Bs"];
+  const std::int32_t page = id["P. Page"], e_witten = id["E. Witten"], l_witten = id["L. Witten"];
+  const std::int32_t berg = id["Wittenberg, R."];
+  const struct {
+    const char* text;
+    std::vector<std::int32_t> typed;  // named_authors: the exact name first, else the words
+    std::vector<std::int32_t> words;  // authors_with_words
+  } cases[] = {
+      {"witten", {e_witten, l_witten, berg}, {e_witten, l_witten, berg}},
+      {"erdos", {erdos, upper, decomposed}, {erdos, upper, decomposed}},
+      {"p.", {erdos, upper, decomposed, page}, {erdos, upper, decomposed, page}},
+      {"erdős p.", {erdos, upper, decomposed}, {erdos, upper, decomposed}},
+      {"P. ERDŐS", {erdos, upper, decomposed}, {erdos, upper, decomposed}},
+      {"r. wittenberg", {berg}, {berg}},
+      {"e. witten", {e_witten}, {e_witten}},
+      {"ten", {}, {}},  // inside a word, not at its start
+      {"", {}, {}},
+      {"  ", {}, {}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(refgrove::named_authors(*refgrove_data, c.text), c.typed) << c.text;
+    EXPECT_EQ(refgrove::authors_with_words(*refgrove_data, c.text), c.words) << c.text;
   }
 }
 

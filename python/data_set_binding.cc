@@ -14,6 +14,7 @@
 
 #include "core/data_view.h"
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
@@ -51,17 +52,17 @@ py::dict document(const DataSetHandle& self, py::handle did_arg) {
   });
   if (!doc) throw FaceError(FaceError::Kind::not_found, "no document " + std::to_string(did));
   py::dict fields;
-  fields["did"] = did;
-  fields["key"] = doc->key.empty() ? py::object(py::none()) : utf8(doc->key);
-  fields["year"] = optional_int(doc->year);
-  fields["title"] = utf8(doc->title);
+  fields[field::did] = did;
+  fields[field::key] = doc->key.empty() ? py::object(py::none()) : utf8(doc->key);
+  fields[field::year] = optional_int(doc->year);
+  fields[field::title] = utf8(doc->title);
   py::list authors;
   for (const std::string& name : doc->authors) authors.append(utf8(name));
-  fields["authors"] = authors;
-  fields["author_ids"] = int_list(doc->author_ids);
-  fields["abstract"] = utf8(doc->abstract);
-  fields["cites"] = int_list(doc->citations);
-  fields["cited_by"] = int_list(cited_by);
+  fields[field::authors] = authors;
+  fields[field::author_ids] = int_list(doc->author_ids);
+  fields[field::abstract] = utf8(doc->abstract);
+  fields[field::cites] = int_list(doc->cites);
+  fields[field::cited_by] = int_list(cited_by);
   return fields;
 }
 
@@ -167,10 +168,7 @@ py::str author_name(const DataSetHandle& self, py::handle id_arg_) {
 
 std::vector<std::int32_t> authors_named(const DataSetHandle& self, py::handle text_arg_) {
   const std::string text = text_arg(text_arg_, "the name");
-  return without_gil(self, [&](const RefgroveData& d) {
-    const std::span<const std::int32_t> ids = named_authors(d, text);
-    return std::vector<std::int32_t>(ids.begin(), ids.end());
-  });
+  return without_gil(self, [&](const RefgroveData& d) { return named_authors(d, text); });
 }
 
 }  // namespace
@@ -203,8 +201,9 @@ void bind_data_set(py::class_<DataSetHandle>& c) {
       .def("author_name", &author_name, py::arg("author_id"),
            "The name of author `author_id`. Raises NotFoundError outside the author table.")
       .def("authors_named", &authors_named, py::arg("text"),
-           "The ids of the authors named `text`, ignoring the case of ASCII letters, ascending; with a\n"
-           "trailing \"*\", those whose name starts with the rest, by name.")
+           "The ids of the authors named `text`, ignoring case and accents, ascending; with a trailing\n"
+           "\"*\", those whose name starts with the rest, by name. A text that names nobody is taken as\n"
+           "words starting words of the names, the spellings of one person together.")
       .def("_search", &search_hits, py::arg("query"), py::arg("mode"), py::arg("limit"), py::arg("exact"),
            "Hits (did, score) best first, and whether the limit cut them.")
       .def("_ranked", &ranked_documents, py::arg("by"), py::arg("limit"), py::arg("years"),

@@ -19,6 +19,7 @@
 
 #include "core/data_view.h"
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "core/lookup.h"
 #include "core/utf8_text.h"
 #include "network/citation_graph.h"
@@ -116,10 +117,10 @@ py::dict table(const DataSetHandle& self) {
     cites.set(row, std::move(cited));
   }
   py::dict columns;
-  columns["key"] = keys.array();
-  columns["title"] = titles.array();
-  columns["authors"] = authors.array();
-  columns["cites"] = cites.array();
+  columns[field::key] = keys.array();
+  columns[field::title] = titles.array();
+  columns[field::authors] = authors.array();
+  columns[field::cites] = cites.array();
   return columns;
 }
 

@@ -566,16 +566,16 @@ test(citation_counts_agree_with_cites) :-
            )).
 
 test(ranking_enumerates_best_first_then_stops) :-
-    findall(D-S, refgrove_ranked(citations, D, S), All),
+    findall(D-S, refgrove_ranked_document(citations, D, S), All),
     aggregate_all(count, graph_document(_), Nodes),
     assertion(length(All, Nodes)),
     refgrove_ranked(citations, Top, []),
     assertion(length(Top, 10)),
     assertion(append(Top, _, All)),
     last(All, LastDid-LastScore),
-    refgrove_ranked(citations, LastDid, Score),
+    refgrove_ranked_document(citations, LastDid, Score),
     assertion(Score == LastScore),
-    findall(S, refgrove_ranked(pagerank, _, S), Scores),
+    findall(S, refgrove_ranked_document(pagerank, _, S), Scores),
     sum_list(Scores, Sum),
     assertion(abs(Sum - 1.0) < 1.0e-9).
 
@@ -656,6 +656,9 @@ test(options_and_errors_name_the_public_predicate) :-
                     refgrove_search(42, _)-type_error(text, 42)-(refgrove_search/2),
                     refgrove_search(graph, _, [])-none-none,
                     refgrove_ranked(rank, _, [])-domain_error(refgrove_option, rank)-(refgrove_ranked/3),
+                    refgrove_ranked_document(rank, _, _)-domain_error(refgrove_option, rank)-
+                        (refgrove_ranked_document/3),
+                    refgrove_ranked(citations, _, _)-instantiation_error-(refgrove_ranked/3),
                     refgrove_similar(110, cup, _, [])-domain_error(refgrove_option, cup)-(refgrove_similar/4),
                     refgrove_neighbourhood(110, _, _, [direction(up)])-domain_error(refgrove_option, up)-
                         (refgrove_neighbourhood/4)

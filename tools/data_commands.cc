@@ -337,7 +337,9 @@ void add_data_commands(CLI::App& app, CommandContext& ctx) {
       "Prints the name of each author id, one per line. --name NAME\n"
       "(repeatable) prints the id and name, tab-separated, of each author named\n"
       "NAME, ignoring case and accents, or, for NAME*, of each author whose\n"
-      "name starts with NAME. Exit status 1 when an id is not in the author\n"
+      "name starts with NAME. A NAME that names nobody is taken as words that\n"
+      "start words of the name (\"erdos\" finds P. Erdős), the spellings of one\n"
+      "person listed together. Exit status 1 when an id is not in the author\n"
       "table or a name names no author.");
   auto author_args = std::make_shared<DataDirArgs>();
   auto ids = std::make_shared<std::vector<int>>();

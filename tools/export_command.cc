@@ -13,9 +13,10 @@
 #include <string_view>
 #include <vector>
 
+#include "core/document_text.h"
+#include "core/json_fields.h"
 #include "tools/commands.h"
 #include "tools/network_formats.h"
-#include "core/document_text.h"
 #include "tools/tool_support.h"
 
 namespace refgrove {
@@ -23,11 +24,10 @@ namespace refgrove {
 namespace {
 
 void write_json_line(const refgrove::DocumentText& doc, std::ostream& out) {
-  nlohmann::ordered_json j = {{"did", doc.did},       {"key", doc.key},
-                              {"year", nullptr},      {"title", doc.title},
-                              {"authors", doc.authors}, {"citations", doc.citations},
-                              {"abstract", doc.abstract}};
-  if (doc.year) j["year"] = *doc.year;
+  nlohmann::ordered_json j = {{field::did, doc.did},          {field::key, doc.key},         {field::year, nullptr},
+                              {field::title, doc.title},      {field::authors, doc.authors}, {field::cites, doc.cites},
+                              {field::abstract, doc.abstract}};
+  if (doc.year) j[field::year] = *doc.year;
   out << j.dump() << "\n";
 }
 
@@ -57,7 +57,7 @@ std::string join(const std::vector<T>& items, const char* separator) {
   return text;
 }
 
-const char kCsvHeader[] = "did,key,year,title,authors,citations,abstract\r\n";
+const char kCsvHeader[] = "did,key,year,title,authors,cites,abstract\r\n";
 
 void write_csv_record(const refgrove::DocumentText& doc, std::ostream& out) {
   const std::string fields[] = {std::to_string(doc.did),
@@ -65,7 +65,7 @@ void write_csv_record(const refgrove::DocumentText& doc, std::ostream& out) {
                                 doc.year ? std::to_string(*doc.year) : "",
                                 doc.title,
                                 join(doc.authors, "; "),
-                                join(doc.citations, " "),
+                                join(doc.cites, " "),
                                 doc.abstract};
   for (std::size_t i = 0; i < std::size(fields); ++i) {
     if (i > 0) out << ',';
@@ -122,11 +122,11 @@ const char kHelp[] =
     "\n"
     "jsonl: one JSON object per line with the fields did, key (\"\" when\n"
     "unknown), year (null when unknown), title (its words joined by blanks),\n"
-    "authors (their names), citations (the cited DIDs) and abstract (its\n"
+    "authors (their names), cites (the cited DIDs) and abstract (its\n"
     "words as preprocessing wrote them, joined by blanks).\n"
     "csv: the same fields under a header line, records ending in CRLF, fields\n"
     "holding a comma, a quote or a line break quoted with their quotes\n"
-    "doubled; authors joined by \"; \", citations by blanks, an unknown year\n"
+    "doubled; authors joined by \"; \", cites by blanks, an unknown year\n"
     "empty.\n"
     "graphml: the citation graph (documents with a graph record, one edge per\n"
     "distinct citation among them) for networkx, igraph or Gephi.\n"

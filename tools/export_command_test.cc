@@ -68,16 +68,45 @@ struct Expected {
 TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
   TempDir dir;
   DataDirBuilder()
-      .add({3, "he said \"hi\", ok", 1999, {{40, 5}, {41, 9}}, {"Graphs,", "\"quoted\""}, {"Erd\xc5\x91s, P.", "Lee\nAnn"},
-            {"sort", "\xe9t\xe9"}, true, true})
-      .add({5, "\xff\xfe" "key\r", -1, {}, {"x"}, {"R\xe9nyi"}, {"a", "b", "c"}, true, true})
+      .add({3,
+            "he said \"hi\", ok",
+            1999,
+            {{40, 5}, {41, 9}},
+            {"Graphs,", "\"quoted\""},
+            {"Erd\xc5\x91s, P.", "Lee\nAnn"},
+            {"sort", "\xe9t\xe9"},
+            true,
+            true})
+      .add({5,
+            "\xff\xfe"
+            "key\r",
+            -1,
+            {},
+            {"x"},
+            {"R\xe9nyi"},
+            {"a", "b", "c"},
+            true,
+            true})
       .add({9, "k9", 2001, {}, {}, {}, {}, true, false})
       .add({12, "", -1, {}, {}, {}, {"only"}, false, true})
       .write(dir.path());
   // Bytes that are not UTF-8 read as Latin-1; each abstract is its own words.
   const Expected expected[] = {
-      {3, "he said \"hi\", ok", 1999, "Graphs, \"quoted\"", {"Erd\xc5\x91s, P.", "Lee\nAnn"}, {5, 9}, "sort \xc3\xa9t\xc3\xa9"},
-      {5, "\xc3\xbf\xc3\xbe" "key\r", std::nullopt, "x", {"R\xc3\xa9nyi"}, {}, "a b c"},
+      {3,
+       "he said \"hi\", ok",
+       1999,
+       "Graphs, \"quoted\"",
+       {"Erd\xc5\x91s, P.", "Lee\nAnn"},
+       {5, 9},
+       "sort \xc3\xa9t\xc3\xa9"},
+      {5,
+       "\xc3\xbf\xc3\xbe"
+       "key\r",
+       std::nullopt,
+       "x",
+       {"R\xc3\xa9nyi"},
+       {},
+       "a b c"},
       {9, "k9", 2001, "", {}, {}, ""},
       {12, "", std::nullopt, "", {}, {}, "only"},
   };
@@ -94,7 +123,7 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
     EXPECT_EQ(j.at("year"), e.year ? nlohmann::json(*e.year) : nlohmann::json()) << line;
     EXPECT_EQ(j.at("title"), e.title) << line;
     EXPECT_EQ(j.at("authors"), e.authors) << line;
-    EXPECT_EQ(j.at("citations"), e.citations) << line;
+    EXPECT_EQ(j.at("cites"), e.citations) << line;
     EXPECT_EQ(j.at("abstract"), e.abstract) << line;
   }
   EXPECT_FALSE(std::getline(lines, line)) << line;
@@ -103,15 +132,15 @@ TEST(ExportCommandTest, JsonLinesAndCsvReadBack) {
   ASSERT_EQ(csv.status, 0) << csv.err;
   const std::vector<std::vector<std::string>> records = ReadCsv(csv.out);
   ASSERT_EQ(records.size(), std::size(expected) + 1) << csv.out;
-  EXPECT_EQ(records[0], (std::vector<std::string>{"did", "key", "year", "title", "authors", "citations", "abstract"}));
+  EXPECT_EQ(records[0], (std::vector<std::string>{"did", "key", "year", "title", "authors", "cites", "abstract"}));
   for (std::size_t i = 0; i < std::size(expected); ++i) {
     const Expected& e = expected[i];
     std::string authors, citations;
     for (const std::string& a : e.authors) authors += (authors.empty() ? "" : "; ") + a;
     for (const int c : e.citations) citations += (citations.empty() ? "" : " ") + std::to_string(c);
-    EXPECT_EQ(records[i + 1], (std::vector<std::string>{std::to_string(e.did), e.key,
-                                                        e.year ? std::to_string(*e.year) : "", e.title, authors,
-                                                        citations, e.abstract}))
+    EXPECT_EQ(records[i + 1],
+              (std::vector<std::string>{std::to_string(e.did), e.key, e.year ? std::to_string(*e.year) : "", e.title,
+                                        authors, citations, e.abstract}))
         << "DID " << e.did;
   }
 

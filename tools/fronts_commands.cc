@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "core/document_text.h"
+#include "core/json_fields.h"
 #include "fronts/author_impact.h"
 #include "fronts/clusters.h"
 #include "fronts/main_path.h"
@@ -87,34 +89,35 @@ const char kClustersHelp[] =
 
 nlohmann::ordered_json cluster_json(std::int32_t id, const Cluster& c) {
   const auto year = [](std::int32_t y) { return y < 0 ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(y); };
-  return {{"id", id},
-          {"size", c.size},
-          {"documents", c.documents},
-          {"modularity", c.modularity},
-          {"first_year", year(c.first_year)},
-          {"last_year", year(c.last_year)},
-          {"top", c.top},
-          {"label", c.label}};
+  return {{field::id, id},
+          {field::size, c.size},
+          {field::documents, c.documents},
+          {field::modularity, c.modularity},
+          {field::first_year, year(c.first_year)},
+          {field::last_year, year(c.last_year)},
+          {field::top, c.top},
+          {field::label, c.label}};
 }
 
 // The clustering as one JSON object: its options and figures, then its
 // clusters or, with `members`, each member's cluster.
 nlohmann::ordered_json clustering_json(const Clustering& c, bool members) {
-  nlohmann::ordered_json j = {{"graph", to_text(c.options().graph)},  {"quality", to_text(c.options().quality)},
-                              {"resolution", c.options().resolution}, {"seed", c.options().seed},
-                              {"modularity", c.modularity()},         {"quality_value", c.quality()},
-                              {"iterations", c.iterations()},         {"stable", c.stable()},
-                              {"total", c.clusters().size()}};
+  nlohmann::ordered_json j = {
+      {field::graph, to_text(c.options().graph)},  {field::quality, to_text(c.options().quality)},
+      {field::resolution, c.options().resolution}, {field::seed, c.options().seed},
+      {field::modularity, c.modularity()},         {field::quality_value, c.quality()},
+      {field::iterations, c.iterations()},         {field::stable, c.stable()},
+      {field::total, c.clusters().size()}};
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   if (members) {
-    const char* member = c.options().graph == ClusterGraphKind::coauthor ? "author" : "did";
+    const char* member = c.options().graph == ClusterGraphKind::coauthor ? field::author : field::did;
     for (std::size_t i = 0; i < c.members().size(); ++i)
-      list.push_back({{member, c.members()[i]}, {"cluster", c.cluster_of_members()[i]}});
-    j["members"] = std::move(list);
+      list.push_back({{member, c.members()[i]}, {field::cluster, c.cluster_of_members()[i]}});
+    j[field::members] = std::move(list);
   } else {
     for (std::size_t i = 0; i < c.clusters().size(); ++i)
       list.push_back(cluster_json(static_cast<std::int32_t>(i), c.clusters()[i]));
-    j["clusters"] = std::move(list);
+    j[field::clusters] = std::move(list);
   }
   return j;
 }
@@ -179,11 +182,8 @@ const char kAuthorsHelp[] =
 int run_authors(const AuthorsArgs& args, CommandContext& ctx) {
   return run_on("authors", args.dir, ctx, [&](const RefgroveData& d) {
     const std::vector<RankedAuthor> top = ranked_authors(d, author_rank_by_from_text(args.by), all_if_zero(args.limit));
-    for (const RankedAuthor& r : top) {
-      const char* name = nullptr;
-      id2author(d, r.author, &name);
-      ctx.out << r.author << "\t" << r.value << "\t" << (name ? name : "") << "\n";
-    }
+    for (const RankedAuthor& r : top)
+      ctx.out << r.author << "\t" << r.value << "\t" << author_name_text(d, r.author) << "\n";
     ctx.out.flush();
     const auto total = static_cast<std::int64_t>(author_impacts(d).size());
     note_cut("authors", static_cast<std::int64_t>(top.size()), total, "authors", "--limit", ctx.err);
@@ -240,7 +240,7 @@ void add_fronts_commands(CLI::App& app, CommandContext& ctx) {
   cmd = add_network_command(app, "main-path", "the main path of the citation graph", kMainPathHelp, path.get());
   cmd->callback([&ctx, path] {
     ctx.status = run_on("main-path", *path, ctx, [&](const RefgroveData& d) {
-      for (const std::int32_t did : main_path_dids(d)) ctx.out << did << "\t" << title_of(d, did) << "\n";
+      for (const std::int32_t did : main_path_dids(d)) ctx.out << did << "\t" << title_text(d, did) << "\n";
       return 0;
     });
   });

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "core/document_text.h"
 #include "network/citation_graph.h"
 #include "network/components.h"
 #include "network/distance.h"
@@ -110,7 +111,7 @@ int run_rank(const RankArgs& args, CommandContext& ctx) {
         ctx.out << static_cast<std::int64_t>(r.score);
       else
         ctx.out << std::fixed << std::setprecision(9) << r.score;  // scores are exact to 1e-9
-      ctx.out << "\t" << title_of(d, r.did) << "\n";
+      ctx.out << "\t" << title_text(d, r.did) << "\n";
     }
     ctx.out.flush();
     note_cut("rank", static_cast<std::int64_t>(top.size()), total, "documents", "--limit", ctx.err);
@@ -188,10 +189,8 @@ int run_distance(const DistanceArgs& args, CommandContext& ctx) {
     ctx.out << "distance\t" << path->documents.size() << "\n";
     for (std::size_t i = 0; i < path->authors.size(); ++i) {
       if (i > 0)
-        ctx.out << "document\t" << path->documents[i - 1] << "\t" << title_of(d, path->documents[i - 1]) << "\n";
-      const char* name = nullptr;
-      id2author(d, path->authors[i], &name);
-      ctx.out << "author\t" << path->authors[i] << "\t" << (name ? name : "") << "\n";
+        ctx.out << "document\t" << path->documents[i - 1] << "\t" << title_text(d, path->documents[i - 1]) << "\n";
+      ctx.out << "author\t" << path->authors[i] << "\t" << author_name_text(d, path->authors[i]) << "\n";
     }
     return 0;
   });
@@ -235,7 +234,7 @@ int run_neighbourhood(const NeighbourhoodArgs& args, CommandContext& ctx) {
       write_json(d, f, ctx.out);
     } else {
       for (const NetworkNode& v : f.nodes)
-        ctx.out << v.did << "\t" << *v.hops << "\t" << v.citations << "\t" << title_of(d, v.did) << "\n";
+        ctx.out << v.did << "\t" << *v.hops << "\t" << v.citations << "\t" << title_text(d, v.did) << "\n";
       for (const CitationEdge& e : f.edges) ctx.out << e.citing << "\tcites\t" << e.cited << "\n";
     }
     ctx.out.flush();
@@ -279,7 +278,7 @@ int run_similar(const SimilarArgs& args, CommandContext& ctx) {
         ctx.out << s.count;
       else
         ctx.out << s.score;
-      ctx.out << "\t" << title_of(d, s.did) << "\n";
+      ctx.out << "\t" << title_text(d, s.did) << "\n";
     }
     ctx.out.flush();
     note_cut("similar", shown, static_cast<std::int64_t>(all.size()), "documents", "--limit", ctx.err);

@@ -2,7 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "core/data_view.h"
+#include "core/document_text.h"
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 
 namespace refgrove {
@@ -12,8 +13,7 @@ namespace {
 NetworkNode node_of(const RefgroveData& d, const refgrove::CitationGraph& g, int did) {
   NetworkNode n;
   n.did = did;
-  int year = -1;
-  if (refgrove::get_year(d, did, &year) && year != -1) n.year = year;
+  n.year = year_of(d, did);
   n.citations = g.citation_count(g.node(did));
   return n;
 }
@@ -83,33 +83,19 @@ void write_dot(const NetworkFile& f, std::ostream& out) {
 void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out) {
   nlohmann::ordered_json nodes = nlohmann::ordered_json::array();
   for (const NetworkNode& n : f.nodes) {
-    nodes.push_back({{"did", n.did},
-                     {"hops", n.hops ? nlohmann::ordered_json(*n.hops) : nullptr},
-                     {"citations", n.citations},
-                     {"year", n.year ? nlohmann::ordered_json(*n.year) : nullptr},
-                     {"title", title_of(d, n.did)}});
+    nodes.push_back({{field::did, n.did},
+                     {field::hops, n.hops ? nlohmann::ordered_json(*n.hops) : nullptr},
+                     {field::citation_count, n.citations},
+                     {field::year, n.year ? nlohmann::ordered_json(*n.year) : nullptr},
+                     {field::title, title_text(d, n.did)}});
   }
   nlohmann::ordered_json edges = nlohmann::ordered_json::array();
   for (const refgrove::CitationEdge& e : f.edges) edges.push_back({e.citing, e.cited});
-  const nlohmann::ordered_json j = {{"nodes", nodes},
-                                    {"edges", edges},
-                                    {"total", f.total},
-                                    {"truncated", f.total > static_cast<std::int64_t>(f.nodes.size())}};
-  // Titles are bytes of the dumps: what is not UTF-8 becomes U+FFFD.
-  out << j.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace) << "\n";
-}
-
-std::string title_of(const RefgroveData& d, int did) {
-  int n = 0;
-  refgrove::title_length(d, did, &n);
-  std::string title;
-  for (int i = 0; i < n; ++i) {
-    const char* word = nullptr;
-    if (!refgrove::get_title_word(d, did, i, &word)) continue;
-    if (!title.empty()) title += ' ';
-    title += word;
-  }
-  return title;
+  const nlohmann::ordered_json j = {{field::nodes, nodes},
+                                    {field::edges, edges},
+                                    {field::total, f.total},
+                                    {field::truncated, f.total > static_cast<std::int64_t>(f.nodes.size())}};
+  out << j.dump() << "\n";
 }
 
 }  // namespace refgrove

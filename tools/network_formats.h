@@ -38,12 +38,9 @@ void write_graphml(const NetworkFile& f, std::ostream& out);
 // One "CITING<TAB>CITED" line per edge (nodes without edges are not seen).
 void write_edge_list(const NetworkFile& f, std::ostream& out);
 void write_dot(const NetworkFile& f, std::ostream& out);
-// {"nodes": [{"did", "hops", "citations", "year", "title"}...], "edges": [[citing, cited]...],
+// {"nodes": [{"did", "hops", "citation_count", "year", "title"}...], "edges": [[citing, cited]...],
 //  "total": nodes there are, "truncated": whether a limit kept fewer}
 void write_json(const RefgroveData& d, const NetworkFile& f, std::ostream& out);
-
-// The title of `did`, its words joined by blanks, as the bytes of the data.
-std::string title_of(const RefgroveData& d, int did);
 
 }  // namespace refgrove
 

@@ -7,11 +7,12 @@
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/document_text.h"
-#include "core/utf8_text.h"
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 #include "search/word_search.h"
 #include "tools/commands.h"
@@ -33,48 +34,41 @@ struct SearchArgs {
   std::vector<std::string> terms;
 };
 
-// What a hit shows of its document, as UTF-8.
-struct ShownDocument {
-  std::string title;  // words joined by blanks
-  int year = -1;      // -1 when unknown
-  std::vector<std::string> authors;
-};
-
-ShownDocument shown(const RefgroveData& d, int did) {
-  ShownDocument doc;
-  doc.title = title_text(d, did);
-  if (!get_year(d, did, &doc.year)) doc.year = -1;
-  int n = 0;
-  author_count(d, did, &n);
-  const char* name = nullptr;
-  for (int i = 0; i < n; ++i) {
-    if (get_author(d, did, i, &name)) doc.authors.push_back(as_utf8(name));
-  }
-  return doc;
-}
-
 std::string format_number(const char* format, double value) {
   char text[64];
   std::snprintf(text, sizeof text, format, value);
   return text;
 }
 
-void write_text(std::size_t rank, const SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
-  out << rank << ". " << (doc.title.empty() ? "(no title)" : doc.title) << "\n   ";
-  if (doc.year != -1) out << doc.year << ", ";
-  for (std::size_t i = 0; i < doc.authors.size() && i < kTextAuthors; ++i) out << doc.authors[i] << ", ";
-  if (doc.authors.size() > kTextAuthors) out << "et al., ";
-  out << "DID " << hit.did << ", score " << format_number("%.3f", hit.score) << "\n";
+// The number of documents of `d` citing `did`; 0 for a document without a
+// graph record.
+std::int64_t citations_of(const RefgroveData& d, std::int32_t did) {
+  const CitationGraph& g = CitationGraph::of(d);
+  const std::int32_t node = g.node(did);
+  return node < 0 ? 0 : g.citation_count(node);
 }
 
-void write_tsv(const SearchHit& hit, const ShownDocument& doc, std::ostream& out) {
+// `citations`: the hit's citation count, shown when the list is in that
+// order.
+void write_text(std::size_t rank, const SearchHit& hit, const DocumentText& doc, std::optional<std::int64_t> citations,
+                std::ostream& out) {
+  out << rank << ". " << (doc.title.empty() ? "(no title)" : doc.title) << "\n   ";
+  if (doc.year) out << *doc.year << ", ";
+  for (std::size_t i = 0; i < doc.authors.size() && i < kTextAuthors; ++i) out << doc.authors[i] << ", ";
+  if (doc.authors.size() > kTextAuthors) out << "et al., ";
+  out << "DID " << hit.did << ", ";
+  if (citations) out << *citations << (*citations == 1 ? " citation, " : " citations, ");
+  out << "score " << format_number("%.3f", hit.score) << "\n";
+}
+
+void write_tsv(const SearchHit& hit, const DocumentText& doc, std::ostream& out) {
   out << hit.did << '\t' << format_number("%.9g", hit.score) << '\t' << doc.title << '\n';
 }
 
-nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const ShownDocument& doc) {
-  nlohmann::ordered_json j = {{"rank", rank},    {"did", hit.did},     {"score", hit.score},
-                              {"year", nullptr}, {"title", doc.title}, {"authors", doc.authors}};
-  if (doc.year != -1) j["year"] = doc.year;
+nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const DocumentText& doc) {
+  nlohmann::ordered_json j = {{field::rank, rank},    {field::did, hit.did},     {field::score, hit.score},
+                              {field::year, nullptr}, {field::title, doc.title}, {field::authors, doc.authors}};
+  if (doc.year) j[field::year] = *doc.year;
   return j;
 }
 
@@ -85,13 +79,7 @@ nlohmann::ordered_json hit_json(std::size_t rank, const SearchHit& hit, const Sh
 void sort_hits(const RefgroveData& d, const std::string& by, std::vector<SearchHit>& hits) {
   if (by == "relevance") return;
   const auto key = [&](std::int32_t did) -> std::int64_t {
-    if (by == "year") {
-      int year = -1;
-      return get_year(d, did, &year) ? year : -1;
-    }
-    const CitationGraph& g = CitationGraph::of(d);
-    const std::int32_t node = g.node(did);
-    return node < 0 ? 0 : g.citation_count(node);
+    return by == "year" ? year_of(d, did).value_or(-1) : citations_of(d, did);
   };
   std::vector<std::pair<std::int64_t, SearchHit>> keyed;
   for (const SearchHit& hit : hits) keyed.emplace_back(key(hit.did), hit);
@@ -124,7 +112,7 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
   nlohmann::ordered_json json_hits = nlohmann::ordered_json::array();
   for (std::size_t k = 0; k < answer.hits.size(); ++k) {
     const SearchHit& hit = answer.hits[k];
-    const ShownDocument doc = shown(*data, hit.did);
+    const DocumentText doc = document_heading(*data, hit.did);
     if (args.format == "tsv") {
       write_tsv(hit, doc, ctx.out);
     } else if (args.format == "jsonl") {
@@ -132,12 +120,13 @@ int run_search(const SearchArgs& args, CommandContext& ctx) {
     } else if (args.format == "json") {
       json_hits.push_back(hit_json(k + 1, hit, doc));
     } else {
-      write_text(k + 1, hit, doc, ctx.out);
+      const bool by_citations = args.sort == "citations";
+      write_text(k + 1, hit, doc, by_citations ? std::optional(citations_of(*data, hit.did)) : std::nullopt, ctx.out);
     }
   }
   if (args.format == "json") {
     const nlohmann::ordered_json j = {
-        {"total", answer.total}, {"truncated", truncated}, {"hits", std::move(json_hits)}};
+        {field::total, answer.total}, {field::truncated, truncated}, {field::hits, std::move(json_hits)}};
     ctx.out << j.dump() << "\n";
   }
   if (truncated) {
@@ -162,7 +151,8 @@ const char kHelp[] =
     "ones by relevance, before --limit keeps the first. A list cut by\n"
     "--limit says so on standard error: \"showing 10 of 661 documents\".\n"
     "\n"
-    "text: for people: rank, title, year, first authors, DID and score.\n"
+    "text: for people: rank, title, year, first authors, DID, the citation\n"
+    "count when sorted by citations, and score.\n"
     "tsv: did<TAB>score<TAB>title per line.\n"
     "jsonl: one JSON object per hit: rank, did, score, year (null when\n"
     "unknown), title and authors.\n"

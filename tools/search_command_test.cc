@@ -142,6 +142,30 @@ TEST_F(SearchCommandTest, SortOrdersAndTotals) {
   }
 }
 
+// The text for people shows each hit's citation count when the hits are in
+// that order, and only then.
+TEST_F(SearchCommandTest, TextShowsCitationCountsWhenSortedByThem) {
+  std::ostream nowhere(nullptr);
+  const refgrove::DataSetPtr d = refgrove::load_data_set(dir_->path(), nowhere);
+  for (const std::string sort : {"relevance", "citations", "year"}) {
+    const ToolRun run = run_tool({"search", "--sort", sort, "--limit", "0", dir_->path(), "graph"});
+    ASSERT_EQ(run.status, 0) << sort << run.err;
+    std::istringstream lines(run.out);
+    int hits = 0;
+    for (std::string line; std::getline(lines, line);) {
+      const std::size_t at = line.find("DID ");
+      if (at == std::string::npos) continue;
+      ++hits;
+      int did = 0;
+      ASSERT_EQ(std::sscanf(line.c_str() + at, "DID %d, ", &did), 1) << line;
+      const int count = citation_count(*d, did);
+      const std::string shown = std::to_string(count) + (count == 1 ? " citation, " : " citations, ");
+      EXPECT_EQ(line.find(", " + shown + "score ") != std::string::npos, sort == "citations") << sort << ": " << line;
+    }
+    EXPECT_GT(hits, 3) << sort;
+  }
+}
+
 }  // namespace
 
 }  // namespace refgrove

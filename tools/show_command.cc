@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "tools/commands.h"
 #include "core/document_text.h"
+#include "tools/commands.h"
 #include "tools/tool_support.h"
 
 namespace refgrove {
@@ -73,8 +73,8 @@ void show(const RefgroveData& d, int did, std::ostream& out) {
   field(out, "title    ", doc.title);
   field(out, "authors  ", joined(doc.authors));
   field(out, "abstract ", doc.abstract);
-  out << "cites " << doc.citations.size() << "\n";
-  for (const int cited : doc.citations) list_entry(out, d, cited);
+  out << "cites " << doc.cites.size() << "\n";
+  for (const int cited : doc.cites) list_entry(out, d, cited);
   int citing = 0;
   refgrove::cited_by_count(d, did, &citing);
   out << "cited by " << citing << "\n";
@@ -107,8 +107,9 @@ int run_show(const DataDirArgs& dir, const std::vector<int>& dids, CommandContex
 }  // namespace
 
 void add_show_command(CLI::App& app, CommandContext& ctx) {
-  CLI::App* cmd = app.add_subcommand("show", "show documents for reading: key, year, title, authors, abstract, "
-                                              "citations both ways");
+  CLI::App* cmd = app.add_subcommand("show",
+                                     "show documents for reading: key, year, title, authors, abstract, "
+                                     "citations both ways");
   cmd->footer(kHelp);
   auto dir = std::make_shared<DataDirArgs>();
   auto dids = std::make_shared<std::vector<int>>();

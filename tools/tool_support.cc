@@ -95,7 +95,7 @@ int add_named_authors(const char* command, const RefgroveData& data, const std::
                       std::vector<int>* ids, std::ostream& err) {
   int status = 0;
   for (const std::string& name : names) {
-    const std::span<const std::int32_t> found = refgrove::named_authors(data, name);
+    const std::vector<std::int32_t> found = refgrove::named_authors(data, name);
     if (found.empty()) {
       err << "refgrove " << command << ": no author named " << name << "\n";
       status = 1;

@@ -13,6 +13,7 @@
 #include <stdexcept>
 
 #include "core/data_set.h"
+#include "core/json_fields.h"
 #include "web/api_params.h"
 #include "web/connection_threads.h"
 #include "web/network_api.h"
@@ -29,7 +30,7 @@ constexpr auto kThreadIdleTime = std::chrono::seconds(10);
 constexpr std::size_t kRequestsPerConnection = 10000;
 
 std::string error_body(const std::string& message) {
-  return Json{{"error", message}}.dump(-1, ' ', false, Json::error_handler_t::replace);
+  return Json{{field::error, message}}.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 void send_json(httplib::Response& res, int status, const Json& body) {

@@ -263,7 +263,7 @@ TEST(ExplorerApi, RankingsByBothMeasuresAndYears) {
     EXPECT_EQ(r.at("total"), total) << c.query;
     EXPECT_EQ(r.at("truncated"), total > r.at("papers").size()) << c.query;
     for (const JsonValue& p : r.at("papers")) {
-      EXPECT_EQ(p.at("citations"), citation_count(d, p.at("did"))) << c.query;
+      EXPECT_EQ(p.at("citation_count"), citation_count(d, p.at("did"))) << c.query;
       if (c.years) {
         EXPECT_TRUE(p.at("year") >= c.years->from && p.at("year") <= c.years->to) << c.query;
       }

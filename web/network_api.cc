@@ -3,6 +3,7 @@
 #include <limits>
 #include <vector>
 
+#include "core/json_fields.h"
 #include "network/citation_graph.h"
 #include "network/distance.h"
 #include "network/similarity.h"
@@ -23,8 +24,8 @@ std::int32_t require_node(const RefgroveData& d, int did) {
 
 Json with_figures(const RefgroveData& d, int did) {
   Json paper = paper_ref(d, did);
-  paper["citations"] = citation_count(d, did);
-  paper["pagerank"] = pagerank(d, did);
+  paper[field::citation_count] = citation_count(d, did);
+  paper[field::pagerank] = pagerank(d, did);
   return paper;
 }
 
@@ -32,7 +33,7 @@ Json similar_list(const RefgroveData& d, int did, SimilarBy by) {
   Json list = Json::array();
   for (const SimilarDocument& s : similar(d, did, by, kSimilarShown)) {
     Json paper = paper_ref(d, s.did);
-    paper["score"] = s.count;
+    paper[field::score] = s.count;
     list.push_back(std::move(paper));
   }
   return list;
@@ -44,18 +45,18 @@ void add_network_figures(const RefgroveData& d, int did, Json& paper) {
   const CitationGraph& graph = CitationGraph::of(d);
   const std::int32_t node = graph.node(did);
   Json cited_by = Json::array();
-  Json similar = {{"cocitation", Json::array()}, {"coupling", Json::array()}};
-  paper["citation_count"] = 0;
-  paper["pagerank"] = nullptr;
+  Json similar = {{field::cocitation, Json::array()}, {field::coupling, Json::array()}};
+  paper[field::citation_count] = 0;
+  paper[field::pagerank] = nullptr;
   if (node >= 0) {
     for (const std::int32_t citing : graph.citing(node)) cited_by.push_back(paper_ref(d, graph.did(citing)));
-    paper["citation_count"] = graph.citation_count(node);
-    paper["pagerank"] = pagerank(d, did);
-    similar = {{"cocitation", similar_list(d, did, SimilarBy::cocitation)},
-               {"coupling", similar_list(d, did, SimilarBy::coupling)}};
+    paper[field::citation_count] = graph.citation_count(node);
+    paper[field::pagerank] = pagerank(d, did);
+    similar = {{field::cocitation, similar_list(d, did, SimilarBy::cocitation)},
+               {field::coupling, similar_list(d, did, SimilarBy::coupling)}};
   }
-  paper["cited_by"] = std::move(cited_by);
-  paper["similar"] = std::move(similar);
+  paper[field::cited_by] = std::move(cited_by);
+  paper[field::similar] = std::move(similar);
 }
 
 Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptions& options) {
@@ -72,29 +73,33 @@ Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptio
   Json nodes = Json::array();
   for (const NeighbourNode& node : n.nodes) {
     Json paper = paper_ref(d, node.did);
-    paper["citations"] = citation_count(d, node.did);
-    paper["hops"] = node.hops;
+    paper[field::citation_count] = citation_count(d, node.did);
+    paper[field::hops] = node.hops;
     nodes.push_back(std::move(paper));
   }
   Json links = Json::array();
-  for (const CitationEdge& e : n.edges) links.push_back({{"source", e.citing}, {"target", e.cited}});
+  for (const CitationEdge& e : n.edges) links.push_back({{field::source, e.citing}, {field::target, e.cited}});
   const bool truncated = total > static_cast<std::int64_t>(n.nodes.size());
-  return {{"center", did},
-          {"nodes", std::move(nodes)},
-          {"links", std::move(links)},
-          {"total", total},
-          {"truncated", truncated}};
+  return {{field::center, did},
+          {field::nodes, std::move(nodes)},
+          {field::links, std::move(links)},
+          {field::total, total},
+          {field::truncated, truncated}};
 }
 
 Json path_json(const RefgroveData& d, int from, int to) {
   require_author(d, from);
   require_author(d, to);
-  Json answer = {{"from", from}, {"to", to}, {"distance", nullptr}, {"path", Json::array()}, {"papers", Json::array()}};
+  Json answer = {{field::from, from},
+                 {field::to, to},
+                 {field::distance, nullptr},
+                 {field::path, Json::array()},
+                 {field::papers, Json::array()}};
   const std::optional<CollaborationPath> path = collaboration_path(d, from, to);
   if (!path) return answer;
-  answer["distance"] = path->documents.size();
-  for (const std::int32_t author : path->authors) answer["path"].push_back(author_ref(d, author));
-  for (const std::int32_t did : path->documents) answer["papers"].push_back(paper_ref(d, did));
+  answer[field::distance] = path->documents.size();
+  for (const std::int32_t author : path->authors) answer[field::path].push_back(author_ref(d, author));
+  for (const std::int32_t did : path->documents) answer[field::papers].push_back(paper_ref(d, did));
   return answer;
 }
 
@@ -104,13 +109,13 @@ Json rank_json(const RefgroveData& d, RankBy by, int limit, std::optional<YearRa
   for (std::size_t i = 0; i < all.size() && i < static_cast<std::size_t>(limit); ++i) {
     papers.push_back(with_figures(d, all[i].did));
   }
-  Json range = years ? Json{{"from", years->from}, {"to", years->to}} : Json();
+  Json range = years ? Json{{field::from, years->from}, {field::to, years->to}} : Json();
   const bool truncated = all.size() > papers.size();
-  return {{"by", to_text(by)},
-          {"years", std::move(range)},
-          {"papers", std::move(papers)},
-          {"total", all.size()},
-          {"truncated", truncated}};
+  return {{field::by, to_text(by)},
+          {field::years, std::move(range)},
+          {field::papers, std::move(papers)},
+          {field::total, all.size()},
+          {field::truncated, truncated}};
 }
 
 }  // namespace refgrove::web

@@ -19,7 +19,7 @@ namespace refgrove::web {
 // papers most alike by each measure, each with its "score".
 void add_network_figures(const RefgroveData& d, int did, Json& paper);
 
-// /api/neighbourhood/{did}: {"center", "nodes" [paper_ref with "citations"
+// /api/neighbourhood/{did}: {"center", "nodes" [paper_ref with "citation_count"
 // and "hops"], "links" [{"source": citing DID, "target": cited DID}]}.
 Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptions& options);
 
@@ -28,7 +28,7 @@ Json neighbourhood_json(const RefgroveData& d, int did, const NeighbourhoodOptio
 Json path_json(const RefgroveData& d, int from, int to);
 
 // /api/rank: {"by", "years" ({"from", "to"} or null), "papers" [paper_ref
-// with "citations" and "pagerank"]}, best first.
+// with "citation_count" and "pagerank"]}, best first.
 Json rank_json(const RefgroveData& d, RankBy by, int limit, std::optional<YearRange> years);
 
 }  // namespace refgrove::web

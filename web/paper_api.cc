@@ -6,17 +6,14 @@
 
 #include "core/data_view.h"
 #include "core/document_text.h"
+#include "core/json_fields.h"
 #include "web/api_params.h"
 #include "web/network_api.h"
 
 namespace refgrove::web {
 namespace {
 
-Json year_of(const RefgroveData& d, int did) {
-  int year = -1;
-  if (get_year(d, did, &year) && year != -1) return year;
-  return nullptr;
-}
+Json year_json(const std::optional<int>& year) { return year ? Json(*year) : Json(nullptr); }
 
 std::vector<int> author_ids(const RefgroveData& d, int did) {
   int n = 0;
@@ -44,19 +41,21 @@ void require_author(const RefgroveData& d, int author_id) {
 }
 
 Json author_ref(const RefgroveData& d, int author_id) {
-  return {{"id", author_id}, {"name", author_name_text(d, author_id)}};
+  return {{field::id, author_id}, {field::name, author_name_text(d, author_id)}};
 }
 
 Json paper_ref(const RefgroveData& d, int did) {
-  return {{"did", did}, {"year", year_of(d, did)}, {"title", title_text(d, did)}};
+  return {{field::did, did}, {field::year, year_json(year_of(d, did))}, {field::title, title_text(d, did)}};
 }
 
 Json paper_summary(const RefgroveData& d, int did) {
-  Json paper = paper_ref(d, did);
-  paper["key"] = key_text(d, did);
+  const DocumentText doc = document_heading(d, did);
+  Json paper = {
+      {field::did, did}, {field::year, year_json(doc.year)}, {field::title, doc.title}, {field::key, doc.key}};
   Json authors = Json::array();
-  for (const int id : author_ids(d, did)) authors.push_back(author_ref(d, id));
-  paper["authors"] = std::move(authors);
+  for (std::size_t i = 0; i < doc.authors.size(); ++i)
+    authors.push_back({{field::id, doc.author_ids[i]}, {field::name, doc.authors[i]}});
+  paper[field::authors] = std::move(authors);
   return paper;
 }
 
@@ -66,13 +65,13 @@ Json stats_json(const RefgroveData& d) {
   last_did(d, &last);
   int documents = 0;  // with words, a graph record or both
   for (int did = 0; did < last; ++did) documents += has_word_info(d, did) || has_graph_info(d, did);
-  return {{"documents", documents}, {"words", words}, {"authors", authors}, {"last_did", last}};
+  return {{field::documents, documents}, {field::words, words}, {field::authors, authors}, {field::last_did, last}};
 }
 
 Json paper_json(const RefgroveData& d, int did) {
   require_document(d, did);
   Json paper = paper_summary(d, did);
-  paper["abstract"] = abstract_text(d, did);
+  paper[field::abstract] = abstract_text(d, did);
   int n = 0;
   cite_count(d, did, &n);
   Json cites = Json::array();
@@ -80,7 +79,7 @@ Json paper_json(const RefgroveData& d, int did) {
     int cited = 0, gid = 0;
     if (get_cite(d, did, i, &cited, &gid)) cites.push_back(paper_ref(d, cited));
   }
-  paper["cites"] = std::move(cites);
+  paper[field::cites] = std::move(cites);
   add_network_figures(d, did, paper);
   return paper;
 }
@@ -107,11 +106,11 @@ Json author_json(const RefgroveData& d, int author_id) {
   Json list = Json::array();
   for (const auto& [id, count] : coauthors) {
     Json coauthor = author_ref(d, id);
-    coauthor["shared"] = count;
+    coauthor[field::shared] = count;
     list.push_back(std::move(coauthor));
   }
-  author["papers"] = std::move(papers);
-  author["coauthors"] = std::move(list);
+  author[field::papers] = std::move(papers);
+  author[field::coauthors] = std::move(list);
   return author;
 }
 

@@ -1,9 +1,9 @@
 #include "web/search_api.h"
 
-#include <cctype>
 #include <vector>
 
 #include "core/data_view.h"
+#include "core/json_fields.h"
 #include "core/text_folding.h"
 #include "core/utf8_text.h"
 #include "web/api_params.h"
@@ -11,42 +11,13 @@
 namespace refgrove::web {
 namespace {
 
-// The folded names of the set's authors, by id, kept with the set.
-struct FoldedAuthorNames {
-  std::vector<std::string> names;
-};
-
-const FoldedAuthorNames& folded_author_names(const RefgroveData& d) {
-  return d.derived().get<FoldedAuthorNames>([&] {
-    FoldedAuthorNames folded;
-    const int n = get_nb_authors(d);
-    folded.names.reserve(static_cast<std::size_t>(n));
-    for (int id = 0; id < n; ++id) {
-      const char* name = nullptr;
-      folded.names.push_back(id2author(d, id, &name) ? fold_text(name) : std::string());
-    }
-    return folded;
-  });
-}
-
-// Whether `term` starts a word of `name`: at its start or after a character
-// that is not a letter or digit.
-bool starts_a_word(std::string_view name, std::string_view term) {
-  for (std::size_t at = name.find(term); at != std::string_view::npos; at = name.find(term, at + 1)) {
-    if (at == 0 || !std::isalnum(static_cast<unsigned char>(name[at - 1]))) return true;
-  }
-  return false;
-}
-
+// The authors whose name holds the words of the query at word starts,
+// spellings of one person together, the first `limit` of them.
 Json matching_authors(const RefgroveData& d, std::string_view query, int limit) {
-  std::vector<std::string> terms;
-  for (const std::string_view term : split_terms(query)) terms.push_back(fold_text(term));
-  const std::vector<std::string>& names = folded_author_names(d).names;
   Json authors = Json::array();
-  for (std::size_t id = 0; id < names.size() && authors.size() < static_cast<std::size_t>(limit); ++id) {
-    bool all = true;
-    for (const std::string& term : terms) all = all && starts_a_word(names[id], term);
-    if (all) authors.push_back(author_ref(d, static_cast<int>(id)));
+  for (const std::int32_t id : authors_with_words(d, query)) {
+    if (authors.size() == static_cast<std::size_t>(limit)) break;
+    authors.push_back(author_ref(d, id));
   }
   return authors;
 }
@@ -77,18 +48,22 @@ Json search_json(const RefgroveData& d, std::string_view query, const SearchRequ
   Json found = Json::array();
   for (const SearchHit& hit : answer.hits) {
     Json paper = paper_summary(d, hit.did);
-    paper["score"] = hit.score;
+    paper[field::score] = hit.score;
     found.push_back(std::move(paper));
   }
-  return {{"query", as_utf8(query)},       {"mode", to_text(request.mode)},
-          {"exact", request.exact},        {"hits", std::move(found)},
-          {"total", answer.total},         {"truncated", answer.hits.size() < answer.total},
-          {"keys", key_matches(d, query)}, {"authors", matching_authors(d, query, static_cast<int>(request.limit))}};
+  return {{field::query, as_utf8(query)},
+          {field::mode, to_text(request.mode)},
+          {field::exact, request.exact},
+          {field::hits, std::move(found)},
+          {field::total, answer.total},
+          {field::truncated, answer.hits.size() < answer.total},
+          {field::keys, key_matches(d, query)},
+          {field::authors, matching_authors(d, query, static_cast<int>(request.limit))}};
 }
 
 void prepare_search(const RefgroveData& d) {
   stem_index(d);
-  folded_author_names(d);
+  authors_with_words(d, "");  // builds the index of author names
 }
 
 }  // namespace refgrove::web

@@ -6,6 +6,7 @@ import numpy as np
 import numpy.typing as npt
 
 __version__: str
+_field_names: Tuple[str, ...]
 
 _Count = Optional[int]
 

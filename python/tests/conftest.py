@@ -57,7 +57,8 @@ def write_dumps(directory, records, abstracts):
     and of `abstracts` ({did: text}), in the formats preprocessing reads."""
     directory = Path(directory)
     directory.mkdir(parents=True, exist_ok=True)
-    with open(directory / GRAPH_DUMP, "w") as f:
+    # surrogateescape: a lone surrogate in a text writes the byte it stands for.
+    with open(directory / GRAPH_DUMP, "w", encoding="utf-8", errors="surrogateescape") as f:
         for did, key, year, cited, authors, title in records:
             gids = " ".join(str(9000 + c) for c in cited)
             dids = " ".join(map(str, cited))
@@ -66,7 +67,7 @@ def write_dumps(directory, records, abstracts):
     dids = sorted(abstracts)
     thirds = [dids[i::3] for i in range(3)]
     for name, part in zip(WORD_DUMPS, thirds):
-        with open(directory / name, "w") as f:
+        with open(directory / name, "w", encoding="utf-8", errors="surrogateescape") as f:
             for did in sorted(part):
                 f.write(f"{did} k{did} {abstracts[did]}\n")
 

@@ -41,7 +41,7 @@ def test_export_matches_documents_and_table(data):
         doc = ds.document(row["did"])
         assert (doc.key or "", doc.year, doc.title, doc.authors, doc.abstract) == (
             row["key"], row["year"], row["title"], row["authors"], row["abstract"]), row["did"]
-        assert doc.cites == row.get("cites", row.get("citations")), row["did"]
+        assert doc.cites == row["cites"], row["did"]
         if row["did"] in with_record:
             t = table.loc[row["did"]]
             year = None if pd.isna(t.year) else int(t.year)

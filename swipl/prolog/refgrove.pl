@@ -1,5 +1,6 @@
 :- module(refgrove,
-          [ refgrove_hello/0,
+          [ % The module's operations, and relations over the data set
+            refgrove_hello/0,
             refgrove_preproc/2,           % +InDir, +OutDir
             refgrove_load/1,              % +Dir
             refgrove_has_word_info/1,     % +Did
@@ -33,7 +34,22 @@
             refgrove_abstract/2,          % +Did, -Words
             refgrove_authors/2,           % +Did, -Names (first author first)
             refgrove_author_named/2,      % +Name, ?AuthorId
-            refgrove_author_prefix/2      % +Prefix, ?AuthorId
+            refgrove_author_prefix/2,     % +Prefix, ?AuthorId
+            % The citation network
+            refgrove_citation_count/2,    % +Did, -N
+            refgrove_pagerank/2,          % +Did, -Score
+            refgrove_ranked/3,            % +By, -Pairs, +Options
+            refgrove_ranked_document/3,   % +By, -Did, -Score
+            refgrove_collaboration_distance/3, % +A, +B, -D
+            refgrove_collaboration_path/3, % +A, +B, -Path
+            refgrove_citation_distance/3, % +From, +To, -D
+            refgrove_citation_distance/4, % +From, +To, -D, +Options
+            refgrove_neighbourhood/4,     % +Did, -Nodes, -Edges, +Options
+            refgrove_similar/4,           % +Did, +By, -Pairs, +Options
+            refgrove_component/3,         % +Did, -Id, -Size
+            % Search by words
+            refgrove_search/2,            % +Query, -Did
+            refgrove_search/3             % +Query, -Hits, +Options
           ]).
 
 /** <module> A citation database of scientific documents
@@ -58,6 +74,9 @@ Options are checked: one that a predicate does not take raises
 `limit(0)` for all and `total(-Total)` for how many there are.
 */
 
+:- use_module(library(error), [must_be/2, domain_error/2]).
+:- use_module(library(lists), [member/2, append/3]).
+:- use_module(library(option), [option/2, option/3]).
 :- use_module(library(pldoc), []).   % help/1 and doc_server/1 show the comments below
 :- use_foreign_library(foreign(refgrove4pl)).
 
@@ -565,30 +584,15 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
    the analyses need is built on first use and released on reload.
 */
 
-:- use_module(library(error)).
-:- use_module(library(lists)).
-:- use_module(library(option)).
-
-:- export(refgrove_citation_count/2).
-:- export(refgrove_pagerank/2).
-:- export(refgrove_ranked/3).
-:- export(refgrove_collaboration_distance/3).
-:- export(refgrove_collaboration_path/3).
-:- export(refgrove_citation_distance/3).
-:- export(refgrove_citation_distance/4).
-:- export(refgrove_neighbourhood/4).
-:- export(refgrove_similar/4).
-:- export(refgrove_component/3).
-
 %!  refgrove_citation_count(+Did, -N) is semidet.
 %
 %   N is the number of distinct documents citing Did (its in-degree in
 %   the citation graph). Fails when Did has no graph record.
 %
-%   ```
+%   ==
 %   ?- refgrove_citation_count(101, N).
 %   N = 4.
-%   ```
+%   ==
 
 %!  refgrove_pagerank(+Did, -Score) is semidet.
 %
@@ -597,20 +601,17 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %   summing to 1, each within 1e-9 of the exact value. Fails when Did has
 %   no graph record.
 %
-%   ```
+%   ==
 %   ?- refgrove_pagerank(101, Score).
 %   Score = 0.18188335914905276.
-%   ```
+%   ==
 
-%!  refgrove_ranked(+By, -Did, -Score) is nondet.
 %!  refgrove_ranked(+By, -Pairs, +Options) is det.
 %
-%   Documents ranked by `citations` (Score is the citation count) or by
-%   `pagerank`, best first, ties by ascending DID. The first form
-%   enumerates all documents with a graph record on backtracking, leaving
-%   no choice point after the last; the second gives the best ones as a
-%   list of Did-Score pairs (the two are told apart by the third argument,
-%   a list of options in the second). Options:
+%   Pairs are the best documents ranked by `citations` (Score is the
+%   citation count) or by `pagerank`, as Did-Score pairs, best first,
+%   ties by ascending DID; refgrove_ranked_document/3 enumerates all of
+%   them instead. Options:
 %
 %     - limit(+N)
 %       At most N pairs (default 10); `limit(0)` gives all of them.
@@ -624,15 +625,13 @@ message_lines([Line|Lines]) --> [ '~s'-[Line], nl ], message_lines(Lines).
 %   @error domain_error(year_range, From-To) when From > To.
 %   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 %
-%   ```
+%   ==
 %   ?- refgrove_ranked(citations, Pairs, [limit(2), total(Total)]).
 %   Pairs = [110-6, 118-5],
 %   Total = 32.
-%   ```
+%   ==
 
 refgrove_ranked(By, Pairs, Options) :-
-    is_list(Options),
-    !,
     known_options(Options, [limit/1, total/1, years/2], refgrove_ranked/3),
     option(limit(Limit), Options, 10),
     must_be(nonneg, Limit),
@@ -649,15 +648,32 @@ refgrove_ranked(By, Pairs, Options) :-
     asked_limit(Limit, Options, Max),
     as_public(refgrove_ranked/3, '$refgrove_ranked'(By, Max, From, To, All)),
     kept(Limit, Options, All, Pairs).
-refgrove_ranked(By, Did, Score) :-
-    as_public(refgrove_ranked/3, '$refgrove_ranked'(By, 0x7fffffff, -0x80000000, 0x7fffffff, Pairs)),
+
+%!  refgrove_ranked_document(+By, -Did, -Score) is nondet.
+%
+%   Did and Score enumerate every document with a graph record on
+%   backtracking, ranked as by refgrove_ranked/3, leaving no choice point
+%   after the last.
+%
+%   @error domain_error(refgrove_option, By) for another ranking.
+%
+%   ==
+%   ?- refgrove_ranked_document(pagerank, Did, Score).
+%   Did = 101,
+%   Score = 0.18188335914905276 ;
+%   ...
+%   ==
+
+refgrove_ranked_document(By, Did, Score) :-
+    as_public(refgrove_ranked_document/3,
+              '$refgrove_ranked'(By, 0x7fffffff, -0x80000000, 0x7fffffff, Pairs)),
     member(Did-Score, Pairs).
 
-% known_options(+Options, +Valid, +PI): every option is one of Valid
-% (Name/Arity); another raises domain_error(oneof(Valid), Option) in the
-% name of the predicate PI, never falling back to a default.
+% known_options(+Options, +Valid, +PI): Options is a list and every option
+% is one of Valid (Name/Arity); another raises domain_error(oneof(Valid),
+% Option) in the name of the predicate PI, never falling back to a default.
 known_options(Options, Valid, PI) :-
-    must_be(list, Options),
+    as_public(PI, must_be(list, Options)),
     forall(member(Option, Options), known_option(Option, Valid, PI)).
 
 known_option(Option, _, PI) :-
@@ -672,8 +688,8 @@ known_option(Option, Valid, _) :-
 known_option(Option, Valid, PI) :-
     throw(error(domain_error(oneof(Valid), Option), context(PI, _))).
 
-% as_public(+PI, :Goal): runs Goal, a foreign '$refgrove_...' predicate,
-% with its errors in the name of the public predicate PI.
+% as_public(+PI, :Goal): runs Goal, a foreign '$refgrove_...' predicate or
+% a check, with its errors in the name of the public predicate PI.
 as_public(PI, Goal) :-
     catch(Goal, error(Formal, Context), public_error(PI, Formal, Context)).
 
@@ -711,10 +727,10 @@ kept(Limit, Options, All, Kept) :-
 %   ids A and B in the co-author graph (0 when A == B). Fails when they
 %   are unconnected or either id names no author.
 %
-%   ```
+%   ==
 %   ?- refgrove_collaboration_distance(3, 14, D).
 %   D = 3.
-%   ```
+%   ==
 
 %!  refgrove_collaboration_path(+A, +B, -Path) is semidet.
 %
@@ -723,10 +739,10 @@ kept(Limit, Options, All, Kept) :-
 %   document that the authors beside it wrote together. Fails as
 %   refgrove_collaboration_distance/3.
 %
-%   ```
+%   ==
 %   ?- refgrove_collaboration_path(3, 14, Path).
 %   Path = [3, 110, 7, 137, 13, 124, 14].
-%   ```
+%   ==
 
 %!  refgrove_citation_distance(+From, +To, -D) is semidet.
 %!  refgrove_citation_distance(+From, +To, -D, +Options) is semidet.
@@ -740,10 +756,10 @@ kept(Limit, Options, All, Kept) :-
 %   @error domain_error(refgrove_option, Dir) for another direction.
 %   @error domain_error(oneof([direction/1]), Option) for another option.
 %
-%   ```
+%   ==
 %   ?- refgrove_citation_distance(115, 110, D).
 %   D = 1.
-%   ```
+%   ==
 
 refgrove_citation_distance(From, To, D) :-
     as_public(refgrove_citation_distance/3, '$refgrove_citation_distance'(From, To, out, D)).
@@ -774,11 +790,11 @@ refgrove_citation_distance(From, To, D, Options) :-
 %   @error domain_error(refgrove_option, Dir) for another direction.
 %   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 %
-%   ```
+%   ==
 %   ?- refgrove_neighbourhood(105, Nodes, Edges, [direction(out)]).
 %   Nodes = [105-0, 101-1],
 %   Edges = [105-101].
-%   ```
+%   ==
 
 refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
     PI = refgrove_neighbourhood/4,
@@ -819,10 +835,10 @@ refgrove_neighbourhood(Did, Nodes, Edges, Options) :-
 %   @error domain_error(refgrove_option, By) for another measure.
 %   @error domain_error(oneof(Valid), Option) for an option not in Valid.
 %
-%   ```
+%   ==
 %   ?- refgrove_similar(110, coupling, Pairs, [limit(2)]).
 %   Pairs = [118-1, 119-1].
-%   ```
+%   ==
 
 refgrove_similar(Did, By, Pairs, Options) :-
     known_options(Options, [measure/1, limit/1, total/1], refgrove_similar/4),
@@ -840,23 +856,16 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   by size descending, then by their smallest DID, so 0 is the largest.
 %   Fails when Did has no graph record.
 %
-%   ```
+%   ==
 %   ?- refgrove_component(110, Id, Size).
 %   Id = 0,
 %   Size = 31.
-%   ```
+%   ==
 
 
 		 /*******************************
 		 *        SEARCH BY WORDS       *
 		 *******************************/
-
-:- export(refgrove_search/2).             % +Query, -Did
-:- export(refgrove_search/3).             % +Query, -Hits, +Options
-
-:- use_module(library(error), [must_be/2]).
-:- use_module(library(lists), [member/2, append/3]).
-:- use_module(library(option), [option/3]).
 
 %!  refgrove_search(+Query, -Did) is nondet.
 %
@@ -873,12 +882,12 @@ refgrove_similar(Did, By, Pairs, Options) :-
 %   in the abstract (`'"black hole" entropy'`). Before any
 %   refgrove_load/1 nothing matches. For example:
 %
-%   ```
+%   ==
 %   ?- refgrove_search('graph*', Did).
 %   Did = 134 ;
 %   Did = 115 ;
 %   ...
-%   ```
+%   ==
 %
 %   @error instantiation_error if Query is unbound.
 %   @error type_error(text, Query) if Query is neither atom nor string.
@@ -909,10 +918,10 @@ refgrove_search(Query, Did) :-
 %
 %   For example:
 %
-%   ```
+%   ==
 %   ?- refgrove_search("random graphs", Hits, [limit(2), mode(or)]).
 %   Hits = [115-5.730701714437318, 134-2.885238483497622].
-%   ```
+%   ==
 %
 %   @error instantiation_error, type_error(text, Query) and
 %   domain_error(refgrove_query, Query) as refgrove_search/2.

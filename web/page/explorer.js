@@ -197,7 +197,7 @@ async function rankView(params) {
                          el("th", {}, "citations"), el("th", {}, "PageRank"))),
       el("tbody", {}, r.papers.map((p, i) => el("tr", {"data-did": p.did},
         el("td", {}, i + 1), el("td", {}, paperLink(p)), el("td", {}, p.year === null ? "" : p.year),
-        el("td", {}, p.citations), el("td", {}, p.pagerank.toPrecision(3)))))), shown);
+        el("td", {}, p.citation_count), el("td", {}, p.pagerank.toPrecision(3)))))), shown);
 }
 
 // ---- The neighbourhood drawing --------------------------------------------
@@ -233,7 +233,7 @@ function drawNeighbourhood(container, n) {
   const years = nodes.map((d) => d.year).filter((y) => y !== null);
   const first = Math.min(...years), last = Math.max(...years);
   const colour = (y) => y === null ? "#bbb" : d3.interpolateViridis(last > first ? (y - first) / (last - first) : 0.5);
-  const radius = (d) => 5 + 2.5 * Math.sqrt(d.citations);
+  const radius = (d) => 5 + 2.5 * Math.sqrt(d.citation_count);
 
   const svg = d3.create("svg").attr("viewBox", [-width / 2, -height / 2, width, height]).attr("role", "img")
     .attr("aria-label", `the ${nodes.length} papers around DID ${n.center}`);
@@ -249,7 +249,7 @@ function drawNeighbourhood(container, n) {
     .attr("fill", (d) => colour(d.year))
     .classed("center", (d) => d.did === n.center)
     .on("click", (d) => navigate(paperHref(d.did)))
-    .on("mouseover", (d) => showTooltip(`${d.title || "DID " + d.did} (${yearText(d.year)}, cited ${d.citations})`))
+    .on("mouseover", (d) => showTooltip(`${d.title || "DID " + d.did} (${yearText(d.year)}, cited ${d.citation_count})`))
     .on("mousemove", () => moveTooltip(d3.event))
     .on("mouseout", hideTooltip);
   node.append("title").text((d) => d.title || `DID ${d.did}`);
