@@ -49,7 +49,14 @@
             refgrove_component/3,         % +Did, -Id, -Size
             % Search by words
             refgrove_search/2,            % +Query, -Did
-            refgrove_search/3             % +Query, -Hits, +Options
+            refgrove_search/3,            % +Query, -Hits, +Options
+            % The structure of a field
+            refgrove_clusters/3,          % +Graph, -Clusters, +Options
+            refgrove_cluster/3,           % +Graph, ?Member, ?Id
+            refgrove_main_path/1,         % -Dids
+            refgrove_h_index/2,           % +AuthorId, -H
+            refgrove_author_ranked/3,     % +By, -Pairs, +Options
+            refgrove_citations_by_year/2  % +DidOrAuthor, -YearCounts
           ]).
 
 /** <module> A citation database of scientific documents
@@ -952,13 +959,6 @@ refgrove_search(Query, Hits, Options) :-
    analyses of the network are.
 */
 
-:- export(refgrove_clusters/3).           % +Graph, -Clusters, +Options
-:- export(refgrove_cluster/3).            % +Graph, ?Member, ?Id
-:- export(refgrove_main_path/1).          % -Dids
-:- export(refgrove_h_index/2).            % +AuthorId, -H
-:- export(refgrove_author_ranked/3).      % +By, -Pairs, +Options
-:- export(refgrove_citations_by_year/2).  % +DidOrAuthor, -YearCounts
-
 %!  refgrove_clusters(+Graph, -Clusters, +Options) is det.
 %
 %   Clusters are the clusters of Graph found by the Leiden algorithm, as
@@ -988,10 +988,10 @@ refgrove_search(Query, Hits, Options) :-
 %
 %   refgrove_cluster/3 then reads the clustering these options made.
 %
-%   ```
+%   ==
 %   ?- refgrove_clusters(citation, [C|_], []).
 %   C = cluster(0, 10, [data, structures, amortized]).
-%   ```
+%   ==
 %
 %   @error domain_error(refgrove_option, Graph) for another graph, and
 %   the same for another quality.
@@ -1027,10 +1027,10 @@ cluster_options(Graph, Options, PI, cluster_options(Graph, Quality, Resolution, 
 %   none. Enumerates the members in ascending order when Member is
 %   unbound; fails for a Member outside the graph.
 %
-%   ```
+%   ==
 %   ?- refgrove_cluster(citation, 110, Id).
 %   Id = 1.
-%   ```
+%   ==
 
 refgrove_cluster(Graph, Member, Id) :-
     (   last_cluster_options(Graph, Term)
@@ -1053,10 +1053,10 @@ refgrove_cluster(Graph, Member, Id) :-
 %   it). Documents citing each other in a cycle are taken together, in
 %   ascending DID order.
 %
-%   ```
+%   ==
 %   ?- refgrove_main_path(Dids).
 %   Dids = [145, 137, 127, 119, 115, 110, 107, 105, 101].
-%   ```
+%   ==
 
 %!  refgrove_h_index(+AuthorId, -H) is semidet.
 %
@@ -1064,10 +1064,10 @@ refgrove_cluster(Graph, Member, Id) :-
 %   documents have at least H citations each within the set. Fails for an
 %   id outside the author table.
 %
-%   ```
+%   ==
 %   ?- refgrove_h_index(3, H).
 %   H = 3.
-%   ```
+%   ==
 
 %!  refgrove_author_ranked(+By, -Pairs, +Options) is det.
 %
@@ -1077,10 +1077,10 @@ refgrove_cluster(Graph, Member, Id) :-
 %   (default 10; `limit(0)` gives all of them); total(-Total), the number
 %   of authors however many the limit kept.
 %
-%   ```
+%   ==
 %   ?- refgrove_author_ranked(h_index, Pairs, [limit(2)]).
 %   Pairs = [3-3, 4-2].
-%   ```
+%   ==
 %
 %   @error domain_error(refgrove_option, By) for another measure.
 %   @error domain_error(oneof(Valid), Option) for an option not in Valid.
@@ -1106,10 +1106,10 @@ refgrove_author_ranked(By, Pairs, Options) :-
 %   citations of all the author's documents. Fails when the DID has no
 %   graph record or the id names no author.
 %
-%   ```
+%   ==
 %   ?- refgrove_citations_by_year(110, YearCounts).
 %   YearCounts = [1997-2, 1998-1, 1999-1, 2000-1, 2001-1].
-%   ```
+%   ==
 
 refgrove_citations_by_year(author(Author), YearCounts) :-
     !,
