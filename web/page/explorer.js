@@ -77,15 +77,6 @@ async function api(path, params) {
 
 // ---- Views ----------------------------------------------------------------
 
-async function homeView() {
-  const s = await api("stats");
-  document.title = "refgrove explorer";
-  show(el("h1", {}, "refgrove explorer"),
-       el("p", {}, `${s.documents} documents, ${s.authors} authors, ${s.words} distinct words.`),
-       el("p", {}, "Search by words (", el("code", {}, "graph*"), " for a prefix), by a key or by an author's name, ",
-          "or look at the ", el("a", {href: "#/rank"}, "rankings"), "."));
-}
-
 async function searchView(params) {
   const q = params.get("q") || "";
   const mode = params.get("mode") === "or" ? "or" : "and";
@@ -125,7 +116,7 @@ async function paperView(did, params) {
 }
 
 async function authorView(id, params) {
-  const a = await api(`author/${id}`);
+  const [a, impact] = await Promise.all([api(`author/${id}`), api(`author/${id}/impact`)]);
   document.title = `${a.name} – refgrove explorer`;
   const input = el("input", {id: "path-to", type: "search", placeholder: "another author's name or id", required: ""});
   const result = el("div", {id: "path-result"});
@@ -133,7 +124,7 @@ async function authorView(id, params) {
     e.preventDefault();
     navigate(`#/author/${id}?to=${encodeURIComponent(input.value.trim())}`);
   }}, input, " ", el("button", {type: "submit"}, "Find path"));
-  show(el("h1", {}, a.name),
+  show(el("h1", {}, a.name), impactPanel(impact),
     el("div", {class: "columns"},
       section(`Papers (${a.papers.length})`, paperList(a.papers)),
       section(`Co-authors (${a.coauthors.length})`, a.coauthors.length === 0 ? el("p", {class: "empty"}, "none") :
@@ -310,6 +301,7 @@ async function route() {
     if (parts[0] === "search") await searchView(params);
     else if (parts[0] === "paper" && parts[1]) await paperView(parts[1], params);
     else if (parts[0] === "author" && parts[1]) await authorView(parts[1], params);
+    else if (parts[0] === "cluster" && parts[1]) await clusterView(parts[1]);
     else if (parts[0] === "rank") await rankView(params);
     else await homeView();
   } catch (e) {
