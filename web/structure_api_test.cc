@@ -20,17 +20,10 @@ namespace {
 
 using JsonValue = nlohmann::json;
 
-ServedSample& sample() {
-  static auto* served = new ServedSample;  // lives until the process ends
-  return *served;
-}
-
 // The status and the JSON body of a GET.
 std::pair<int, JsonValue> fetch(const std::string& path) {
-  httplib::Client client("127.0.0.1", sample().port());
-  const httplib::Result result = client.Get(path);
-  if (!result) return {0, JsonValue()};
-  return {result->status, JsonValue::parse(result->body)};
+  const Reply reply = get(path);
+  return {reply.status, reply.status ? reply.json() : JsonValue()};
 }
 
 JsonValue fetch_ok(const std::string& path) {

@@ -228,9 +228,7 @@ function drawNeighbourhood(container, n) {
 
   const svg = d3.create("svg").attr("viewBox", [-width / 2, -height / 2, width, height]).attr("role", "img")
     .attr("aria-label", `the ${nodes.length} papers around DID ${n.center}`);
-  svg.append("defs").append("marker").attr("id", "arrow").attr("viewBox", "0 -4 8 8").attr("refX", 8)
-    .attr("markerWidth", 6).attr("markerHeight", 6).attr("orient", "auto")
-    .append("path").attr("d", "M0,-4L8,0L0,4").attr("fill", "#999");
+  addArrowMarker(svg, "arrow");
   const layer = svg.append("g");
   const link = layer.append("g").attr("class", "links").selectAll("line").data(links).join("line")
     .attr("marker-end", "url(#arrow)");
@@ -253,12 +251,7 @@ function drawNeighbourhood(container, n) {
   const centre = nodes.find((d) => d.did === n.center);
   if (centre) centre.fx = centre.fy = 0;
   simulation.on("tick", () => {
-    link.each(function (l) {  // ends at the target circle's rim, where the arrow shows
-      const dx = l.target.x - l.source.x, dy = l.target.y - l.source.y;
-      const length = Math.hypot(dx, dy) || 1, r = radius(l.target) + 2;
-      d3.select(this).attr("x1", l.source.x).attr("y1", l.source.y)
-        .attr("x2", l.target.x - dx / length * r).attr("y2", l.target.y - dy / length * r);
-    });
+    placeArrows(link, radius);
     node.attr("cx", (d) => d.x).attr("cy", (d) => d.y);
   });
   node.call(d3.drag()
@@ -269,6 +262,24 @@ function drawNeighbourhood(container, n) {
   container.replaceChildren(svg.node());
   // Stops the layout when the page moves on.
   window.addEventListener("hashchange", () => simulation.stop(), {once: true});
+}
+
+// An arrowhead `id` for the lines of `svg`, of one size whatever their width.
+function addArrowMarker(svg, id) {
+  svg.append("defs").append("marker").attr("id", id).attr("viewBox", "0 -4 8 8").attr("refX", 8)
+    .attr("markerWidth", 8).attr("markerHeight", 8).attr("markerUnits", "userSpaceOnUse").attr("orient", "auto")
+    .append("path").attr("d", "M0,-4L8,0L0,4").attr("fill", "#999");
+}
+
+// Draws each citation of `lines` from its citing node to the rim of the
+// cited node (of radius(node)), where the arrowhead shows.
+function placeArrows(lines, radius) {
+  lines.each(function (l) {
+    const dx = l.target.x - l.source.x, dy = l.target.y - l.source.y;
+    const length = Math.hypot(dx, dy) || 1, r = radius(l.target) + 2;
+    d3.select(this).attr("x1", l.source.x).attr("y1", l.source.y)
+      .attr("x2", l.target.x - dx / length * r).attr("y2", l.target.y - dy / length * r);
+  });
 }
 
 const tooltip = document.getElementById("tooltip");

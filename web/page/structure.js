@@ -191,9 +191,7 @@ function drawTimeline(container, c) {
 
   const svg = d3.create("svg").attr("viewBox", [0, 0, width, height]).attr("role", "img")
     .attr("aria-label", `the ${nodes.length} papers of cluster ${c.id} by year`);
-  svg.append("defs").append("marker").attr("id", "timeline-arrow").attr("viewBox", "0 -4 8 8").attr("refX", 8)
-    .attr("markerWidth", 8).attr("markerHeight", 8).attr("markerUnits", "userSpaceOnUse").attr("orient", "auto")
-    .append("path").attr("d", "M0,-4L8,0L0,4").attr("fill", "#999");
+  addArrowMarker(svg, "timeline-arrow");
   const axis = svg.append("g").attr("class", "axis");
   for (let year = first; years.length && year <= last; ++year) {
     const y = yOf({year});
@@ -226,12 +224,7 @@ function drawTimeline(container, c) {
   const clampX = (p) => Math.max(left + radius(p), Math.min(width - radius(p), p.x));
   simulation.on("tick", () => {
     for (const p of nodes) p.x = clampX(p);
-    link.each(function (l) {  // ends at the cited circle's rim, where the arrow shows
-      const dx = l.target.x - l.source.x, dy = l.target.y - l.source.y;
-      const length = Math.hypot(dx, dy) || 1, r = radius(l.target) + 2;
-      d3.select(this).attr("x1", l.source.x).attr("y1", l.source.y)
-        .attr("x2", l.target.x - dx / length * r).attr("y2", l.target.y - dy / length * r);
-    });
+    placeArrows(link, radius);
     node.attr("cx", (p) => p.x).attr("cy", (p) => p.y);
   });
   container.replaceChildren(svg.node());
