@@ -53,7 +53,7 @@ std::vector<ClusterLink> cluster_links(const CitationGraph& g, const Clustering&
 
 const ClusterMap& cluster_map(const RefgroveData& d) {
   return d.derived().get<ClusterMap>([&] {
-    std::shared_ptr<const Clustering> c = Clustering::of(d, ClusterOptions{});
+    std::shared_ptr<const Clustering> c = Clustering::of(d, explorer_cluster_options());
     std::vector<ClusterLink> links = cluster_links(CitationGraph::of(d), *c);
     return ClusterMap{std::move(c), std::move(links)};
   });
@@ -92,6 +92,12 @@ std::vector<std::int32_t> listed_members(const CitationGraph& g, std::span<const
 }
 
 }  // namespace
+
+ClusterOptions explorer_cluster_options() {
+  ClusterOptions options;
+  options.iterations = 2;
+  return options;
+}
 
 void prepare_clusters(const RefgroveData& d) {
   cluster_map(d);

@@ -1,12 +1,22 @@
 // The JSON API's answers about the clusters (research fronts) of the
-// citation graph, found with the default options (fronts/clusters.h): the
-// map of all of them and the page of one.
+// citation graph (fronts/clusters.h): the map of all of them and the page of
+// one.
 #ifndef REFGROVE_WEB_CLUSTER_API_H_
 #define REFGROVE_WEB_CLUSTER_API_H_
 
 #include "web/paper_api.h"
 
+namespace refgrove {
+struct ClusterOptions;
+}  // namespace refgrove
+
 namespace refgrove::web {
+
+// The clustering the explorer shows: the default options, but two
+// iterations (igraph's default) instead of iterating until one moves
+// nothing, which on a large set takes hundreds of iterations for a last
+// percent of modularity, and would hold up every start and reload.
+ClusterOptions explorer_cluster_options();
 
 // /api/clusters: {"modularity", "clusters" [{"id", "size", "label" [words,
 // best first], "years" ({"from", "to"} or null)}] (the first `limit` by

@@ -13,6 +13,7 @@
 #include "fronts/author_impact.h"
 #include "fronts/clusters.h"
 #include "fronts/main_path.h"
+#include "web/cluster_api.h"
 #include "web/served_sample_test.h"
 
 namespace refgrove::web {
@@ -68,7 +69,7 @@ std::vector<int> graph_dids() {
   return dids;
 }
 
-std::shared_ptr<const Clustering> clustering() { return Clustering::of(sample().data(), ClusterOptions{}); }
+std::shared_ptr<const Clustering> clustering() { return Clustering::of(sample().data(), explorer_cluster_options()); }
 
 TEST(StructureApi, OverviewCountsEveryDatedDocumentAndCitationOnce) {
   std::map<int, std::pair<int, int>> expected;  // year -> documents, citations made
