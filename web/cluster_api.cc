@@ -21,11 +21,20 @@ struct ClusterLink {
   std::int64_t weight;  // citations either way
 };
 
-// The default clustering of the citation graph and the citations between
-// its clusters, kept with the set: the links take a pass over every citation.
+// What a cluster's page lists, in its order.
+struct ClusterPage {
+  std::vector<std::int32_t> main_path;  // its DIDs on the main path, in the path's order
+  std::vector<std::int32_t> listed;     // the first nodes of its members (see cluster_json)
+  Timeline documents_by_year;
+};
+
+// The explorer's clustering of the citation graph, the citations between
+// its clusters and what each cluster's page lists, kept with the set: they
+// take passes over every citation and every member, too slow for a request.
 struct ClusterMap {
   std::shared_ptr<const Clustering> clustering;
-  std::vector<ClusterLink> links;  // by source, then target
+  std::vector<ClusterLink> links;  // by target, then source: those among the first n clusters come first
+  std::vector<ClusterPage> pages;  // by cluster id
 };
 
 // The clustering of the citation graph has every node as a member, in node
@@ -46,17 +55,9 @@ std::vector<ClusterLink> cluster_links(const CitationGraph& g, const Clustering&
   for (const auto& [key, weight] : weights)
     links.push_back({static_cast<std::int32_t>(key >> 32), static_cast<std::int32_t>(key & 0xffffffffu), weight});
   std::sort(links.begin(), links.end(), [](const ClusterLink& a, const ClusterLink& b) {
-    return std::tie(a.source, a.target) < std::tie(b.source, b.target);
+    return std::tie(a.target, a.source) < std::tie(b.target, b.source);
   });
   return links;
-}
-
-const ClusterMap& cluster_map(const RefgroveData& d) {
-  return d.derived().get<ClusterMap>([&] {
-    std::shared_ptr<const Clustering> c = Clustering::of(d, explorer_cluster_options());
-    std::vector<ClusterLink> links = cluster_links(CitationGraph::of(d), *c);
-    return ClusterMap{std::move(c), std::move(links)};
-  });
 }
 
 Json years_json(const Cluster& c) {
@@ -73,22 +74,43 @@ Json cited_paper(const RefgroveData& d, const CitationGraph& g, std::int32_t nod
   return paper;
 }
 
-// The nodes of a cluster's page: those on the main path, then the most
-// cited, ties by node (DID order); at most `limit`.
-std::vector<std::int32_t> listed_members(const CitationGraph& g, std::span<const std::int32_t> nodes,
-                                         const std::vector<std::int32_t>& on_path, int limit) {
-  std::vector<std::int32_t> listed(nodes.begin(), nodes.end());
+// The pages of all clusters. A page lists the cluster's nodes on the main
+// path, then the most cited, ties by node (DID order); at most as many as a
+// request may ask for.
+std::vector<ClusterPage> cluster_pages(const RefgroveData& d, const CitationGraph& g, const Clustering& c) {
+  std::vector<ClusterPage> pages(c.clusters().size());
+  std::vector<bool> on_path(static_cast<std::size_t>(g.size()));
+  for (const std::int32_t did : main_path_dids(d)) {
+    pages[static_cast<std::size_t>(c.cluster_of(did))].main_path.push_back(did);
+    on_path[static_cast<std::size_t>(g.node(did))] = true;
+  }
   const auto first = [&](std::int32_t a, std::int32_t b) {
-    const bool a_on = std::binary_search(on_path.begin(), on_path.end(), a);
-    const bool b_on = std::binary_search(on_path.begin(), on_path.end(), b);
-    if (a_on != b_on) return a_on;
-    if (g.citation_count(a) != g.citation_count(b)) return g.citation_count(a) > g.citation_count(b);
-    return a < b;
+    const auto key = [&](std::int32_t v) {
+      return std::tuple(!on_path[static_cast<std::size_t>(v)], -g.citation_count(v), v);
+    };
+    return key(a) < key(b);
   };
-  const auto end = listed.begin() + std::min<std::ptrdiff_t>(limit, static_cast<std::ptrdiff_t>(listed.size()));
-  std::partial_sort(listed.begin(), end, listed.end(), first);
-  listed.erase(end, listed.end());
-  return listed;
+  for (std::size_t id = 0; id < pages.size(); ++id) {
+    const auto cluster = static_cast<std::int32_t>(id);
+    const std::span<const std::int32_t> nodes = c.document_nodes(cluster);
+    std::vector<std::int32_t>& listed = pages[id].listed;
+    listed.assign(nodes.begin(), nodes.end());
+    const auto end = listed.begin() + std::min<std::ptrdiff_t>(kMaxLimit, std::ssize(listed));
+    std::partial_sort(listed.begin(), end, listed.end(), first);
+    listed.erase(end, listed.end());
+    pages[id].documents_by_year = cluster_documents_by_year(d, c, cluster);
+  }
+  return pages;
+}
+
+const ClusterMap& cluster_map(const RefgroveData& d) {
+  return d.derived().get<ClusterMap>([&] {
+    const CitationGraph& g = CitationGraph::of(d);
+    std::shared_ptr<const Clustering> c = Clustering::of(d, explorer_cluster_options());
+    std::vector<ClusterLink> links = cluster_links(g, *c);
+    std::vector<ClusterPage> pages = cluster_pages(d, g, *c);
+    return ClusterMap{std::move(c), std::move(links), std::move(pages)};
+  });
 }
 
 }  // namespace
@@ -99,10 +121,7 @@ ClusterOptions explorer_cluster_options() {
   return options;
 }
 
-void prepare_clusters(const RefgroveData& d) {
-  cluster_map(d);
-  SearchPathCounts::of(d);
-}
+void prepare_clusters(const RefgroveData& d) { cluster_map(d); }
 
 Json clusters_json(const RefgroveData& d, int limit) {
   const ClusterMap& map = cluster_map(d);
@@ -112,7 +131,8 @@ Json clusters_json(const RefgroveData& d, int limit) {
   for (std::int32_t id = 0; id < shown; ++id) clusters.push_back(cluster_ref(id, all[static_cast<std::size_t>(id)]));
   Json links = Json::array();
   for (const ClusterLink& l : map.links) {
-    if (l.target < shown) links.push_back({{"source", l.source}, {"target", l.target}, {"weight", l.weight}});
+    if (l.target >= shown) break;
+    links.push_back({{"source", l.source}, {"target", l.target}, {"weight", l.weight}});
   }
   return {{"modularity", map.clustering->modularity()},
           {"clusters", std::move(clusters)},
@@ -122,34 +142,26 @@ Json clusters_json(const RefgroveData& d, int limit) {
 }
 
 Json cluster_json(const RefgroveData& d, int id, int limit) {
-  const Clustering& c = *cluster_map(d).clustering;
+  const ClusterMap& map = cluster_map(d);
+  const Clustering& c = *map.clustering;
   if (static_cast<std::size_t>(id) >= c.clusters().size())
     throw ApiError(
         404, "no cluster has id " + std::to_string(id) + " (there are " + std::to_string(c.clusters().size()) + ")");
   const Cluster& cluster = c.clusters()[static_cast<std::size_t>(id)];
+  const ClusterPage& page = map.pages[static_cast<std::size_t>(id)];
   const CitationGraph& g = CitationGraph::of(d);
-  const std::span<const std::int32_t> nodes = c.document_nodes(id);
 
   Json answer = cluster_ref(id, cluster);
   Json top = Json::array();
   for (const std::int32_t did : cluster.top) top.push_back(cited_paper(d, g, g.node(did)));
   answer["top"] = std::move(top);
   Json timeline = Json::array();
-  for (const auto& [year, count] : cluster_documents_by_year(d, c, id))
-    timeline.push_back({{"year", year}, {"documents", count}});
+  for (const auto& [year, count] : page.documents_by_year) timeline.push_back({{"year", year}, {"documents", count}});
   answer["timeline"] = std::move(timeline);
+  answer["main_path"] = page.main_path;
 
-  Json path = Json::array();
-  std::vector<std::int32_t> on_path;
-  for (const std::int32_t did : main_path_dids(d)) {
-    if (c.cluster_of(did) != id) continue;
-    path.push_back(did);
-    on_path.push_back(g.node(did));
-  }
-  std::sort(on_path.begin(), on_path.end());
-  answer["main_path"] = std::move(path);
-
-  std::vector<std::int32_t> listed = listed_members(g, nodes, on_path, limit);
+  std::vector<std::int32_t> listed(page.listed.begin(),
+                                   page.listed.begin() + std::min<std::ptrdiff_t>(limit, std::ssize(page.listed)));
   Json members = Json::array();
   for (const std::int32_t v : listed) members.push_back(cited_paper(d, g, v));
   std::sort(listed.begin(), listed.end());
@@ -162,8 +174,8 @@ Json cluster_json(const RefgroveData& d, int id, int limit) {
   }
   answer["members"] = std::move(members);
   answer["links"] = std::move(links);
-  answer["total"] = nodes.size();
-  answer["truncated"] = static_cast<std::size_t>(limit) < nodes.size();
+  answer["total"] = cluster.size;
+  answer["truncated"] = limit < cluster.size;
   return answer;
 }
 

@@ -114,8 +114,6 @@ std::string required_param(const httplib::Request& req, const char* name) {
   return req.get_param_value(name);
 }
 
-constexpr int kMaxLimit = 1000;
-
 int limit_param(const httplib::Request& req, const char* fallback) {
   return parse_int(param(req, "limit", fallback), "limit", 1, kMaxLimit);
 }

@@ -7,12 +7,10 @@
 #include "fronts/author_impact.h"
 #include "network/citation_graph.h"
 #include "network/ranking.h"
+#include "web/api_params.h"
 
 namespace refgrove::web {
 namespace {
-
-// The longest list the API gives (its limit's upper bound).
-constexpr std::int64_t kListedAtMost = 1000;
 
 struct YearRow {
   std::int32_t year;
@@ -24,8 +22,8 @@ struct YearRow {
 // them takes a pass over every citation, too slow for each request.
 struct Overview {
   std::vector<YearRow> years;
-  std::vector<RankedDocument> most_cited;  // the first kListedAtMost
-  std::vector<RankedAuthor> top_authors;   // by h-index, the first kListedAtMost
+  std::vector<RankedDocument> most_cited;  // the first kMaxLimit
+  std::vector<RankedAuthor> top_authors;   // by h-index, the first kMaxLimit
   std::int64_t documents = 0;              // with a citation record
   std::int64_t authors = 0;
 };
@@ -47,8 +45,8 @@ std::vector<YearRow> year_rows(const CitationGraph& g) {
 const Overview& overview_of(const RefgroveData& d) {
   return d.derived().get<Overview>([&] {
     const CitationGraph& g = CitationGraph::of(d);
-    return Overview{year_rows(g), ranked(d, RankBy::citations, kListedAtMost),
-                    ranked_authors(d, AuthorRankBy::h_index, kListedAtMost), g.size(),
+    return Overview{year_rows(g), ranked(d, RankBy::citations, kMaxLimit),
+                    ranked_authors(d, AuthorRankBy::h_index, kMaxLimit), g.size(),
                     static_cast<std::int64_t>(author_impacts(d).size())};
   });
 }

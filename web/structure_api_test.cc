@@ -135,11 +135,18 @@ TEST(StructureApi, ClusterMapLinksWeighTheCitationsBetweenClusters) {
   EXPECT_EQ(answered, expected);
   ASSERT_GT(c->clusters().size(), 1u) << "the sample has several fronts";
 
-  const JsonValue first = fetch_ok("/api/clusters?limit=1");
-  EXPECT_EQ(first.at("clusters").size(), 1u);
-  EXPECT_TRUE(first.at("links").empty()) << "no link to a cluster not listed";
-  EXPECT_EQ(first.at("total"), c->clusters().size());
-  EXPECT_TRUE(first.at("truncated"));
+  for (std::size_t limit = 1; limit < c->clusters().size(); ++limit) {
+    const JsonValue cut = fetch_ok("/api/clusters?limit=" + std::to_string(limit));
+    EXPECT_EQ(cut.at("clusters").size(), limit);
+    std::map<std::pair<int, int>, int> among_listed;  // no link to a cluster not listed
+    for (const auto& [pair, weight] : expected)
+      if (pair.second < static_cast<int>(limit)) among_listed[pair] = weight;
+    answered.clear();
+    for (const JsonValue& l : cut.at("links")) answered[{l.at("source"), l.at("target")}] = l.at("weight");
+    EXPECT_EQ(answered, among_listed) << "limit " << limit;
+    EXPECT_EQ(cut.at("total"), c->clusters().size());
+    EXPECT_TRUE(cut.at("truncated"));
+  }
 }
 
 TEST(StructureApi, EveryClusterPageHoldsItsMembersTheirCitationsAndItsPartOfTheMainPath) {
