@@ -23,6 +23,9 @@ class ApiError : public std::runtime_error {
   int status_;
 };
 
+// The largest "limit" of any list: the most items an answer lists.
+inline constexpr int kMaxLimit = 1000;
+
 ApiError bad_parameter(std::string_view name, std::string_view expected);
 
 // `text` as a decimal integer from lo to hi (digits only, an optional "-"),

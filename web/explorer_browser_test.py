@@ -2,10 +2,13 @@
 """The explorer in a real browser: headless Chromium, driven by Selenium,
 against `refgrove serve` on the sample.
 
-It searches a word, opens a result, checks that the neighbourhood drawing
-holds the papers that /api/neighbourhood gives, follows a node to its paper,
-finds a collaboration path from an author, and sees no error in the
-browser's console. Screenshots of each step are kept in SHOT_DIR (a failing
+It checks the front page's charts, lists and cluster map against
+/api/overview and /api/clusters, opens a cluster from the map and checks its
+timeline drawing against /api/cluster, checks an author's h-index and chart,
+searches a word, opens a result, checks that the neighbourhood drawing holds
+the papers that /api/neighbourhood gives, follows a node to its paper, finds
+a collaboration path from an author, and sees no error in the browser's
+console. Screenshots of each step are kept in SHOT_DIR (a failing
 run leaves them there to be looked at).
 
 Usage: explorer_browser_test.py REFGROVE SAMPLE_DIR SHOT_DIR
@@ -121,6 +124,58 @@ class ExplorerCheck:
         names = [a.text for a in self.browser.find_elements(By.CSS_SELECTOR, "#path-result p.path a.author")]
         assert names == [a["name"] for a in expected["path"]], f"path {names}, API {expected['path']}"
 
+    def bars(self, chart):
+        """The bars of a year chart as {year: value}."""
+        return {int(r.get_attribute("data-year")): int(r.get_attribute("data-value"))
+                for r in chart.find_elements(By.CSS_SELECTOR, ".bars rect")}
+
+    def check_front_page(self):
+        overview, clusters = self.api("overview"), self.api("clusters")
+        self.browser.get(self.url)
+        self.heading_is("refgrove explorer")
+        bubbles = self.wait.until(ec.presence_of_all_elements_located((By.CSS_SELECTOR, "#cluster-map g.bubble")))
+        documents, citations = self.browser.find_elements(By.CSS_SELECTOR, "svg.chart")[:2]
+        for chart, field in ((documents, "documents"), (citations, "citations")):
+            expected = {row["year"]: row[field] for row in overview["years"]}
+            drawn = {year: value for year, value in self.bars(chart).items() if value or year in expected}
+            assert drawn == expected, f"{field} per year drawn {drawn}, API {expected}"
+        shown = [int(li.get_attribute("data-did")) for li in self.browser.find_elements(By.CSS_SELECTOR, "ol.papers li")]
+        assert shown == [p["did"] for p in overview["most_cited"]["papers"]], f"most cited {shown}"
+        shown = [int(li.get_attribute("data-author"))
+                 for li in self.browser.find_elements(By.CSS_SELECTOR, "ol.top-authors li")]
+        assert shown == [a["id"] for a in overview["top_authors"]["authors"]], f"top authors {shown}"
+        drawn = sorted(int(b.get_attribute("data-cluster")) for b in bubbles)
+        assert drawn == [c["id"] for c in clusters["clusters"]], f"bubbles {drawn}, API {clusters['clusters']}"
+        self.shot("front")
+        return clusters["clusters"]
+
+    def open_cluster(self, cluster):
+        """Clicks the cluster's bubble and checks the page it opens."""
+        expected = self.api(f"cluster/{cluster['id']}")
+        bubble = self.browser.find_element(By.CSS_SELECTOR, f'#cluster-map g.bubble[data-cluster="{cluster["id"]}"]')
+        self.browser.execute_script("arguments[0].dispatchEvent(new MouseEvent('click', {bubbles: true}))", bubble)
+        self.heading_is(f"Cluster {cluster['id']}: ")
+        self.wait.until(ec.presence_of_element_located((By.CSS_SELECTOR, "#timeline circle")))
+        circles = self.browser.find_elements(By.CSS_SELECTOR, "#timeline circle")
+        drawn = sorted(int(c.get_attribute("data-did")) for c in circles)
+        assert drawn == sorted(m["did"] for m in expected["members"]), f"timeline {drawn}, API {expected['members']}"
+        ringed = sorted(int(c.get_attribute("data-did")) for c in circles if "main-path" in (c.get_attribute("class") or ""))
+        assert ringed == sorted(expected["main_path"]), f"main path drawn {ringed}, API {expected['main_path']}"
+        arrows = self.browser.find_elements(By.CSS_SELECTOR, "#timeline .links line")
+        assert len(arrows) == len(expected["links"]), f"{len(arrows)} arrows, API {len(expected['links'])}"
+        self.shot("cluster")
+
+    def check_author(self, author_id):
+        expected = self.api(f"author/{author_id}/impact")
+        self.browser.get(f"{self.url}#/author/{author_id}")
+        self.heading_is(expected["name"])
+        figures = self.wait.until(ec.presence_of_element_located((By.CSS_SELECTOR, ".impact .figures"))).text
+        assert f"h-index {expected['h_index']}" in figures, f"figures {figures!r}, API {expected}"
+        drawn = {year: value for year, value in self.bars(self.browser.find_element(By.CSS_SELECTOR, "svg.chart")).items()
+                 if value}
+        assert drawn == {row["year"]: row["citations"] for row in expected["citations_by_year"]}, f"drawn {drawn}"
+        self.shot("author")
+
     def console_errors(self):
         return [e for e in self.browser.get_log("browser") if e["level"] == "SEVERE"]
 
@@ -135,6 +190,9 @@ def main():
         try:
             browser = start_browser(work)
             check = ExplorerCheck(browser, url, shot_dir)
+            clusters = check.check_front_page()
+            check.open_cluster(max(clusters, key=lambda c: (len(check.api(f"cluster/{c['id']}")["main_path"]), -c["id"])))
+            check.check_author(check.api("overview")["top_authors"]["authors"][0]["id"])
             did = check.search_and_open("graph*")
             drawn = check.check_drawing(did)
             check.follow_node(did, drawn)

@@ -15,8 +15,11 @@
 #include "core/data_set.h"
 #include "core/json_fields.h"
 #include "web/api_params.h"
+#include "web/author_impact_api.h"
+#include "web/cluster_api.h"
 #include "web/connection_threads.h"
 #include "web/network_api.h"
+#include "web/overview_api.h"
 #include "web/page_files.h"
 #include "web/paper_api.h"
 #include "web/search_api.h"
@@ -111,8 +114,6 @@ std::string required_param(const httplib::Request& req, const char* name) {
   if (!req.has_param(name)) throw ApiError(400, std::string(name) + " is missing");
   return req.get_param_value(name);
 }
-
-constexpr int kMaxLimit = 1000;
 
 int limit_param(const httplib::Request& req, const char* fallback) {
   return parse_int(param(req, "limit", fallback), "limit", 1, kMaxLimit);
@@ -231,6 +232,18 @@ void ExplorerServer::add_api_routes() {
   server_.Get("/api/neighbourhood/([^/]*)", api(slot_, neighbourhood_answer));
   server_.Get("/api/path", api(slot_, path_answer));
   server_.Get("/api/rank", api(slot_, rank_answer));
+  server_.Get("/api/overview", api(slot_, [](const RefgroveData& d, const httplib::Request& req) {
+                return overview_json(d, limit_param(req, "10"));
+              }));
+  server_.Get("/api/clusters", api(slot_, [](const RefgroveData& d, const httplib::Request& req) {
+                return clusters_json(d, limit_param(req, "50"));
+              }));
+  server_.Get("/api/cluster/([^/]*)", api(slot_, [](const RefgroveData& d, const httplib::Request& req) {
+                return cluster_json(d, path_id(req, "cluster id"), limit_param(req, "200"));
+              }));
+  server_.Get("/api/author/([^/]*)/impact", api(slot_, [](const RefgroveData& d, const httplib::Request& req) {
+                return author_impact_json(d, path_id(req, "author id"));
+              }));
   server_.Get("/api/.*",
               [](const httplib::Request&, httplib::Response& res) { send_error(res, 404, "no such API endpoint"); });
 }

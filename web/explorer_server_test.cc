@@ -29,25 +29,6 @@ namespace {
 
 using JsonValue = nlohmann::json;
 
-// The sample, served once for the whole suite.
-ServedSample& sample() {
-  static auto* served = new ServedSample;  // lives until the process ends
-  return *served;
-}
-
-struct Reply {
-  int status = 0;  // 0: no HTTP answer (connection closed)
-  std::string body;
-  JsonValue json() const { return JsonValue::parse(body); }
-};
-
-Reply get(const std::string& path) {
-  httplib::Client client("127.0.0.1", sample().port());
-  const httplib::Result result = client.Get(path);
-  if (!result) return {};
-  return {result->status, result->body};
-}
-
 JsonValue get_json(const std::string& path) {
   const Reply reply = get(path);
   EXPECT_EQ(reply.status, 200) << path << ": " << reply.body;

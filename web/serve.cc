@@ -13,7 +13,9 @@
 #include "network/coauthor_graph.h"
 #include "network/ranking.h"
 #include "web/access_rules.h"
+#include "web/cluster_api.h"
 #include "web/explorer_server.h"
+#include "web/overview_api.h"
 #include "web/search_api.h"
 
 namespace refgrove::web {
@@ -80,6 +82,8 @@ void prepare_for_serving(const RefgroveData& d) {
   CoauthorGraph::of(d);
   ranked(d, RankBy::pagerank, 1);  // computes every score
   prepare_search(d);
+  prepare_overview(d);
+  prepare_clusters(d);
 }
 
 std::string access_token(const ServeOptions& options) {

@@ -9,6 +9,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <chrono>
 #include <sstream>
@@ -61,6 +63,26 @@ class ServedSample {
   int port_ = -1;
   std::thread serving_;
 };
+
+// The sample, served once for the whole test program (until it ends).
+inline ServedSample& sample() {
+  static auto* served = new ServedSample;
+  return *served;
+}
+
+struct Reply {
+  int status = 0;  // 0: no HTTP answer (connection closed)
+  std::string body;
+  nlohmann::json json() const { return nlohmann::json::parse(body); }
+};
+
+// A GET of `path` from sample()'s server.
+inline Reply get(const std::string& path) {
+  httplib::Client client("127.0.0.1", sample().port());
+  const httplib::Result result = client.Get(path);
+  if (!result) return {};
+  return {result->status, result->body};
+}
 
 // A raw connection to a port of 127.0.0.1.
 class RawConnection {

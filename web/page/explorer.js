@@ -77,15 +77,6 @@ async function api(path, params) {
 
 // ---- Views ----------------------------------------------------------------
 
-async function homeView() {
-  const s = await api("stats");
-  document.title = "refgrove explorer";
-  show(el("h1", {}, "refgrove explorer"),
-       el("p", {}, `${s.documents} documents, ${s.authors} authors, ${s.words} distinct words.`),
-       el("p", {}, "Search by words (", el("code", {}, "graph*"), " for a prefix), by a key or by an author's name, ",
-          "or look at the ", el("a", {href: "#/rank"}, "rankings"), "."));
-}
-
 async function searchView(params) {
   const q = params.get("q") || "";
   const mode = params.get("mode") === "or" ? "or" : "and";
@@ -125,7 +116,7 @@ async function paperView(did, params) {
 }
 
 async function authorView(id, params) {
-  const a = await api(`author/${id}`);
+  const [a, impact] = await Promise.all([api(`author/${id}`), api(`author/${id}/impact`)]);
   document.title = `${a.name} – refgrove explorer`;
   const input = el("input", {id: "path-to", type: "search", placeholder: "another author's name or id", required: ""});
   const result = el("div", {id: "path-result"});
@@ -133,7 +124,7 @@ async function authorView(id, params) {
     e.preventDefault();
     navigate(`#/author/${id}?to=${encodeURIComponent(input.value.trim())}`);
   }}, input, " ", el("button", {type: "submit"}, "Find path"));
-  show(el("h1", {}, a.name),
+  show(el("h1", {}, a.name), impactPanel(impact),
     el("div", {class: "columns"},
       section(`Papers (${a.papers.length})`, paperList(a.papers)),
       section(`Co-authors (${a.coauthors.length})`, a.coauthors.length === 0 ? el("p", {class: "empty"}, "none") :
@@ -237,9 +228,7 @@ function drawNeighbourhood(container, n) {
 
   const svg = d3.create("svg").attr("viewBox", [-width / 2, -height / 2, width, height]).attr("role", "img")
     .attr("aria-label", `the ${nodes.length} papers around DID ${n.center}`);
-  svg.append("defs").append("marker").attr("id", "arrow").attr("viewBox", "0 -4 8 8").attr("refX", 8)
-    .attr("markerWidth", 6).attr("markerHeight", 6).attr("orient", "auto")
-    .append("path").attr("d", "M0,-4L8,0L0,4").attr("fill", "#999");
+  addArrowMarker(svg, "arrow");
   const layer = svg.append("g");
   const link = layer.append("g").attr("class", "links").selectAll("line").data(links).join("line")
     .attr("marker-end", "url(#arrow)");
@@ -262,12 +251,7 @@ function drawNeighbourhood(container, n) {
   const centre = nodes.find((d) => d.did === n.center);
   if (centre) centre.fx = centre.fy = 0;
   simulation.on("tick", () => {
-    link.each(function (l) {  // ends at the target circle's rim, where the arrow shows
-      const dx = l.target.x - l.source.x, dy = l.target.y - l.source.y;
-      const length = Math.hypot(dx, dy) || 1, r = radius(l.target) + 2;
-      d3.select(this).attr("x1", l.source.x).attr("y1", l.source.y)
-        .attr("x2", l.target.x - dx / length * r).attr("y2", l.target.y - dy / length * r);
-    });
+    placeArrows(link, radius);
     node.attr("cx", (d) => d.x).attr("cy", (d) => d.y);
   });
   node.call(d3.drag()
@@ -278,6 +262,24 @@ function drawNeighbourhood(container, n) {
   container.replaceChildren(svg.node());
   // Stops the layout when the page moves on.
   window.addEventListener("hashchange", () => simulation.stop(), {once: true});
+}
+
+// An arrowhead `id` for the lines of `svg`, of one size whatever their width.
+function addArrowMarker(svg, id) {
+  svg.append("defs").append("marker").attr("id", id).attr("viewBox", "0 -4 8 8").attr("refX", 8)
+    .attr("markerWidth", 8).attr("markerHeight", 8).attr("markerUnits", "userSpaceOnUse").attr("orient", "auto")
+    .append("path").attr("d", "M0,-4L8,0L0,4").attr("fill", "#999");
+}
+
+// Draws each citation of `lines` from its citing node to the rim of the
+// cited node (of radius(node)), where the arrowhead shows.
+function placeArrows(lines, radius) {
+  lines.each(function (l) {
+    const dx = l.target.x - l.source.x, dy = l.target.y - l.source.y;
+    const length = Math.hypot(dx, dy) || 1, r = radius(l.target) + 2;
+    d3.select(this).attr("x1", l.source.x).attr("y1", l.source.y)
+      .attr("x2", l.target.x - dx / length * r).attr("y2", l.target.y - dy / length * r);
+  });
 }
 
 const tooltip = document.getElementById("tooltip");
@@ -310,6 +312,7 @@ async function route() {
     if (parts[0] === "search") await searchView(params);
     else if (parts[0] === "paper" && parts[1]) await paperView(parts[1], params);
     else if (parts[0] === "author" && parts[1]) await authorView(parts[1], params);
+    else if (parts[0] === "cluster" && parts[1]) await clusterView(parts[1]);
     else if (parts[0] === "rank") await rankView(params);
     else await homeView();
   } catch (e) {
