@@ -33,6 +33,11 @@ namespace refgrove {
   X(graph) X(quality) X(resolution) X(seed) X(modularity) X(quality_value)     \
   X(iterations) X(stable) X(clusters) X(members) X(cluster) X(author) X(size)  \
   X(first_year) X(last_year) X(top) X(label)                                   \
+  /* The structure of a field: citations received (by an author's documents, */ \
+  /* or from a year's documents), per year, h-index, the main path, links */   \
+  /* weighted by citations, the overview's lists. */                           \
+  X(citations) X(citations_by_year) X(h_index) X(main_path) X(timeline)        \
+  X(weight) X(most_cited) X(top_authors)                                       \
   /* A request that failed. */                                                 \
   X(error)
 // clang-format on

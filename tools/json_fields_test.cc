@@ -13,7 +13,10 @@
 #include "core/json_fields.h"
 #include "testing/data_files.h"
 #include "tools/tool_test_util.h"
+#include "web/author_impact_api.h"
+#include "web/cluster_api.h"
 #include "web/network_api.h"
+#include "web/overview_api.h"
 #include "web/paper_api.h"
 #include "web/search_api.h"
 
@@ -88,6 +91,10 @@ TEST_F(JsonFieldsTest, TheExplorersAnswersNameOnlyFieldsOfTheTable) {
       {"rank", web::rank_json(d, RankBy::citations, 5, YearRange{1990, 1999})},
       {"rank", web::rank_json(d, RankBy::pagerank, 5, std::nullopt)},
       {"neighbourhood", web::neighbourhood_json(d, 110, {2, Direction::both, 5, true})},
+      {"overview", web::overview_json(d, 3)},
+      {"clusters", web::clusters_json(d, 50)},
+      {"cluster", web::cluster_json(d, 0, 200)},
+      {"author impact", web::author_impact_json(d, 3)},
   };
   int last = 0;
   last_did(d, &last);
