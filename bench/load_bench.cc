@@ -73,15 +73,18 @@ void write_synthetic_directory(const std::string& dir) {
   for (int i = 0; i < kDocuments; ++i) {
     const int did = i + i / 9;  // ascending, with gaps
     write_document_word_info(idx, DocumentWordInfo{did, static_cast<std::int32_t>(position)});
-    for (int n = around(rng, 100, 30); n > 0; --n, position += kWordIdBytes) write_word_id(data, WordId::from_id(zipf(rng)));
+    for (int n = around(rng, 100, 30); n > 0; --n, position += kWordIdBytes)
+      write_word_id(data, WordId::from_id(zipf(rng)));
 
     std::vector<CitationInfo> cites(static_cast<std::size_t>(around(rng, 10, 5)));
-    for (CitationInfo& c : cites) c = CitationInfo{static_cast<std::int32_t>(rng() % 100000), static_cast<std::int32_t>(rng() % kDocuments)};
+    for (CitationInfo& c : cites)
+      c = CitationInfo{static_cast<std::int32_t>(rng() % 100000), static_cast<std::int32_t>(rng() % kDocuments)};
     std::vector<WordId> title(static_cast<std::size_t>(std::max(1, around(rng, 9, 4))));
     for (WordId& w : title) w = WordId::from_id(zipf(rng));
     std::vector<std::int32_t> ids(static_cast<std::size_t>(1 + rng() % 4));
     for (std::int32_t& a : ids) a = static_cast<std::int32_t>(rng() % kAuthors);
-    docs.push_back(RefgroveGraphData::create(arena, did, "key" + std::to_string(did), 1990 + i % 13, cites, title, ids));
+    docs.push_back(
+        RefgroveGraphData::create(arena, did, "key" + std::to_string(did), 1990 + i % 13, cites, title, ids));
   }
   write_document_word_info(idx, DocumentWordInfo{-1, static_cast<std::int32_t>(position)});
   std::ofstream graph(dir + kGraphFile, std::ios::binary);
@@ -93,7 +96,8 @@ void write_synthetic_directory(const std::string& dir) {
 const std::string& data_directory() {
   static const std::string dir = [] {
     const char* keep = std::getenv("REFGROVE_BENCH_DIR");
-    std::string d = keep ? std::string(keep) : (std::filesystem::temp_directory_path() / "refgrove-load-bench").string();
+    std::string d =
+        keep ? std::string(keep) : (std::filesystem::temp_directory_path() / "refgrove-load-bench").string();
     if (d.back() != '/') d += '/';
     std::filesystem::create_directories(d);
     if (!std::filesystem::exists(d + kWordTableFile)) write_synthetic_directory(d);
@@ -194,13 +198,48 @@ void run_queries(benchmark::State& state, Query query) {
   }
 }
 
-void BM_GetYear(benchmark::State& s) { run_queries(s, [](int d) { int y; return refgrove_get_year_1(d, &y) + y; }); }
-void BM_GetKey(benchmark::State& s) { run_queries(s, [](int d) { const char* k = nullptr; return refgrove_get_key_1(d, &k) + (k != nullptr); }); }
-void BM_GetCite(benchmark::State& s) { run_queries(s, [](int d) { int c, g; return refgrove_get_cite_1(d, 1, &c, &g) + c; }); }
-void BM_GetTitleWord(benchmark::State& s) { run_queries(s, [](int d) { const char* w = nullptr; return refgrove_get_title_word_1(d, 0, &w) + (w != nullptr); }); }
-void BM_GetAuthor(benchmark::State& s) { run_queries(s, [](int d) { const char* a = nullptr; return refgrove_get_author_1(d, 0, &a) + (a != nullptr); }); }
-void BM_WordCount(benchmark::State& s) { run_queries(s, [](int d) { int n; return refgrove_word_count_1(d, &n); }); }
-void BM_GetWord(benchmark::State& s) { run_queries(s, [](int d) { const char* w = nullptr; return refgrove_get_word_1(d, 0, &w) + (w != nullptr); }); }
+void BM_GetYear(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    int y;
+    return refgrove_get_year_1(d, &y) + y;
+  });
+}
+void BM_GetKey(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    const char* k = nullptr;
+    return refgrove_get_key_1(d, &k) + (k != nullptr);
+  });
+}
+void BM_GetCite(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    int c, g;
+    return refgrove_get_cite_1(d, 1, &c, &g) + c;
+  });
+}
+void BM_GetTitleWord(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    const char* w = nullptr;
+    return refgrove_get_title_word_1(d, 0, &w) + (w != nullptr);
+  });
+}
+void BM_GetAuthor(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    const char* a = nullptr;
+    return refgrove_get_author_1(d, 0, &a) + (a != nullptr);
+  });
+}
+void BM_WordCount(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    int n;
+    return refgrove_word_count_1(d, &n);
+  });
+}
+void BM_GetWord(benchmark::State& s) {
+  run_queries(s, [](int d) {
+    const char* w = nullptr;
+    return refgrove_get_word_1(d, 0, &w) + (w != nullptr);
+  });
+}
 BENCHMARK(BM_GetYear);
 BENCHMARK(BM_GetKey);
 BENCHMARK(BM_GetCite);
@@ -214,4 +253,3 @@ BENCHMARK(BM_GetWord);
 }  // namespace refgrove
 
 BENCHMARK_MAIN();
-

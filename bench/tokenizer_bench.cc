@@ -175,9 +175,10 @@ int run_program(int argc, char** argv) {
     if (r == 0 || wc < best_wc) best_wc = wc;
   }
   if (status == 0) {
-    std::printf("\n%.1f MB, %zu tokens: StreamTokenizer %.3f s (%.0f MB/s), wc -w %.3f s (%.0f MB/s), "
-                "ratio %.2f\n",
-                mb, tokens, best_tokenize, mb / best_tokenize, best_wc, mb / best_wc, best_tokenize / best_wc);
+    std::printf(
+        "\n%.1f MB, %zu tokens: StreamTokenizer %.3f s (%.0f MB/s), wc -w %.3f s (%.0f MB/s), "
+        "ratio %.2f\n",
+        mb, tokens, best_tokenize, mb / best_tokenize, best_wc, mb / best_wc, best_tokenize / best_wc);
   }
   std::remove(Dump().path.c_str());
   rmdir(Dump().dir.c_str());

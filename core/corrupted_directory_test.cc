@@ -68,8 +68,11 @@ void add_variants(const std::string& base_name, const DataFiles& clean, std::siz
         const std::size_t at = (*rng)() % b.size();
         b[at] = static_cast<char>((*rng)() % 256);
         // Appended piece by piece: GCC 12 warns (-Wrestrict) on `" " + std::to_string(at)` at -O3.
-        out->back().name.append(" ").append(std::to_string(at)).append("=").append(
-            std::to_string(static_cast<unsigned char>(b[at])));
+        out->back()
+            .name.append(" ")
+            .append(std::to_string(at))
+            .append("=")
+            .append(std::to_string(static_cast<unsigned char>(b[at])));
       }
     }
   }

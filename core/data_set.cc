@@ -59,7 +59,8 @@ void RefgroveData::size_index() {
 void RefgroveData::index_graph() {
   const std::vector<RefgroveGraphData*>& docs = graph->docs;
   for (std::size_t i = 0; i < docs.size(); ++i) {
-    if (indexable(docs[i]->did)) did_index[static_cast<std::size_t>(docs[i]->did)].graph_index = static_cast<std::int32_t>(i);
+    if (indexable(docs[i]->did))
+      did_index[static_cast<std::size_t>(docs[i]->did)].graph_index = static_cast<std::int32_t>(i);
   }
 }
 

@@ -55,8 +55,8 @@ TEST_F(DataSetTest, LoadAndReloadMessages) {
   const std::regex address("at 0x[0-9a-f]+");
   EXPECT_EQ(std::regex_replace(err[1], address, "at ADDRESS"),
             "deleting loaded data...\n" + std::regex_replace(err[0], address, "at ADDRESS"));
-  const std::string graph_part = "graph_file_name=" + dir_.path() + "graph_data\n" +
-                                 "Reading Graph Data...\nread 3 items.\nDone.\n";
+  const std::string graph_part =
+      "graph_file_name=" + dir_.path() + "graph_data\n" + "Reading Graph Data...\nread 3 items.\nDone.\n";
   EXPECT_NE(err[0].find("start=Done.\n" + graph_part), std::string::npos) << err[0];
 }
 

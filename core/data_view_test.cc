@@ -78,10 +78,10 @@ bool answers_as_written(const RefgroveData& d) {
   const bool sample = last == 10;
   const int did = sample ? 2 : 3;
   const int cited = sample ? 9 : 5;
-  return (sample || last == 6) && refgrove::get_key(d, did, &key) &&
-         std::strcmp(key, sample ? "smith94" : "a") == 0 && refgrove::cited_by_count(d, cited, &n) && n == 1 &&
-         refgrove::get_cited_by(d, cited, 0, &citing) && citing == did &&
-         refgrove::get_abstract_word(d, did, 1, &word) && std::strcmp(word, sample ? "study" : "two") == 0;
+  return (sample || last == 6) && refgrove::get_key(d, did, &key) && std::strcmp(key, sample ? "smith94" : "a") == 0 &&
+         refgrove::cited_by_count(d, cited, &n) && n == 1 && refgrove::get_cited_by(d, cited, 0, &citing) &&
+         citing == did && refgrove::get_abstract_word(d, did, 1, &word) &&
+         std::strcmp(word, sample ? "study" : "two") == 0;
 }
 
 // What keeps a path from being loaded, in the words the faces show.

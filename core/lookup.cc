@@ -26,8 +26,8 @@ AbstractRun abstract_run(const RefgroveData& d, int did) {
   if (w < 0) return {};
   const std::vector<DocumentWordInfo>& headers = d.word_data->doc_info;
   const std::int64_t start = headers[static_cast<std::size_t>(w)].offset;
-  const std::int64_t end = std::min<std::int64_t>(headers[static_cast<std::size_t>(w) + 1].offset,
-                                                  d.word_data->mapped_bytes());
+  const std::int64_t end =
+      std::min<std::int64_t>(headers[static_cast<std::size_t>(w) + 1].offset, d.word_data->mapped_bytes());
   if (start < 0 || end <= start) return {};
   return AbstractRun{start, (end - start) / kWordIdBytes};
 }

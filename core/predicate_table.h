@@ -22,6 +22,7 @@
 #include <span>
 #include <string_view>
 
+// clang-format off
 #define REFGROVE_HOST_PREDICATES(X)                                                                  \
   X(refgrove_hello, 0, hello, none, ())                                                              \
   X(refgrove_preproc, 2, preproc, none, (path, path))                                                \
@@ -48,6 +49,7 @@
   X(refgrove_id2author, 2, id2author, id2author, (author_id, text))                                  \
   X(refgrove_get_authors, 2, get_authors, authors, (did, author_ids))                                \
   X(refgrove_author_distance, 3, author_distance, author_distance, (author_id, author_id, number))
+// clang-format on
 
 namespace refgrove {
 
@@ -82,14 +84,14 @@ constexpr std::string_view query_name(std::string_view query) { return query == 
 
 // The table as data, for faces that build their lists at run time.
 inline constexpr PredicateInfo kPredicateTable[] = {
-#define REFGROVE_PREDICATE_INFO(name, arity, operation, query, args)                              \
-  {#name, arity, #operation, predicate_table_detail::query_name(#query), [] {                     \
-     using enum PredicateArg;                                                                     \
-     constexpr PredicateArg kinds[] = {REFGROVE_PREDICATE_ARGS args did};                         \
+#define REFGROVE_PREDICATE_INFO(name, arity, operation, query, args)                                  \
+  {#name, arity, #operation, predicate_table_detail::query_name(#query), [] {                         \
+     using enum PredicateArg;                                                                         \
+     constexpr PredicateArg kinds[] = {REFGROVE_PREDICATE_ARGS args did};                             \
      static_assert(std::size(kinds) == arity + 1, #name ": the arity and the argument kinds differ"); \
-     std::array<PredicateArg, 4> stored{};                                                        \
-     for (int k = 0; k < arity; ++k) stored[static_cast<std::size_t>(k)] = kinds[k];              \
-     return stored;                                                                               \
+     std::array<PredicateArg, 4> stored{};                                                            \
+     for (int k = 0; k < arity; ++k) stored[static_cast<std::size_t>(k)] = kinds[k];                  \
+     return stored;                                                                                   \
    }()},
 #define REFGROVE_PREDICATE_ARGS(...) __VA_ARGS__ __VA_OPT__(, )
     REFGROVE_HOST_PREDICATES(REFGROVE_PREDICATE_INFO)

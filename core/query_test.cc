@@ -28,10 +28,14 @@ TEST_F(QueryTest, DidIndexAndIntegerResults) {
   const struct {
     int did, graph, words, year, cites, title, authors, word_count;
   } cases[] = {
-      {2, 0, 0, 1994, 2, 2, 3, 12},         {4, 1, -1, -1, 0, 1, 0, kUntouched},
-      {6, -1, 1, 0, 0, 0, 0, 6},            {9, 2, 2, 2001, 0, 1, 1, 6},
-      {0, -1, -1, 0, 0, 0, 0, kUntouched},  {3, -1, -1, 0, 0, 0, 0, kUntouched},
-      {-1, -1, -1, 0, 0, 0, 0, kUntouched}, {kFar, -1, -1, 0, 0, 0, 0, kUntouched},
+      {2, 0, 0, 1994, 2, 2, 3, 12},
+      {4, 1, -1, -1, 0, 1, 0, kUntouched},
+      {6, -1, 1, 0, 0, 0, 0, 6},
+      {9, 2, 2, 2001, 0, 1, 1, 6},
+      {0, -1, -1, 0, 0, 0, 0, kUntouched},
+      {3, -1, -1, 0, 0, 0, 0, kUntouched},
+      {-1, -1, -1, 0, 0, 0, 0, kUntouched},
+      {kFar, -1, -1, 0, 0, 0, 0, kUntouched},
       {10, -1, -1, 0, 0, 0, 0, kUntouched},  // one past the largest DID
   };
   for (const auto& c : cases) {
@@ -72,13 +76,27 @@ TEST_F(QueryTest, TextResults) {
     int did, i;
     const char* text;  // null: absent
   } cases[] = {
-      {"key", key, 2, 0, "smith94"}, {"key", key, 4, 0, ""}, {"key", key, 6, 0, nullptr},
-      {"key", key, kFar, 0, nullptr}, {"title", title, 2, 0, "Graph"}, {"title", title, 2, 1, "walks"},
-      {"title", title, 9, 0, "walks"}, {"title", title, 2, 2, nullptr}, {"title", title, 2, -1, nullptr},
-      {"title", title, 6, 0, nullptr}, {"author", author, 2, 1, "A. B. Jones"}, {"author", author, 9, 0, "C. Doe"},
-      {"author", author, 2, 3, nullptr}, {"author", author, 4, 0, nullptr}, {"id2author", id2author, 0, 0, "J. Smith"},
-      {"id2author", id2author, 3, 0, nullptr}, {"id2author", id2author, -1, 0, nullptr}, {"word", word, 2, 0, "we"},
-      {"word", word, 2, 7, "walks"}, {"word", word, 4, 0, nullptr}, {"word", word, -1, 0, nullptr},
+      {"key", key, 2, 0, "smith94"},
+      {"key", key, 4, 0, ""},
+      {"key", key, 6, 0, nullptr},
+      {"key", key, kFar, 0, nullptr},
+      {"title", title, 2, 0, "Graph"},
+      {"title", title, 2, 1, "walks"},
+      {"title", title, 9, 0, "walks"},
+      {"title", title, 2, 2, nullptr},
+      {"title", title, 2, -1, nullptr},
+      {"title", title, 6, 0, nullptr},
+      {"author", author, 2, 1, "A. B. Jones"},
+      {"author", author, 9, 0, "C. Doe"},
+      {"author", author, 2, 3, nullptr},
+      {"author", author, 4, 0, nullptr},
+      {"id2author", id2author, 0, 0, "J. Smith"},
+      {"id2author", id2author, 3, 0, nullptr},
+      {"id2author", id2author, -1, 0, nullptr},
+      {"word", word, 2, 0, "we"},
+      {"word", word, 2, 7, "walks"},
+      {"word", word, 4, 0, nullptr},
+      {"word", word, -1, 0, nullptr},
       {"word", word, 2, 8, nullptr},   // inside the run, past the mapped file
       {"word", word, 2, 12, nullptr},  // past the run
       {"word", word, 6, 0, nullptr},   // position 12: past the mapped file

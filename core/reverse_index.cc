@@ -11,8 +11,7 @@ namespace {
 // Calls visit(record) for each record reachable through the DID index, by
 // ascending DID.
 template <class Visit>
-void for_each_indexed_record(const RefgroveGraph& graph, const std::vector<WordGraphDataIds>& did_index,
-                             Visit visit) {
+void for_each_indexed_record(const RefgroveGraph& graph, const std::vector<WordGraphDataIds>& did_index, Visit visit) {
   for (const WordGraphDataIds& e : did_index) {
     if (e.graph_index >= 0) visit(*graph.docs[static_cast<std::size_t>(e.graph_index)]);
   }
@@ -97,8 +96,8 @@ KeyIndex::KeyIndex(const RefgroveGraph& graph, const std::vector<WordGraphDataId
 std::span<const std::int32_t> KeyIndex::find(const RefgroveGraph& graph, std::string_view key) const {
   if (!is_key(key)) return {};
   const auto key_of = [&](std::int32_t p) { return graph.docs[static_cast<std::size_t>(p)]->key; };
-  const auto first = std::partition_point(positions_.begin(), positions_.end(),
-                                          [&](std::int32_t p) { return key_of(p) < key; });
+  const auto first =
+      std::partition_point(positions_.begin(), positions_.end(), [&](std::int32_t p) { return key_of(p) < key; });
   const auto last = std::partition_point(first, positions_.end(), [&](std::int32_t p) { return key_of(p) == key; });
   return {first, last};
 }

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 #include <map>
+#include <memory>
 #include <sstream>
 #include <utility>
 
@@ -107,8 +107,7 @@ std::int64_t check_string_table(const DataFile& f, std::int64_t start, const cha
                                 std::int32_t* count) {
   const std::int64_t size = f.size();
   if (size - start < 4) {
-    report.add("table cut short", f.name, start)
-        << "the file ends before the string count of the " << what << ".";
+    report.add("table cut short", f.name, start) << "the file ends before the string count of the " << what << ".";
     return -1;
   }
   const std::int32_t n = f.int32_at(start);
@@ -178,8 +177,7 @@ void check_word_table(const DataFile& f, Report& report, std::int32_t* words) {
   if (end < 0) return;
   *words = n;
   if (end < f.size()) {
-    report.add("trailing bytes", f.name, end)
-        << f.size() - end << " bytes follow the end of the word table.";
+    report.add("trailing bytes", f.name, end) << f.size() - end << " bytes follow the end of the word table.";
   }
 }
 
@@ -211,9 +209,8 @@ void check_word_data(const DataFile& f, std::int32_t words, Report& report) {
   }
   const std::int64_t whole = f.size() / kWordIdBytes * kWordIdBytes;
   if (whole != f.size()) {
-    report.add("partial item", f.name, whole)
-        << "the size " << f.size() << " is not a multiple of " << kWordIdBytes << ": the last " << f.size() - whole
-        << " bytes are not a whole word id.";
+    report.add("partial item", f.name, whole) << "the size " << f.size() << " is not a multiple of " << kWordIdBytes
+                                              << ": the last " << f.size() - whole << " bytes are not a whole word id.";
   }
   if (words < 0) return;
   for (std::int64_t p = first_block_outside(f, whole, static_cast<std::uint32_t>(words)); p < whole;
@@ -265,17 +262,16 @@ void check_word_idx(const DataFile& f, std::int64_t data_size, Report& report) {
     const char* who = j < documents ? "header " : "the end sentinel, header ";
     if (h.offset < previous) {
       report.add("offset backwards", f.name, at + 4)
-          << who << j << " starts at byte " << h.offset << " of word-data, before the header ahead of it ("
-          << previous << ").";
+          << who << j << " starts at byte " << h.offset << " of word-data, before the header ahead of it (" << previous
+          << ").";
     } else if (h.offset % kWordIdBytes != 0) {
       report.add("offset not a word boundary", f.name, at + 4)
-          << who << j << " starts at byte " << h.offset << " of word-data, which is not a multiple of "
-          << kWordIdBytes << ".";
+          << who << j << " starts at byte " << h.offset << " of word-data, which is not a multiple of " << kWordIdBytes
+          << ".";
     }
     if (data_size >= 0 && h.offset > data_size && j < documents) {
-      report.add("offset past end", f.name, at + 4)
-          << "header " << j << " starts at byte " << h.offset << ", past the end of word-data (" << data_size
-          << " bytes).";
+      report.add("offset past end", f.name, at + 4) << "header " << j << " starts at byte " << h.offset
+                                                    << ", past the end of word-data (" << data_size << " bytes).";
     }
     if (h.offset > previous) previous = h.offset;
   }
@@ -313,9 +309,8 @@ void check_graph(const DataFile& f, std::int32_t words, Report& report) {
     if (did < 0) {
       report.add("negative DID", f.name, record_at) << "record " << r << " has the negative DID " << did << ".";
     } else if (did < previous_did) {
-      report.add("DID order", f.name, record_at)
-          << "record " << r << " has DID " << did << ", after DID " << previous_did
-          << ": records must be in ascending DID order.";
+      report.add("DID order", f.name, record_at) << "record " << r << " has DID " << did << ", after DID "
+                                                 << previous_did << ": records must be in ascending DID order.";
     } else if (did == previous_did) {
       report.add("DID repeated", f.name, record_at)
           << "record " << r << " repeats DID " << did << " of the record before it.";
@@ -356,9 +351,8 @@ void check_graph(const DataFile& f, std::int32_t words, Report& report) {
     if (size - p < 2) return cut_short("author count");
     const auto na = static_cast<std::int16_t>(get_uint16(f.at(p)));
     if (na < 0) {
-      report.add("negative count", f.name, p)
-          << "record " << r << " (DID " << did << ") has a negative author count, " << na
-          << ": a list of 32768 authors or more was cut to 16 bits.";
+      report.add("negative count", f.name, p) << "record " << r << " (DID " << did << ") has a negative author count, "
+                                              << na << ": a list of 32768 authors or more was cut to 16 bits.";
     }
     p += 2;
     if (size - p < kAuthorIdBytes * std::max<std::int64_t>(na, 0)) return cut_short("author ids");

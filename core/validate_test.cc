@@ -51,7 +51,11 @@ TEST(ValidateTest, EachFaultIsReportedWithFileAndOffset) {
        "word-idx at offset 8: the last header has DID 5, not the end sentinel's -1"},
       {"sentinel offset", [](DataFiles& f) { set_int32(&f["word-idx"], 20, 12); },
        "word-idx at offset 20: the end sentinel gives 12 as the size of word-data, but word-data has 9 bytes."},
-      {"offset backwards", [](DataFiles& f) { set_int32(&f["word-idx"], 4, 6); set_int32(&f["word-idx"], 12, 3); },
+      {"offset backwards",
+       [](DataFiles& f) {
+         set_int32(&f["word-idx"], 4, 6);
+         set_int32(&f["word-idx"], 12, 3);
+       },
        "word-idx at offset 12: header 1 starts at byte 3 of word-data, before the header ahead of it (6)."},
       {"offset past the end", [](DataFiles& f) { set_int32(&f["word-idx"], 12, 12); },
        "word-idx at offset 12: header 1 starts at byte 12, past the end of word-data (9 bytes)."},
@@ -80,19 +84,23 @@ TEST(ValidateTest, EachFaultIsReportedWithFileAndOffset) {
        "graph_data at offset 77: 25 bytes follow the last of the 1 records."},
       {"negative author count", [](DataFiles& f) { f["graph_data"].replace(67, 2, "\x00\x80", 2); },
        "graph_data at offset 67: record 0 (DID 3) has a negative author count, -32768"},
-      {"author table cut short", [](DataFiles& f) { f["graph_data"].resize(10); }, "graph_data at offset 0: the author "
+      {"author table cut short", [](DataFiles& f) { f["graph_data"].resize(10); },
+       "graph_data at offset 0: the author "
        "table counts 2 strings, whose index and block size need 24 bytes, but only 10 bytes are left in the file."},
       {"word count too large", [](DataFiles& f) { set_int32(&f["word-table"], 0, 100); },
        "word-table at offset 0: the word table counts 100 strings"},
       {"entry numbered out of order", [](DataFiles& f) { set_int32(&f["word-table"], 12, 7); },
        "word-table at offset 12: entry 1 of the word table has the id 7; entries must be numbered in order."},
-      {"string outside the block", [](DataFiles& f) { set_int32(&f["word-table"], 48, 1000); }, "word-table at offset "
+      {"string outside the block", [](DataFiles& f) { set_int32(&f["word-table"], 48, 1000); },
+       "word-table at offset "
        "48: string 5 of the word table starts at 1000, outside its character block of 20 bytes."},
-      {"strings overlapping", [](DataFiles& f) { set_int32(&f["word-table"], 24, 4); }, "word-table at offset 24: "
+      {"strings overlapping", [](DataFiles& f) { set_int32(&f["word-table"], 24, 4); },
+       "word-table at offset 24: "
        "string 2 of the word table starts at 4, before the end of the string ahead of it (8)."},
       {"last string unterminated", [](DataFiles& f) { f["word-table"].back() = 'x'; },
        "word-table at offset 74: string 5 of the word table has no terminating NUL before the end of the block."},
-      {"block longer than the file", [](DataFiles& f) { set_int32(&f["word-table"], 52, 30); }, "word-table at offset "
+      {"block longer than the file", [](DataFiles& f) { set_int32(&f["word-table"], 52, 30); },
+       "word-table at offset "
        "52: the character block of the word table is declared as 30 bytes, but only 20 bytes follow."},
       {"bytes behind the word table", [](DataFiles& f) { f["word-table"] += "zz"; },
        "word-table at offset 76: 2 bytes follow the end of the word table."},
@@ -108,8 +116,8 @@ TEST(ValidateTest, EachFaultIsReportedWithFileAndOffset) {
     c.damage(files);
     write_data_files(dir.path(), files);
     const std::string found = all_text(validate_data_dir(dir.path()));
-    EXPECT_NE(found.find(c.expected), std::string::npos) << c.name << ": expected\n  " << c.expected
-                                                         << "\nfound\n" << found;
+    EXPECT_NE(found.find(c.expected), std::string::npos) << c.name << ": expected\n  " << c.expected << "\nfound\n"
+                                                         << found;
   }
 }
 
@@ -124,7 +132,8 @@ TEST(ValidateTest, ListsTenFindingsOfOneKindThenTheirNumber) {
   EXPECT_EQ(listed, kMaxFindingsPerKind);
   const std::string text = all_text(findings);
   EXPECT_NE(text.find("word-data: 15 more findings of the same kind (word id outside table) are not listed."),
-            std::string::npos) << text;
+            std::string::npos)
+      << text;
 }
 
 // The word data is scanned in blocks of 4,096 ids, four at a time: an id

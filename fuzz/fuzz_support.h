@@ -73,12 +73,12 @@ inline void write_file(const std::string& path, const std::uint8_t* data, std::s
 
 // Stops the fuzzer with a message when a property of the code under test
 // does not hold: libFuzzer saves the input that caused it.
-#define FUZZ_CHECK(cond)                                                          \
-  do {                                                                           \
-    if (!(cond)) {                                                               \
+#define FUZZ_CHECK(cond)                                                            \
+  do {                                                                              \
+    if (!(cond)) {                                                                  \
       std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond); \
-      std::abort();                                                              \
-    }                                                                            \
+      std::abort();                                                                 \
+    }                                                                               \
   } while (0)
 
 // Choices drawn from a seed (xorshift32), so that one input always makes the

@@ -81,8 +81,7 @@ TEST(GraphDumpTest, DocumentLines) {
       // A line end where the key stands is taken as the key.
       {"11\n- GIDs: DIDs: Title: t Authors:\n", {11, "\n", -1, {}, {"t"}, {}, 0}},
       // Several blanks between name parts become one.
-      {"10 - - GIDs: -4 DIDs: 0 Title: t Authors: A.   B.   Name\n",
-       {10, "", -1, {{-4, 0}}, {"t"}, {"A. B. Name"}, 1}},
+      {"10 - - GIDs: -4 DIDs: 0 Title: t Authors: A.   B.   Name\n", {10, "", -1, {{-4, 0}}, {"t"}, {"A. B. Name"}, 1}},
   };
   for (const Case& c : cases) {
     Tables tables;

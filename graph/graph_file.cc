@@ -48,8 +48,8 @@ void RefgroveGraph::read(ByteReader& reader, std::ostream& log) {
   reader.read_int32(&n);
   // The stored count is reported as it is, but only whole records are kept;
   // none can be shorter than kSmallestRecordBytes.
-  const std::size_t capacity = std::min<std::size_t>(static_cast<std::size_t>(std::max(n, 0)),
-                                                     reader.remaining() / kSmallestRecordBytes);
+  const std::size_t capacity =
+      std::min<std::size_t>(static_cast<std::size_t>(std::max(n, 0)), reader.remaining() / kSmallestRecordBytes);
   records_.resize(capacity);
   std::size_t kept = 0;
   while (kept < capacity && RefgroveGraphData::read(reader, arena_, &records_[kept])) ++kept;
@@ -57,7 +57,8 @@ void RefgroveGraph::read(ByteReader& reader, std::ostream& log) {
   records_.shrink_to_fit();  // a count that overstated the records reserved too much
   docs.reserve(kept);
   for (RefgroveGraphData& record : records_) docs.push_back(&record);
-  log << "read " << n << " items.\n" << "Done.\n";
+  log << "read " << n << " items.\n"
+      << "Done.\n";
 }
 
 std::ostream& RefgroveGraph::write(std::ostream& out) const {

@@ -30,9 +30,8 @@ struct GraphFile {
   Arena arena;
   std::vector<RefgroveGraphData*> docs;
 
-  GraphFile& add(std::int32_t did, std::string key = "", std::int32_t year = -1,
-                 std::vector<CitationInfo> cites = {}, std::vector<WordId> title = {},
-                 std::vector<std::int32_t> authors = {}) {
+  GraphFile& add(std::int32_t did, std::string key = "", std::int32_t year = -1, std::vector<CitationInfo> cites = {},
+                 std::vector<WordId> title = {}, std::vector<std::int32_t> authors = {}) {
     docs.push_back(RefgroveGraphData::create(arena, did, key, year, cites, title, authors));
     return *this;
   }
@@ -59,8 +58,8 @@ TEST(GraphRecord, ByteLayout) {
   EXPECT_EQ(record_bytes(*f.docs[0]), le32(17) + le32(0) + le32(-1) + le32(0) + le32(0) + std::string(2, '\0'));
   EXPECT_EQ(record_bytes(*f.docs[0]).size(), 22u);
   EXPECT_EQ(record_bytes(*f.docs[1]), le32(0x01020304) + le32(2) + "k5" + le32(1999) + le32(2) + le32(3) + le32(40) +
-                                          le32(8) + le32(41) + le32(1) + "\x70\x11\x01" + std::string("\x02\x00", 2) + le32(6) +
-                                          le32(7));
+                                          le32(8) + le32(41) + le32(1) + "\x70\x11\x01" + std::string("\x02\x00", 2) +
+                                          le32(6) + le32(7));
 }
 
 TEST(GraphRecord, AuthorCountIsKeptInSixteenBits) {
@@ -110,8 +109,8 @@ TEST(RefgroveGraph, EmptyAndOddCounts) {
   } cases[] = {
       {"no records", empty_table + le32(0), "Reading Graph Data...\nread 0 items.\nDone.\n", 0},
       {"negative count", empty_table + le32(-2), "Reading Graph Data...\nread -2 items.\nDone.\n", 0},
-      {"count beyond the data", GraphFile().add(1).add(2).bytes().substr(0, 8) + le32(1000000) +
-                                    GraphFile().add(1).add(2).bytes().substr(12),
+      {"count beyond the data",
+       GraphFile().add(1).add(2).bytes().substr(0, 8) + le32(1000000) + GraphFile().add(1).add(2).bytes().substr(12),
        "Reading Graph Data...\nread 1000000 items.\nDone.\n", 2},
       {"missing file", "", "Reading Graph Data...\nread 0 items.\nDone.\n", 0},
   };
@@ -151,9 +150,7 @@ TEST(RefgroveGraph, FindDidIsABinarySearchOverFileOrder) {
   GraphFile f;
   f.add(3).add(5).add(9);
   const auto g = read_graph(f.bytes());
-  const struct {
-    int did, position;
-  } cases[] = {{3, 0}, {5, 1}, {9, 2}, {4, -1}, {2, -1}, {10, -1}, {-1, -1}};
+  const struct { int did, position; } cases[] = {{3, 0}, {5, 1}, {9, 2}, {4, -1}, {2, -1}, {10, -1}, {-1, -1}};
   for (const auto& c : cases) EXPECT_EQ(g->findDid(c.did), c.position) << "did " << c.did;
   EXPECT_EQ(read_graph(GraphFile().bytes())->findDid(0), -1);
 

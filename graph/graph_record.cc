@@ -42,13 +42,12 @@ bool bin_read_string(ByteReader& in, std::string_view* out) {
 }
 
 RefgroveGraphData* RefgroveGraphData::create(Arena& arena, std::int32_t did, std::string_view key, std::int32_t year,
-                                             std::span<const CitationInfo> citations,
-                                             std::span<const WordId> title, std::span<const std::int32_t> authors) {
+                                             std::span<const CitationInfo> citations, std::span<const WordId> title,
+                                             std::span<const std::int32_t> authors) {
   const auto nb_authors = static_cast<std::int16_t>(authors.size());
   const std::span<const std::int32_t> kept = authors.first(static_cast<std::size_t>(std::max<int>(nb_authors, 0)));
   return arena.create<RefgroveGraphData>(RefgroveGraphData{did, copy_key(arena, key), year,
-                                                           copy_to_arena(arena, citations),
-                                                           copy_to_arena(arena, title),
+                                                           copy_to_arena(arena, citations), copy_to_arena(arena, title),
                                                            copy_to_arena(arena, kept).items, nb_authors});
 }
 
@@ -89,14 +88,20 @@ bool RefgroveGraphData::read(ByteReader& in, Arena& arena, RefgroveGraphData* ou
   if (ids == nullptr) return false;
 
   auto* citations = arena.allocate_array<CitationInfo>(static_cast<std::size_t>(std::max(nc, 0)));
-  for (std::int32_t i = 0; i < nc; ++i) citations[i] = CitationInfo{get_int32(cites + kCitationBytes * i), get_int32(cites + kCitationBytes * i + 4)};
+  for (std::int32_t i = 0; i < nc; ++i)
+    citations[i] = CitationInfo{get_int32(cites + kCitationBytes * i), get_int32(cites + kCitationBytes * i + 4)};
   auto* title = arena.allocate_array<WordId>(static_cast<std::size_t>(std::max(nt, 0)));
   for (std::int32_t i = 0; i < nt; ++i) title[i] = read_word_id(words + kWordIdBytes * i);
   auto* authors = arena.allocate_array<std::int32_t>(static_cast<std::size_t>(std::max<int>(na, 0)));
   for (std::int32_t k = 0; k < na; ++k) authors[k] = get_int32(ids + kAuthorIdBytes * k);
 
-  *out = RefgroveGraphData{did, copy_key(arena, key), year, Span<CitationInfo>{citations, std::max(nc, 0)},
-                           Span<WordId>{title, std::max(nt, 0)}, authors, na};
+  *out = RefgroveGraphData{did,
+                           copy_key(arena, key),
+                           year,
+                           Span<CitationInfo>{citations, std::max(nc, 0)},
+                           Span<WordId>{title, std::max(nt, 0)},
+                           authors,
+                           na};
   return true;
 }
 

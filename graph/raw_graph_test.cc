@@ -70,8 +70,8 @@ TEST(RawGraphTest, EmptyAndMissingDumps) {
 TEST(RawGraphTest, ProgressEveryThousandRecordsAndSharedAuthors) {
   std::string dump;
   for (int did = 1; did <= 2500; ++did) {
-    dump += std::to_string(did) + " - 2000 GIDs: DIDs: Title: t" + std::to_string(did % 7) +
-            " Authors: Author " + std::to_string(did % 3) + "\n";
+    dump += std::to_string(did) + " - 2000 GIDs: DIDs: Title: t" + std::to_string(did % 7) + " Authors: Author " +
+            std::to_string(did % 3) + "\n";
   }
   StringTable words;
   const GraphRun r = Preprocess(dump, &words);

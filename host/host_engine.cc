@@ -58,8 +58,8 @@ term* take_heap(LumoxMachine* m, std::size_t words) {
   const std::size_t used = static_cast<std::size_t>(m->heap_top - owned->heap);
   const std::size_t limit = goal_heap_words(m);
   if (used > limit || words > limit - used) {
-    throw HostLimitError("the goal's terms do not fit in the heap: they need more than the " +
-                         std::to_string(limit) + " words a goal may take");
+    throw HostLimitError("the goal's terms do not fit in the heap: they need more than the " + std::to_string(limit) +
+                         " words a goal may take");
   }
   term* cells = m->heap_top;
   m->heap_top += words;
@@ -131,11 +131,20 @@ bool unify(LumoxMachine* m, term a, term b) {
     const bool a_var = is_unbound(a), b_var = is_unbound(b);
     if (a_var && b_var) {
       // The younger variable points to the older one.
-      if (ref_cell(a) < ref_cell(b)) bind(m, b, a); else bind(m, a, b);
+      if (ref_cell(a) < ref_cell(b))
+        bind(m, b, a);
+      else
+        bind(m, a, b);
       return true;
     }
-    if (a_var) { bind(m, a, b); return true; }
-    if (b_var) { bind(m, b, a); return true; }
+    if (a_var) {
+      bind(m, a, b);
+      return true;
+    }
+    if (b_var) {
+      bind(m, b, a);
+      return true;
+    }
     if (is_float_box(a) && is_float_box(b)) return float_value(a) == float_value(b);
     if (is_list(a) && is_list(b)) {
       if (!unify(m, ref_cell(a)[0], ref_cell(b)[0])) return false;
@@ -264,9 +273,7 @@ CallCounts& call_counts() {
 
 using namespace refgrove::lumox_sim;
 
-extern "C" int atom_lookup(int /*flag*/, const char* name) {
-  return static_cast<int>(atoms().lookup(name));
-}
+extern "C" int atom_lookup(int /*flag*/, const char* name) { return static_cast<int>(atoms().lookup(name)); }
 
 extern "C" int unify_terms_always_trail(term a, term b, LumoxMachine* m) { return unify(m, a, b) ? 1 : 0; }
 
@@ -296,4 +303,3 @@ extern "C" void deal_with_tr_overflow(LumoxMachine* m) {
 }
 
 extern "C" void LUMOXRegisterAllTypes(void) { ++call_counts().register_types; }
-

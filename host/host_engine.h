@@ -30,7 +30,7 @@ struct HostLimitError : std::runtime_error {
 struct MachineSizes {
   std::size_t heap_words = 1u << 20;
   std::size_t trail_words = 1u << 12;
-  std::size_t trail_margin = 16;   // room kept past the trail limit
+  std::size_t trail_margin = 16;  // room kept past the trail limit
   std::int32_t root_capacity = 8;
   std::int32_t slot_count = 8;
 };
@@ -44,15 +44,15 @@ void destroy_machine(LumoxMachine* m);
 // goal_heap_words(); the rest is kept for what the predicates build, which
 // the module writes without asking. Past that, these throw HostLimitError.
 std::size_t goal_heap_words(const LumoxMachine* m);
-term new_var(LumoxMachine* m);                 // a fresh unbound cell on the heap
+term new_var(LumoxMachine* m);  // a fresh unbound cell on the heap
 term make_atom(const std::string& name);
 term make_float(LumoxMachine* m, double value);  // a box on the heap
 term make_list(LumoxMachine* m, const std::vector<term>& items, term tail);
-term nil();                                      // the empty-list atom
+term nil();  // the empty-list atom
 
 // Reading terms.
 const char* atom_text(term atom);
-double float_value(term box);                    // box: a reference to a float box
+double float_value(term box);  // box: a reference to a float box
 
 // The trail boundary: variables at or above it are bound without trailing.
 // Setting it to the heap top makes every existing variable "older".

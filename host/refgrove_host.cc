@@ -3,10 +3,10 @@
 // from standard input.
 #include <unistd.h>
 
+#include <cctype>
 #include <climits>
 #include <cstdio>
 #include <cstring>
-#include <cctype>
 #include <iostream>
 #include <memory>
 #include <sstream>

@@ -127,10 +127,19 @@ class Parser {
       if (pos_ >= text_.size()) fail("unterminated quoted atom");
       const char e = text_[pos_++];
       switch (e) {
-        case 'n': out += '\n'; break;
-        case 't': out += '\t'; break;
-        case '\\': case '\'': case '"': out += e; break;
-        default: fail(std::string("unknown escape \\") + e);
+        case 'n':
+          out += '\n';
+          break;
+        case 't':
+          out += '\t';
+          break;
+        case '\\':
+        case '\'':
+        case '"':
+          out += e;
+          break;
+        default:
+          fail(std::string("unknown escape \\") + e);
       }
     }
   }
@@ -212,11 +221,20 @@ std::string quote(const std::string& name) {
   std::string out = "'";
   for (const char c : name) {
     switch (c) {
-      case '\'': out += "\\'"; break;
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\t': out += "\\t"; break;
-      default: out += c;
+      case '\'':
+        out += "\\'";
+        break;
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\t':
+        out += "\\t";
+        break;
+      default:
+        out += c;
     }
   }
   return out + "'";

@@ -145,26 +145,29 @@ TEST(RefgroveHost, AnswersGoalsFromArgumentsAndStandardInput) {
   EXPECT_EQ(r.status, 1);  // nosuch/1 is an error
   EXPECT_EQ(r.out,
             "init_refgrove:\n[]\n"
-            "?- " + load + ".\ntrue.\n"
-            "?- refgrove_get_authors(2, L), refgrove_author_distance(1, 2, D).\nL = [2, 1, 0],\nD = 0.0.\n"
-            "?- refgrove_get_cite(2, 1, C, _).\nC = 9.\n"
-            "?- refgrove_print_author(2).\nC. Doetrue.\n"
-            "?- refgrove_load(123).\nfalse.\n"
-            "?- refgrove_has_word_info(x).\nfalse.\n"
-            "?- nosuch(1).\n"
-            "?- refgrove_stats(D, W, A).\nD = 4,\nW = 9,\nA = 3.\n"
-            "?- halt.\n");
+            "?- " +
+                load +
+                ".\ntrue.\n"
+                "?- refgrove_get_authors(2, L), refgrove_author_distance(1, 2, D).\nL = [2, 1, 0],\nD = 0.0.\n"
+                "?- refgrove_get_cite(2, 1, C, _).\nC = 9.\n"
+                "?- refgrove_print_author(2).\nC. Doetrue.\n"
+                "?- refgrove_load(123).\nfalse.\n"
+                "?- refgrove_has_word_info(x).\nfalse.\n"
+                "?- nosuch(1).\n"
+                "?- refgrove_stats(D, W, A).\nD = 4,\nW = 9,\nA = 3.\n"
+                "?- halt.\n");
   // The messages of the load come first.
-  EXPECT_TRUE(r.err.ends_with("\nrefgrove_load/1 expects string as second arg\nTerm has invalid type!\n"
-                              "ERROR: unknown procedure nosuch/1\n"))
+  EXPECT_TRUE(
+      r.err.ends_with("\nrefgrove_load/1 expects string as second arg\nTerm has invalid type!\n"
+                      "ERROR: unknown procedure nosuch/1\n"))
       << r.err;
 
   const ChildResult piped =
       run_host({}, load + ".\nrefgrove_last_did(N).\nrefgrove_get_word(2, 0, W),\n  refgrove_get_word(2, 1, V).\n");
   EXPECT_EQ(piped.status, 0);
-  EXPECT_EQ(piped.out,
-            "init_refgrove:\n[]\n?- " + load + ".\ntrue.\n?- refgrove_last_did(N).\nN = 10.\n"
-            "?- refgrove_get_word(2, 0, W),\n  refgrove_get_word(2, 1, V).\nW = we,\nV = study.\n");
+  EXPECT_EQ(piped.out, "init_refgrove:\n[]\n?- " + load +
+                           ".\ntrue.\n?- refgrove_last_did(N).\nN = 10.\n"
+                           "?- refgrove_get_word(2, 0, W),\n  refgrove_get_word(2, 1, V).\nW = we,\nV = study.\n");
 }
 
 TEST(RefgroveHost, ReportsGoalsBeyondItsLimitsAndCarriesOn) {
@@ -246,12 +249,15 @@ TEST(RefgroveHost, ExamplesOfTheReadmeWorkVerbatim) {
   // The host's page of the docs; the scripts there build the project
   // themselves and are left out.
   const std::string page = read_file(REFGROVE_SOURCE_DIR "docs/host.md");
-  expect_examples_work("docs/host.md", shell_commands(page, [](const std::string& line) {
-                         const std::size_t at = line.find_first_not_of(' ');
-                         const bool command = at != std::string::npos && line.compare(at, 2, "$ ") == 0 &&
-                                              line.compare(at + 2, 8, "scripts/") != 0;
-                         return command ? at + 2 : std::string::npos;
-                       }),
+  expect_examples_work("docs/host.md",
+                       shell_commands(page,
+                                      [](const std::string& line) {
+                                        const std::size_t at = line.find_first_not_of(' ');
+                                        const bool command = at != std::string::npos &&
+                                                             line.compare(at, 2, "$ ") == 0 &&
+                                                             line.compare(at + 2, 8, "scripts/") != 0;
+                                        return command ? at + 2 : std::string::npos;
+                                      }),
                        "build/i386/host/refgrove-host");
 }
 
@@ -260,9 +266,11 @@ TEST(RefgroveHost, ExampleOfTheHelpWorksVerbatim) {
   const std::size_t from = help.find("\nExample");
   ASSERT_NE(from, std::string::npos) << help;
   const std::string example = help.substr(from + 1, help.find("\n\n", from) - from);
-  expect_examples_work("--help", shell_commands(example, [](const std::string& line) {
-                         return line.starts_with("  ") ? 2 : std::string::npos;  // not the heading
-                       }),
+  expect_examples_work("--help",
+                       shell_commands(example,
+                                      [](const std::string& line) {
+                                        return line.starts_with("  ") ? 2 : std::string::npos;  // not the heading
+                                      }),
                        "refgrove-host");
 }
 
@@ -273,11 +281,11 @@ TEST(RefgroveHost, SampleFromDumpsToAnswers) {
   TempDir data;
   const std::string preproc = "refgrove_preproc('" + in + "', '" + data.path() + "')";
   const std::string load = "refgrove_load('" + data.path() + "')";
-  const ChildResult r = run_host({preproc, load, "refgrove_document_count(N), refgrove_get_nb_authors(A)",
-                                  "refgrove_get_authors(102, L), refgrove_get_author(102, 1, Name)",
-                                  "refgrove_title_length(102, N), refgrove_get_title_word(102, 2, W)",
-                                  "refgrove_get_cite(107, 0, Cited, Gid)", "refgrove_get_year(999, Y)",
-                                  "refgrove_printdoc(102)"});
+  const ChildResult r =
+      run_host({preproc, load, "refgrove_document_count(N), refgrove_get_nb_authors(A)",
+                "refgrove_get_authors(102, L), refgrove_get_author(102, 1, Name)",
+                "refgrove_title_length(102, N), refgrove_get_title_word(102, 2, W)",
+                "refgrove_get_cite(107, 0, Cited, Gid)", "refgrove_get_year(999, Y)", "refgrove_printdoc(102)"});
   EXPECT_EQ(r.status, 0) << r.err;
   std::string reading;
   for (const char* f : {"word-data1-mar-2002.txt", "word-data2-mar-2002.txt", "word-data3-mar-2002.txt"}) {
@@ -285,26 +293,31 @@ TEST(RefgroveHost, SampleFromDumpsToAnswers) {
   }
   EXPECT_EQ(r.out,
             "init_refgrove:\n[]\n"
-            "?- " + preproc + ".\n"
-            "Preproc word data ... \n1. Reading words ... \n" + reading +
-            "2. Finalizing word-idx\n3. Preproc author\npreprocGraph() ...\n4. Writing word-table\n"
-            "Done Preproc Word.\ntrue.\n"
-            "?- " + load + ".\ntrue.\n"
-            "?- refgrove_document_count(N), refgrove_get_nb_authors(A).\nN = 33,\nA = 21.\n"
-            "?- refgrove_get_authors(102, L), refgrove_get_author(102, 1, Name).\n"
-            "L = [2, 1],\nName = 'D. D. Sleator'.\n"
-            "?- refgrove_title_length(102, N), refgrove_get_title_word(102, 2, W).\nN = 5,\nW = for.\n"
-            "?- refgrove_get_cite(107, 0, Cited, Gid).\nCited = 101,\nGid = 9101.\n"
-            "?- refgrove_get_year(999, Y).\nfalse.\n"
-            "?- refgrove_printdoc(102).\n"
-            "Document 1 - DID=102 - # words=87\n# Authors = 2\nR. E. Tarjan and D. D. Sleator\n"
-            "title: abstract:\n"
-            "show cuts within 10 % of the best known . Linear probing is analysed under the uniform hashing "
-            "model ; the expected cost of a successful search is ( 1 + 1 / ( 1 - a ) ) / 2 for load factor a . "
-            "Suffix arrays answer substring queries in time proportional to the pattern length plus a "
-            "logarithmic term . We show how to build them in linear space and compare with suffix trees . "
-            "Prefix sums are a basic building block of parallel \n"
-            "true.\n");
+            "?- " +
+                preproc +
+                ".\n"
+                "Preproc word data ... \n1. Reading words ... \n" +
+                reading +
+                "2. Finalizing word-idx\n3. Preproc author\npreprocGraph() ...\n4. Writing word-table\n"
+                "Done Preproc Word.\ntrue.\n"
+                "?- " +
+                load +
+                ".\ntrue.\n"
+                "?- refgrove_document_count(N), refgrove_get_nb_authors(A).\nN = 33,\nA = 21.\n"
+                "?- refgrove_get_authors(102, L), refgrove_get_author(102, 1, Name).\n"
+                "L = [2, 1],\nName = 'D. D. Sleator'.\n"
+                "?- refgrove_title_length(102, N), refgrove_get_title_word(102, 2, W).\nN = 5,\nW = for.\n"
+                "?- refgrove_get_cite(107, 0, Cited, Gid).\nCited = 101,\nGid = 9101.\n"
+                "?- refgrove_get_year(999, Y).\nfalse.\n"
+                "?- refgrove_printdoc(102).\n"
+                "Document 1 - DID=102 - # words=87\n# Authors = 2\nR. E. Tarjan and D. D. Sleator\n"
+                "title: abstract:\n"
+                "show cuts within 10 % of the best known . Linear probing is analysed under the uniform hashing "
+                "model ; the expected cost of a successful search is ( 1 + 1 / ( 1 - a ) ) / 2 for load factor a . "
+                "Suffix arrays answer substring queries in time proportional to the pattern length plus a "
+                "logarithmic term . We show how to build them in linear space and compare with suffix trees . "
+                "Prefix sums are a basic building block of parallel \n"
+                "true.\n");
   // The title words of a printed document go to standard error.
   EXPECT_NE(r.err.find("\nData Structures for Dynamic Trees \n"), std::string::npos) << r.err;
 }

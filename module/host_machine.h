@@ -79,22 +79,22 @@ constexpr unsigned kFunctorEntryWords = 4;
 // The host machine. Only the fields below are used; the rest of the host's
 // structure is kept as reserved space so that the offsets match.
 struct LumoxMachine {
-  term* heap_top;             // next free heap word
-  term* trail_top;            // next free trail word
+  term* heap_top;   // next free heap word
+  term* trail_top;  // next free trail word
   std::uint32_t reserved_8[2];
-  term* trail_boundary;       // variables at or above it are bound untrailed
+  term* trail_boundary;  // variables at or above it are bound untrailed
   std::uint32_t reserved_20[3];
-  term args[4];               // argument registers A1 .. A4
+  term args[4];  // argument registers A1 .. A4
   std::uint32_t reserved_48[(1052 - 48) / 4];
-  term* trail_base;           // start of the trail
+  term* trail_base;  // start of the trail
   std::uint32_t reserved_1056;
-  term* trail_limit;          // past it, make room before pushing
+  term* trail_limit;  // past it, make room before pushing
   std::uint32_t reserved_1064[(15524 - 1064) / 4];
-  term* root_stack;           // terms the host keeps alive
+  term* root_stack;  // terms the host keeps alive
   std::int32_t root_count;
   std::int32_t root_capacity;
-  term* slots;                // symbol reference slots (handles)
-  std::int32_t free_slot;     // first free slot, -1 when none
+  term* slots;             // symbol reference slots (handles)
+  std::int32_t free_slot;  // first free slot, -1 when none
 };
 
 static_assert(offsetof(LumoxMachine, heap_top) == 0, "heap top");

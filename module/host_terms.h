@@ -32,8 +32,8 @@ inline term& root_at(LumoxMachine* m, int index) { return m->root_stack[index]; 
 // an exception leaves the scope.
 class SymbolSlot {
  public:
-  explicit SymbolSlot(LumoxMachine* m);          // holds nil_atom
-  SymbolSlot(LumoxMachine* m, term t);           // holds t
+  explicit SymbolSlot(LumoxMachine* m);  // holds nil_atom
+  SymbolSlot(LumoxMachine* m, term t);   // holds t
   ~SymbolSlot();
   SymbolSlot(const SymbolSlot&) = delete;
   SymbolSlot& operator=(const SymbolSlot&) = delete;

@@ -226,4 +226,3 @@ int refgrove_author_distance(LumoxMachine* m) {
   lumox_global_machine = m;
   return bind_float(m, m->args[2], refgrove_author_distance_1(a, b));
 }
-

@@ -73,9 +73,12 @@ std::size_t CitationGraph::memory() const {
 
 const char* to_text(Direction dir) {
   switch (dir) {
-    case Direction::out: return "out";
-    case Direction::in: return "in";
-    case Direction::both: return "both";
+    case Direction::out:
+      return "out";
+    case Direction::in:
+      return "in";
+    case Direction::both:
+      return "both";
   }
   return "both";
 }

@@ -46,8 +46,10 @@ std::optional<CollaborationPath> collaboration_path(const RefgroveData& d, std::
   if (nodes.empty()) return std::nullopt;
   CollaborationPath path;
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    if (i % 2 == 0) path.authors.push_back(nodes[i]);
-    else path.documents.push_back(citations.did(nodes[i] - authors));
+    if (i % 2 == 0)
+      path.authors.push_back(nodes[i]);
+    else
+      path.documents.push_back(citations.did(nodes[i] - authors));
   }
   return path;
 }

@@ -35,8 +35,7 @@ std::optional<std::int32_t> collaboration_distance(const RefgroveData& d, std::i
 // Throws NetworkArgumentError for a DID without a graph record.
 std::optional<std::vector<std::int32_t>> citation_path(const RefgroveData& d, std::int32_t from, std::int32_t to,
                                                        Direction dir);
-std::optional<std::int32_t> citation_distance(const RefgroveData& d, std::int32_t from, std::int32_t to,
-                                              Direction dir);
+std::optional<std::int32_t> citation_distance(const RefgroveData& d, std::int32_t from, std::int32_t to, Direction dir);
 
 }  // namespace refgrove
 

@@ -128,11 +128,9 @@ double pagerank(const RefgroveData& d, std::int32_t did) {
   return score_of(d, RankBy::pagerank, CitationGraph::of(d).require_node(did));
 }
 
-std::vector<RankedDocument> ranked(const RefgroveData& d, RankBy by, std::int64_t k,
-                                   std::optional<YearRange> years) {
+std::vector<RankedDocument> ranked(const RefgroveData& d, RankBy by, std::int64_t k, std::optional<YearRange> years) {
   if (years && years->from > years->to)
-    throw NetworkArgumentError("reversed year range " + std::to_string(years->from) + "-" +
-                               std::to_string(years->to));
+    throw NetworkArgumentError("reversed year range " + std::to_string(years->from) + "-" + std::to_string(years->to));
   const CitationGraph& g = CitationGraph::of(d);
   const std::vector<std::int32_t>& order =
       by == RankBy::citations ? rank_order<RankBy::citations>(d) : rank_order<RankBy::pagerank>(d);

@@ -47,8 +47,10 @@ std::vector<std::int32_t> shortest_path(std::int32_t nodes, std::int32_t s, std:
       };
     };
     for (const std::int32_t v : frontier[side]) {
-      if (side == 0) forward(v, reach(v));
-      else backward(v, reach(v));
+      if (side == 0)
+        forward(v, reach(v));
+      else
+        backward(v, reach(v));
       if (meeting >= 0) break;
     }
     std::swap(frontier[side], next);

@@ -23,8 +23,7 @@ struct Pass {
 
 // Runs the graph pass after the interning of `meanwhile` in `words`, or
 // concurrently with it.
-GraphRun Preprocess(const std::string& dump, StringTable* words, Pass pass,
-                    const std::vector<std::string>& meanwhile) {
+GraphRun Preprocess(const std::string& dump, StringTable* words, Pass pass, const std::vector<std::string>& meanwhile) {
   return run_graph_pass(dump, [&](const std::string& in, const std::string& out) {
     if (!pass.concurrent) {
       for (const std::string& w : meanwhile) words->String2ID(w);
@@ -76,8 +75,8 @@ TEST(ConcurrentGraphParseTest, GivesWhatTheSequentialPassGives) {
       StringTable concurrent_words;
       concurrent_words.String2ID("known");
       const GraphRun concurrent = Preprocess(dump, &concurrent_words, pass, meanwhile);
-      const std::string where = "parts " + std::to_string(pass.parts) + " of " +
-                                std::to_string(pass.min_part_bytes) + " bytes, dump " + dump.substr(0, 60);
+      const std::string where = "parts " + std::to_string(pass.parts) + " of " + std::to_string(pass.min_part_bytes) +
+                                " bytes, dump " + dump.substr(0, 60);
       EXPECT_EQ(concurrent.out, sequential.out) << where;
       EXPECT_EQ(concurrent.err, sequential.err) << where;
       EXPECT_EQ(hex(concurrent.graph_file), hex(sequential.graph_file)) << where;

@@ -38,10 +38,7 @@ std::uintmax_t held_bytes_for(const std::string& path) {
 }  // namespace
 
 ConcurrentWordFile::ConcurrentWordFile(WordPreproc* preproc, std::string path)
-    : preproc_(preproc),
-      path_(std::move(path)),
-      data_out_(stream_with_room_for(held_bytes_for(path_))),
-      read_([this] {
+    : preproc_(preproc), path_(std::move(path)), data_out_(stream_with_room_for(held_bytes_for(path_))), read_([this] {
         counts_ = preproc_->preprocFile(&words_, data_out_, idx_out_, path_.c_str(), messages_.out(), messages_.err());
       }) {}
 

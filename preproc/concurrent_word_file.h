@@ -64,7 +64,7 @@ class ConcurrentWordFile {
   std::exception_ptr read_error_;
   std::string data_;                         // the held ids, once numbered
   std::unique_ptr<BackgroundJob> renumber_;  // rewrites data_
-  BackgroundJob read_;  // last: it runs while the others live
+  BackgroundJob read_;                       // last: it runs while the others live
 };
 
 }  // namespace refgrove

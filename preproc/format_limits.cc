@@ -38,9 +38,9 @@ std::string documents_that_fit(const RunSize& size, std::int64_t limit, std::int
 std::string format_limit_message(const FormatLimits& limits, const RunSize& size) {
   if (size.word_data_bytes > limits.word_data_bytes) {
     return "the dumps hold more abstract words than a data directory can: word-data can have at most " +
-        std::to_string(limits.word_data_bytes) + " bytes (" + std::to_string(limits.word_data_bytes / kWordIdBytes) +
-        " words), as far as the 32-bit offsets of word-idx reach, which is " +
-        documents_that_fit(size, limits.word_data_bytes, size.word_data_bytes);
+           std::to_string(limits.word_data_bytes) + " bytes (" + std::to_string(limits.word_data_bytes / kWordIdBytes) +
+           " words), as far as the 32-bit offsets of word-idx reach, which is " +
+           documents_that_fit(size, limits.word_data_bytes, size.word_data_bytes);
   }
   return "the dumps hold more distinct words than a data directory can: word ids have 24 bits, so the abstracts "
          "and titles together can have at most " +

@@ -54,8 +54,7 @@ bool digest_file(const std::string& path, ChecksumKind kind, FileDigest* digest,
 // into the file `path`, flushed to disk, naming `made_by` as its writer.
 // False with "<file>: <system error>" in `error` when a data file cannot be
 // read or the manifest not written.
-bool write_manifest(const std::string& dir, const std::string& path, const std::string& made_by,
-                    std::string* error);
+bool write_manifest(const std::string& dir, const std::string& path, const std::string& made_by, std::string* error);
 
 // A data file that does not match the manifest, or the manifest itself
 // (`file` is then kManifestFile) when it cannot be compared.

@@ -64,27 +64,33 @@ TEST(ManifestTest, FilesThatDoNotMatchTheManifestAreNamed) {
     std::vector<std::string> findings;
   } cases[] = {
       {"nothing changed", [](const std::string&, DataFiles*) {}, {}},
-      {"one byte changed", [](const std::string&, DataFiles* f) { (*f)["word-data"][0] ^= 1; },
-       {"word-data" + differs + "6, listed 6; the checksum differs): the files come from different runs, or this "
-                                "one was changed since."}},
+      {"one byte changed",
+       [](const std::string&, DataFiles* f) { (*f)["word-data"][0] ^= 1; },
+       {"word-data" + differs +
+        "6, listed 6; the checksum differs): the files come from different runs, or this "
+        "one was changed since."}},
       {"a file from another run",
        [](const std::string&, DataFiles* f) { (*f)["word-idx"] += std::string(8, '\0'); },
-       {"word-idx" + differs + "24, listed 16; the checksum differs): the files come from different runs, or this "
-                               "one was changed since."}},
+       {"word-idx" + differs +
+        "24, listed 16; the checksum differs): the files come from different runs, or this "
+        "one was changed since."}},
       {"a manifest of 1.0.0", [](const std::string& dir, DataFiles*) { write_fnv_manifest(dir); }, {}},
       {"a manifest of 1.0.0, one byte changed",
        [](const std::string& dir, DataFiles* f) {
          write_fnv_manifest(dir);
          (*f)["word-data"][0] ^= 1;
        },
-       {"word-data" + differs + "6, listed 6; the checksum differs): the files come from different runs, or this "
-                                "one was changed since."}},
-      {"no manifest", [](const std::string& dir, DataFiles* f) {
+       {"word-data" + differs +
+        "6, listed 6; the checksum differs): the files come from different runs, or this "
+        "one was changed since."}},
+      {"no manifest",
+       [](const std::string& dir, DataFiles* f) {
          std::remove((dir + kManifestFile).c_str());
          (*f)["word-data"][0] ^= 1;
        },
        {}},
-      {"manifest not JSON", [](const std::string& dir, DataFiles*) { write_file(dir + kManifestFile, "{\"files\": "); },
+      {"manifest not JSON",
+       [](const std::string& dir, DataFiles*) { write_file(dir + kManifestFile, "{\"files\": "); },
        {"refgrove-manifest.json: the manifest is not a JSON object with a \"files\" object: it cannot be compared."}},
       {"entry without checksum",
        [](const std::string& dir, DataFiles*) {

@@ -30,8 +30,8 @@ void check_input(const std::string& path) {
   const std::filesystem::file_status status = std::filesystem::status(path, error);
   if (error) throw PreprocError(path, error.message());
   if (!std::filesystem::is_regular_file(status)) {
-    throw PreprocError(path, std::filesystem::is_directory(status) ? "is a directory, not a dump"
-                                                                    : "is not a regular file");
+    throw PreprocError(path,
+                       std::filesystem::is_directory(status) ? "is a directory, not a dump" : "is not a regular file");
   }
   std::ifstream in(path, std::ios::in | std::ios::binary);
   if (!in.is_open()) throw PreprocError(path, std::error_code(errno, std::generic_category()).message());

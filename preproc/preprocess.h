@@ -44,11 +44,11 @@ struct PreprocOptions {
 
 // What a run wrote, and what it had to skip or change on the way.
 struct PreprocSummary {
-  std::int64_t documents = 0;       // word-data headers, the end sentinel left out
-  std::int64_t abstract_words = 0;  // word ids in word-data
-  std::int64_t words = 0;           // distinct words, title words included
+  std::int64_t documents = 0;                            // word-data headers, the end sentinel left out
+  std::int64_t abstract_words = 0;                       // word ids in word-data
+  std::int64_t words = 0;                                // distinct words, title words included
   std::int64_t records = 0, authors = 0, citations = 0;  // of the graph file
-  std::int64_t lines_without_did = 0;  // word dump lines skipped
+  std::int64_t lines_without_did = 0;                    // word dump lines skipped
   // Integers beyond the int32 range in either dump, stored clamped to it.
   std::int64_t values_out_of_range = 0;
   // Documents that loading leaves out of the DID index (graph_data and

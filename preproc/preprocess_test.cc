@@ -93,8 +93,8 @@ TEST(PreprocessTest, MessagesGoToTheGivenStreamsExactlyAsTheModuleWritesThem) {
 
 TEST(PreprocessTest, CountsIntegersBeyondTheInt32Range) {
   TempDir in, out;
-  write_dumps(in.path(), "99999999999 - -99999999999 GIDs: 4294967296 DIDs: 5 Title: t Authors:\n",
-              "3000000000 - w\n", "", "7 - x\n");
+  write_dumps(in.path(), "99999999999 - -99999999999 GIDs: 4294967296 DIDs: 5 Title: t Authors:\n", "3000000000 - w\n",
+              "", "7 - x\n");
   std::ostringstream quiet;
   PreprocOptions options;
   options.out = options.err = &quiet;

@@ -33,13 +33,15 @@ TEST(StagedOutputTest, TheLockExcludesAnotherThread) {
   const TempDir dir;
   const TargetPaths paths = target_in(dir);
   std::string error;
-  auto first = TargetLock::acquire(paths, [] { ADD_FAILURE() << "nobody holds the lock yet"; }, &error);
+  auto first = TargetLock::acquire(
+      paths, [] { ADD_FAILURE() << "nobody holds the lock yet"; }, &error);
   ASSERT_NE(first, nullptr) << error;
   std::atomic<int> waits{0};
   std::atomic<bool> second_holds{false};
   std::thread second([&] {
     std::string second_error;
-    const auto lock = TargetLock::acquire(paths, [&] { ++waits; }, &second_error);
+    const auto lock = TargetLock::acquire(
+        paths, [&] { ++waits; }, &second_error);
     second_holds = lock != nullptr;
   });
   for (int i = 0; i < 500 && waits == 0; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(2));
@@ -59,7 +61,7 @@ TEST(StagedOutputTest, OnlyStagingDirectoriesOfTheTargetAreLeftovers) {
     std::string name;
     bool leftover;
   } cases[] = {
-      {".out.refgrove-tmp.123", true}, {".out.refgrove-tmp.", false},  {".out.refgrove-tmp.12x", false},
+      {".out.refgrove-tmp.123", true},  {".out.refgrove-tmp.", false}, {".out.refgrove-tmp.12x", false},
       {".other.refgrove-tmp.5", false}, {".out.refgrove-lock", false}, {"out", false},
   };
   for (const auto& c : cases) fs::create_directory(dir.path() + c.name);

@@ -12,9 +12,9 @@
 #include "graph/did_index.h"
 #include "graph/graph_file.h"
 #include "graph/raw_graph.h"
-#include "preproc/output_file.h"
 #include "preproc/concurrent_graph_parse.h"
 #include "preproc/concurrent_word_file.h"
+#include "preproc/output_file.h"
 #include "words/compacted_string_table.h"
 #include "words/word_files.h"
 
@@ -103,9 +103,7 @@ WordPreproc::WordLanguage::WordLanguage() {
   number_char = 0;
 }
 
-WordPreproc::WordTokenizer::WordTokenizer(std::istream* in) : StreamTokenizer(in, &language_) {
-  select_language(0);
-}
+WordPreproc::WordTokenizer::WordTokenizer(std::istream* in) : StreamTokenizer(in, &language_) { select_language(0); }
 
 WordPreproc::WordTokenizer::~WordTokenizer() = default;
 
@@ -189,8 +187,7 @@ PreprocSummary WordPreproc::preproc(const std::string& in_dir, const std::string
 }
 
 WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostream& data_out, std::ostream& idx_out,
-                                                 const char* path, std::ostream& out,
-                                                 std::ostream& err) try {
+                                                 const char* path, std::ostream& out, std::ostream& err) try {
   DumpCounts counts;
   ProgressNote progress(options_.progress);
   std::ifstream in(path, std::ios::in | std::ios::binary);
@@ -228,7 +225,7 @@ WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostrea
     if (did % 1000 == 0) out << '\r' << did;
     if (++documents % 1024 == 0) progress.at(static_cast<std::uint64_t>(std::max<std::streamoff>(in.tellg(), 0)));
 
-    t.next_token();  // the field after the DID is not used
+    t.next_token();     // the field after the DID is not used
     std::size_t n = 0;  // bytes of `ids` in use
     // Where the next k ids go.
     const auto room_for = [&](std::size_t k) {
@@ -260,7 +257,7 @@ WordPreproc::DumpCounts WordPreproc::preprocFile(StringTable* table, std::ostrea
       const std::string& token = t.next_token();
       if (is_line_end(token)) break;
       put_word_id(room_for(1), is_foreign(token.data(), token.size(), token.capacity() + 1) ? table->intern(foreign)
-                                                                                              : table->String2ID(token));
+                                                                                            : table->String2ID(token));
     }
     data_out.write(ids.data(), static_cast<std::streamsize>(n));
     position += static_cast<std::int64_t>(n);

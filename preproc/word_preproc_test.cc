@@ -76,7 +76,12 @@ TEST(WordLanguageTest, CutsWordDumpLines) {
       {"12 k Hello, world.\n", {"12", "k", "Hello", ",", "world", ".", "\n"}},
       // 127, 128 and 255 are blanks like the control characters; other
       // bytes above 127 stay inside words.
-      {"a\x7f" "b\x80" "c\xff" "d\x01" "e\tf\rg", {"a", "b", "c", "d", "e", "f", "g"}},
+      {"a\x7f"
+       "b\x80"
+       "c\xff"
+       "d\x01"
+       "e\tf\rg",
+       {"a", "b", "c", "d", "e", "f", "g"}},
       {"na\xc3\xafve \xe2\x80\x94", {"na\xc3\xafve", "\xe2", "\x94"}},
       // Quotes are tokens of their own, not strings; no numbers.
       {"'q' \"r s\" 3.14 x=1", {"'", "q", "'", "\"", "r", "s", "\"", "3", ".", "14", "x", "=", "1"}},
@@ -95,8 +100,7 @@ TEST(WordLanguageTest, CutsWordDumpLines) {
 }
 
 TEST(WordPreprocTest, WholeRunByteForByte) {
-  Preprocessing p("0 k0 Graphs are trees.\n1000 k1 graphs\n",
-                  "999 - \xc3\xa9t\xc3\xa9 caf\xc3\xa9 Graphs\n", "",
+  Preprocessing p("0 k0 Graphs are trees.\n1000 k1 graphs\n", "999 - \xc3\xa9t\xc3\xa9 caf\xc3\xa9 Graphs\n", "",
                   "0 k0 2001 GIDs: 5 DIDs: 1000 Title: Graphs Authors: Ann Lee\n"
                   "1000 - - GIDs: DIDs: Title: new trees Authors:\n"
                   "xxxx\n");
@@ -122,22 +126,22 @@ TEST(WordPreprocTest, WholeRunByteForByte) {
             compact_hex("00000000 00000000  e8030000 0c000000  e7030000 0f000000  ffffffff 18000000"));
   EXPECT_EQ(hex(p.File("word-table")),
             compact_hex("07000000"
-                    "00000000 00000000 01000000 07000000 02000000 0b000000 03000000 11000000"
-                    "04000000 13000000 05000000 1a000000 06000000 24000000"
-                    "28000000") +
+                        "00000000 00000000 01000000 07000000 02000000 0b000000 03000000 11000000"
+                        "04000000 13000000 05000000 1a000000 06000000 24000000"
+                        "28000000") +
                 hex(std::string("Graphs\0are\0trees\0.\0graphs\0[foreign]\0new\0", 40)));
   EXPECT_EQ(hex(p.File("graph_data")),
             compact_hex("01000000 00000000 00000000 08000000") + hex(std::string("Ann Lee\0", 8)) +
                 compact_hex("02000000"
-                        "00000000 02000000 6b30 d1070000 01000000 05000000 e8030000 01000000 000000 0100 00000000"
-                        "e8030000 00000000 ffffffff 00000000 02000000 060000 020000 0000"));
+                            "00000000 02000000 6b30 d1070000 01000000 05000000 e8030000 01000000 000000 0100 00000000"
+                            "e8030000 00000000 ffffffff 00000000 02000000 060000 020000 0000"));
 }
 
 TEST(WordPreprocTest, DocumentLines) {
   struct Case {
     const char* dump;
     std::vector<std::pair<int, std::vector<std::string>>> docs;  // DID, words
-    const char* err;                                            // before the graph pass's
+    const char* err;                                             // before the graph pass's
   };
   const Case cases[] = {
       // No words: the next document starts at the same offset.
@@ -154,9 +158,14 @@ TEST(WordPreprocTest, DocumentLines) {
       {"4 k \xc3\xa9 \xc3\xa0 e\n", {{4, {"[foreign]", "[foreign]", "e"}}}, ""},
       // Only the word's own bytes count: 128 and 255 end a word as blanks.
       // A byte above 127 at the end of words of 8, 9, 16 and 17 bytes.
-      {"4 k abc\x80" "def\xff" "ghijklmnop\x80q\n", {{4, {"abc", "def", "ghijklmnop", "q"}}}, ""},
+      {"4 k abc\x80"
+       "def\xff"
+       "ghijklmnop\x80q\n",
+       {{4, {"abc", "def", "ghijklmnop", "q"}}},
+       ""},
       {"4 k abcdefg\xe9 abcdefgh\xe9 abcdefghijklmno\xe9 abcdefghijklmnop\xe9 abcdefghijklmnop\n",
-       {{4, {"[foreign]", "[foreign]", "[foreign]", "[foreign]", "abcdefghijklmnop"}}}, ""},
+       {{4, {"[foreign]", "[foreign]", "[foreign]", "[foreign]", "abcdefghijklmnop"}}},
+       ""},
       // "-" is a token of its own, so no DID is negative.
       {"-4 k\n", {}, "no did at line 1\n4k\n ------------------------- \n"},
       {"", {}, ""},
@@ -201,8 +210,8 @@ TEST(WordPreprocTest, DumpsReadAsideGetTheIdsOfOneRunAfterTheOther) {
   // Words of later dumps already met, new ones in an order unlike their
   // ids' order, a reported line, then the same files made one dump after
   // the other on one table.
-  Preprocessing p("1 k common alpha\n", "2 k beta common\n",
-                  "3 k zeta beta eta\n?? k x\n4 k eta common zeta theta\n", "");
+  Preprocessing p("1 k common alpha\n", "2 k beta common\n", "3 k zeta beta eta\n?? k x\n4 k eta common zeta theta\n",
+                  "");
   p.Run();
   StringTable table;
   std::ostringstream data, idx, out, err;
@@ -241,8 +250,7 @@ TEST(WordPreprocTest, ParseErrorsEndTheProcessWithStatus3) {
       {"1 k a\n2 k b c", "", 3, "unexpected end of file at 2:6"},
       // Two GIDs, one DID. The element "Title:" stands where the token after
       // it does.
-      {"1 k a\n", "1 - - GIDs: 4 5 DIDs: 6 Title: t Authors: A\n", 3,
-       "expected integer, not 'Title:' at 1:31"},
+      {"1 k a\n", "1 - - GIDs: 4 5 DIDs: 6 Title: t Authors: A\n", 3, "expected integer, not 'Title:' at 1:31"},
       {"1 k a\n", "1 - - GIDs: DIDs: Title: t Authors: A", 3, "unexpected end of file at 1:36"},
       {"1 k a\n", "1 - - GIDs: DIDs: Title: t Authors: A\n", 0, "\nwriting graph file OUT/graph_data...\n"},
       // The second dump ends early: what the first reported comes out, the
@@ -278,8 +286,7 @@ TEST(WordPreprocTest, SummaryCountsTheDocumentsThatLoadingLeavesUnindexed) {
   } cases[] = {
       {"1 - a\n", "1 - - GIDs: DIDs: Title: t Authors: A\n", 0},
       {"2097151 - a\n2097152 - b\n-1 - d\n", "-3 - - GIDs: DIDs: Title: t Authors: A\n", 2},
-      {"99999999999 - a\n", "7 - - GIDs: DIDs: Title: t Authors: A\n2097153 - - GIDs: DIDs: Title: u Authors: B\n",
-       2},
+      {"99999999999 - a\n", "7 - - GIDs: DIDs: Title: t Authors: A\n2097153 - - GIDs: DIDs: Title: u Authors: B\n", 2},
   };
   for (const auto& c : cases) {
     Preprocessing p(c.words, "", "", c.graph);

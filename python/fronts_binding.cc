@@ -105,9 +105,8 @@ py::tuple clusters(const DataSetHandle& self, const py::tuple& options_arg) {
   std::vector<std::int32_t> membership(c->cluster_of_members().begin(), c->cluster_of_members().end());
   py::list described;
   for (const Cluster& cluster : c->clusters()) described.append(describe(cluster));
-  return py::make_tuple(owning<std::int32_t>(std::move(members), {n}),
-                        owning<std::int32_t>(std::move(membership), {n}), described, c->modularity(), c->quality(),
-                        c->iterations(), c->stable());
+  return py::make_tuple(owning<std::int32_t>(std::move(members), {n}), owning<std::int32_t>(std::move(membership), {n}),
+                        described, c->modularity(), c->quality(), c->iterations(), c->stable());
 }
 
 Timeline cluster_timeline(const DataSetHandle& self, const py::tuple& options_arg, py::handle cluster_arg,

@@ -88,8 +88,9 @@ std::vector<SearchHit> scan(const RefgroveData& d, const std::string& query, Sea
     }
     if (found == terms.size() || (mode == SearchMode::kOr && found > 0)) hits.push_back({did, score});
   }
-  std::sort(hits.begin(), hits.end(),
-            [](const SearchHit& a, const SearchHit& b) { return a.score > b.score || (a.score == b.score && a.did < b.did); });
+  std::sort(hits.begin(), hits.end(), [](const SearchHit& a, const SearchHit& b) {
+    return a.score > b.score || (a.score == b.score && a.did < b.did);
+  });
   if (limit > 0 && hits.size() > limit) hits.resize(limit);
   return hits;
 }
@@ -108,9 +109,9 @@ void expect_as_scanned(const RefgroveData& d, const std::vector<std::string>& qu
       for (const std::size_t limit : {std::size_t{0}, std::size_t{3}}) {
         const std::vector<SearchHit> expected = scan(d, q, mode, limit);
         const std::vector<SearchHit> got = refgrove::search(d, q, mode, limit);
-        const std::string what = "query \"" + q + "\" " + (mode == SearchMode::kAnd ? "and" : "or") +
-                                 " limit " + std::to_string(limit) + "\n expected " + describe(expected) +
-                                 "\n got      " + describe(got);
+        const std::string what = "query \"" + q + "\" " + (mode == SearchMode::kAnd ? "and" : "or") + " limit " +
+                                 std::to_string(limit) + "\n expected " + describe(expected) + "\n got      " +
+                                 describe(got);
         ASSERT_EQ(got.size(), expected.size()) << what;
         for (std::size_t i = 0; i < got.size(); ++i) {
           ASSERT_EQ(got[i].did, expected[i].did) << what;
@@ -131,25 +132,80 @@ refgrove::DataSetPtr load_silently(const std::string& dir) {
 // record only, words only, and DIDs on both sides of 65,536 and 131,072.
 DataDirBuilder varied_documents() {
   DataDirBuilder b;
-  b.add({2, "k2", 1999, {}, {"Black", "Holes", "and", "D-Branes"}, {"A"}, {"we", "study", "black", "holes"}, true, true});
+  b.add(
+      {2, "k2", 1999, {}, {"Black", "Holes", "and", "D-Branes"}, {"A"}, {"we", "study", "black", "holes"}, true, true});
   b.add({4, "", -1, {}, {"Supersymmetry", "breaking"}, {}, {}, true, false});
-  b.add({6, "", -1, {}, {}, {}, {"supersymmetric", "D-branes", "in", "\xC9" "cole", "models"}, false, true});
-  b.add({9, "", 2001, {}, {"\xC3\x89" "COLE", "Normale"}, {"B"}, {"black", "black", "hole"}, true, true});
+  b.add({6,
+         "",
+         -1,
+         {},
+         {},
+         {},
+         {"supersymmetric", "D-branes", "in",
+          "\xC9"
+          "cole",
+          "models"},
+         false,
+         true});
+  b.add({9,
+         "",
+         2001,
+         {},
+         {"\xC3\x89"
+          "COLE",
+          "Normale"},
+         {"B"},
+         {"black", "black", "hole"},
+         true,
+         true});
   b.add({65535, "", -1, {}, {"holes"}, {}, {"ERD\xC5\x90S", "supersymmetry"}, true, true});
   b.add({65536, "", -1, {}, {"Black"}, {}, {"erd\xC5\x91s", "the", "holes"}, true, true});
   b.add({70000, "", -1, {}, {}, {}, {}, true, true});
   std::vector<std::string> many(300, "string");
   many.push_back("theory");
   b.add({131072, "", -1, {}, {"String", "theory"}, {}, many, true, true});
-  b.add({131073, "", -1, {}, {"na\xEF" "ve"}, {}, {"the", "the", "model"}, true, true});
+  b.add({131073,
+         "",
+         -1,
+         {},
+         {"na\xEF"
+          "ve"},
+         {},
+         {"the", "the", "model"},
+         true,
+         true});
   return b;
 }
 
 const std::vector<std::string> kVariedQueries = {
-    "black",    "BLACK holes",         "black holes black", "HoLeS",   "supersymm*",    "super*",
-    "d-branes", "\xC3\xA9" "cole",     "\xC3\x89" "cole",   "\xC9" "COLE", "erd\xC5\x91s", "ERD\xC5\x90S",
-    "string",   "string theory",       "the model",         "absent",  "black absent",  "s*",
-    "h* b*",    "na\xC3\xAF" "ve",     "normale black",     "model*",  "breaking holes", "st* string",
+    "black",
+    "BLACK holes",
+    "black holes black",
+    "HoLeS",
+    "supersymm*",
+    "super*",
+    "d-branes",
+    "\xC3\xA9"
+    "cole",
+    "\xC3\x89"
+    "cole",
+    "\xC9"
+    "COLE",
+    "erd\xC5\x91s",
+    "ERD\xC5\x90S",
+    "string",
+    "string theory",
+    "the model",
+    "absent",
+    "black absent",
+    "s*",
+    "h* b*",
+    "na\xC3\xAF"
+    "ve",
+    "normale black",
+    "model*",
+    "breaking holes",
+    "st* string",
 };
 
 TEST(WordSearchTest, MatchesScanOnVariedDocuments) {
@@ -182,8 +238,8 @@ TEST(WordSearchTest, MatchesScanOnTheSample) {
 // Random documents over a small vocabulary in mixed case, DIDs spread over
 // four 65,536-DID chunks.
 TEST(WordSearchTest, MatchesScanOnGeneratedDocuments) {
-  const std::vector<std::string> vocabulary = {"alpha", "Alpha", "beta", "gamma", "GAMMA", "delta",
-                                               "alphabet", "be", "\xC3\x84gypten", "\xE4gypten", "the", "of"};
+  const std::vector<std::string> vocabulary = {"alpha",    "Alpha", "beta",           "gamma",      "GAMMA", "delta",
+                                               "alphabet", "be",    "\xC3\x84gypten", "\xE4gypten", "the",   "of"};
   std::mt19937 rng(16);
   DataDirBuilder b;
   std::set<int> dids;
@@ -191,15 +247,16 @@ TEST(WordSearchTest, MatchesScanOnGeneratedDocuments) {
   for (const int did : dids) {
     TestDocument doc{did, "", -1, {}, {}, {}, {}, rng() % 5 != 0, rng() % 5 != 0};
     const std::size_t title = rng() % 5, words = rng() % 40;
-    for (std::size_t k = 0; k < title; ++k) doc.title.push_back(vocabulary[rng() % (rng() % 2 ? 4 : vocabulary.size())]);
+    for (std::size_t k = 0; k < title; ++k)
+      doc.title.push_back(vocabulary[rng() % (rng() % 2 ? 4 : vocabulary.size())]);
     for (std::size_t k = 0; k < words; ++k) doc.words.push_back(vocabulary[rng() % vocabulary.size()]);
     b.add(doc);
   }
   TempDir dir;
   b.write(dir.path());
   const refgrove::DataSetPtr d = load_silently(dir.path());
-  expect_as_scanned(*d, {"alpha", "alpha beta", "GAMMA delta alpha", "alpha* be*", "be", "\xC3\xA4gypten",
-                         "the of", "of alphabet", "a*", "missing alpha"});
+  expect_as_scanned(*d, {"alpha", "alpha beta", "GAMMA delta alpha", "alpha* be*", "be", "\xC3\xA4gypten", "the of",
+                         "of alphabet", "a*", "missing alpha"});
 }
 
 // Damaged copies of the sample directory (cut files, overwritten bytes):
@@ -267,7 +324,8 @@ TEST(WordSearchTest, ConcurrentFirstSearchesShareOneIndex) {
   const refgrove::DataSetPtr d = load_silently(dir.path());
   std::vector<std::future<std::vector<SearchHit>>> runs;
   for (int i = 0; i < 8; ++i) {
-    runs.push_back(std::async(std::launch::async, [&] { return refgrove::search(*d, "black h*", SearchMode::kOr, 0); }));
+    runs.push_back(
+        std::async(std::launch::async, [&] { return refgrove::search(*d, "black h*", SearchMode::kOr, 0); }));
   }
   const std::string expected = describe(scan(*d, "black h*", SearchMode::kOr, 0));
   for (auto& run : runs) EXPECT_EQ(describe(run.get()), expected);

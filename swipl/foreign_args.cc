@@ -29,9 +29,7 @@ bool raise_formal(term_t formal, const char* predicate = nullptr, int arity = 0)
          PL_raise_exception(error);
 }
 
-bool put_atom(term_t t, const std::string& text) {
-  return PL_put_variable(t) && unify_text(t, text);
-}
+bool put_atom(term_t t, const std::string& text) { return PL_put_variable(t) && unify_text(t, text); }
 
 }  // namespace
 

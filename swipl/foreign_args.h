@@ -29,8 +29,7 @@ bool check_optional_text(term_t t, bool* bound);
 
 // error(existence_error(Type, Culprit), Context) with Culprit the atom
 // `name`; Context is context(Predicate/Arity, _) when `predicate` is given.
-bool raise_existence_error(const char* type, const std::string& name, const char* predicate = nullptr,
-                           int arity = 0);
+bool raise_existence_error(const char* type, const std::string& name, const char* predicate = nullptr, int arity = 0);
 
 // error(Formal, _) with Formal = Functor(Text...), every text an atom.
 bool raise_error(const char* functor, std::initializer_list<std::string> texts);

@@ -126,8 +126,8 @@ foreign_t author_ranked_pred(term_t args, int, control_t) {
 
 bool unify_timeline(term_t t, const Timeline& timeline) {
   using Year = std::pair<std::int32_t, std::int64_t>;
-  return unify_pairs(t, timeline, [](const Year& y) { return std::int64_t{y.first}; },
-                     [](const Year& y) { return y.second; });
+  return unify_pairs(
+      t, timeline, [](const Year& y) { return std::int64_t{y.first}; }, [](const Year& y) { return y.second; });
 }
 
 foreign_t citations_by_year_pred(term_t args, int, control_t) {

@@ -14,8 +14,8 @@ DataSetSlot& library_slot() {
 
 extern "C" REFGROVE_EXPORT install_t install_refgrove4pl() {
   using namespace refgrove::swipl;
-  for (const auto& predicates : {host_predicates(), relation_predicates(), network_predicates(), search_predicates(),
-                                 fronts_predicates()}) {
+  for (const auto& predicates :
+       {host_predicates(), relation_predicates(), network_predicates(), search_predicates(), fronts_predicates()}) {
     for (const ForeignPredicate& p : predicates) {
       const int flags = PL_FA_VARARGS | (p.nondeterministic ? PL_FA_NONDETERMINISTIC : 0);
       PL_register_foreign(p.name, p.arity, reinterpret_cast<pl_function_t>(p.function), flags);

@@ -73,8 +73,7 @@ foreign_t collaboration_path_pred(term_t args, int, control_t) {
 foreign_t citation_distance_pred(term_t args, int, control_t) {
   int from = 0, to = 0;
   Direction dir{};
-  if (!get_int_input(args, &from) || !get_int_input(args + 1, &to) ||
-      !get_choice(args + 2, direction_from_text, &dir))
+  if (!get_int_input(args, &from) || !get_int_input(args + 1, &to) || !get_choice(args + 2, direction_from_text, &dir))
     return false;
   return answered([&] {
     const std::optional<std::int32_t> d = citation_distance(current_data(), from, to, dir);

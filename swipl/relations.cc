@@ -55,14 +55,14 @@ bool get_wanted(term_t t, Wanted* wanted) {
 struct Walk {
   DataSetPtr set;
   Step step = nullptr;
-  Wanted want_a, want_b;  // the integer arguments, when bound
-  int fixed = 0;   // the bound argument the walk follows, when there is one
-  int outer = 0;   // DID (or author id) reached
-  int inner = 0;   // position within its list
-  std::vector<int> items;  // a precomputed list of solutions, for key lookups
+  Wanted want_a, want_b;                // the integer arguments, when bound
+  int fixed = 0;                        // the bound argument the walk follows, when there is one
+  int outer = 0;                        // DID (or author id) reached
+  int inner = 0;                        // position within its list
+  std::vector<int> items;               // a precomputed list of solutions, for key lookups
   std::span<const std::int32_t> cites;  // the DIDs `fixed` cites, for its citations
-  bool direct = false;  // its citations into an unbound Cited: see next_citation
-  bool key_given = false;  // the key was bound: the solutions already match it
+  bool direct = false;                  // its citations into an unbound Cited: see next_citation
+  bool key_given = false;               // the key was bound: the solutions already match it
   bool has_next = false;
   Pair next;
 

@@ -81,7 +81,7 @@ class SetTables {
   const RefgroveData& data_;
   std::uint32_t size_;
   std::unique_ptr<std::atomic<atom_t>[]> atoms_;  // 0: not made yet
-  std::vector<DocumentRow> rows_;  // by DID
+  std::vector<DocumentRow> rows_;                 // by DID
   // The citations of every DID, packed: those of `did` are cited_[start[did]]
   // up to cited_[start[did + 1]], both without the kNoRecord bit, which marks
   // a DID without a graph record.

@@ -33,7 +33,8 @@ void DataDirBuilder::write(const std::string& dir) const {
   for (const TestDocument& doc : docs_) {
     if (!doc.in_graph) continue;
     std::vector<WordId> title;
-    for (const std::string& w : doc.title) title.push_back(WordId::from_id(static_cast<std::uint32_t>(words.String2ID(w))));
+    for (const std::string& w : doc.title)
+      title.push_back(WordId::from_id(static_cast<std::uint32_t>(words.String2ID(w))));
     std::vector<std::int32_t> author_ids;
     for (const std::string& a : doc.authors) author_ids.push_back(authors.String2ID(a));
     records.push_back(RefgroveGraphData::create(arena, doc.did, doc.key, doc.year, doc.citations, title, author_ids));

@@ -143,11 +143,13 @@ inline std::string unanswered_items() {
     const char* text = nullptr;
     refgrove_title_length_1(did, &n);
     for (int i = 0; i < n; ++i) {
-      if (!refgrove_get_title_word_1(did, i, &text)) out += " title word " + std::to_string(i) + " of DID " + std::to_string(did);
+      if (!refgrove_get_title_word_1(did, i, &text))
+        out += " title word " + std::to_string(i) + " of DID " + std::to_string(did);
     }
     refgrove_author_count_1(did, &n);
     for (int i = 0; i < n; ++i) {
-      if (!refgrove_get_author_1(did, i, &text)) out += " author " + std::to_string(i) + " of DID " + std::to_string(did);
+      if (!refgrove_get_author_1(did, i, &text))
+        out += " author " + std::to_string(i) + " of DID " + std::to_string(did);
     }
   }
   return out;

@@ -20,8 +20,15 @@ namespace refgrove {
 // 5, 7, 8 are in neither half.
 inline DataDirBuilder sample_documents() {
   DataDirBuilder b;
-  b.add({2, "smith94", 1994, {{11, 4}, {12, 9}}, {"Graph", "walks"}, {"J. Smith", "A. B. Jones", "C. Doe"},
-         {"we", "study", "graph", "walks"}, true, true});
+  b.add({2,
+         "smith94",
+         1994,
+         {{11, 4}, {12, 9}},
+         {"Graph", "walks"},
+         {"J. Smith", "A. B. Jones", "C. Doe"},
+         {"we", "study", "graph", "walks"},
+         true,
+         true});
   b.add({4, "", -1, {}, {"Untitled"}, {}, {}, true, false});
   b.add({6, "", -1, {}, {}, {}, {"only", "words"}, false, true});
   b.add({9, "doe01", 2001, {}, {"walks"}, {"C. Doe"}, {"more", "walks"}, true, true});

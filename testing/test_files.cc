@@ -70,8 +70,7 @@ TempDir::~TempDir() {
   std::filesystem::remove_all(path_, ignored);
 }
 
-StreamCapture::StreamCapture()
-    : old_out_(std::cout.rdbuf(out_.rdbuf())), old_err_(std::cerr.rdbuf(err_.rdbuf())) {}
+StreamCapture::StreamCapture() : old_out_(std::cout.rdbuf(out_.rdbuf())), old_err_(std::cerr.rdbuf(err_.rdbuf())) {}
 
 StreamCapture::~StreamCapture() {
   std::cout.rdbuf(old_out_);

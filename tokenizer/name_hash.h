@@ -17,7 +17,8 @@ struct hash_name_hash_key {
   std::size_t operator()(const std::string& s) const { return hash(s.c_str()); }
   static std::uint32_t hash(const char* s) {
     std::uint32_t h = 0;
-    for (; *s != '\0'; ++s) h = 5 * h + static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(*s)));
+    for (; *s != '\0'; ++s)
+      h = 5 * h + static_cast<std::uint32_t>(static_cast<std::int32_t>(static_cast<signed char>(*s)));
     return h;
   }
 };

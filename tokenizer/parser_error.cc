@@ -2,8 +2,7 @@
 
 namespace refgrove {
 
-ParserError::ParserError(const std::string& message_, const TokenizerPos& pos_,
-                         const char* file_name_)
+ParserError::ParserError(const std::string& message_, const TokenizerPos& pos_, const char* file_name_)
     : message(message_), file_name(file_name_ != nullptr ? file_name_ : ""), pos(pos_) {}
 
 bool ParserError::equals(const ParserError* other) const {

@@ -7,13 +7,11 @@ namespace refgrove {
 
 // ---- StreamTokenizer ------------------------------------------------------
 
-StreamTokenizer::StreamTokenizer(std::istream* in, TokenizerLanguage* language_)
-    : Tokenizer(language_), stream(in) {}
+StreamTokenizer::StreamTokenizer(std::istream* in, TokenizerLanguage* language_) : Tokenizer(language_), stream(in) {}
 
 StreamTokenizer::StreamTokenizer(std::istream* in) : Tokenizer(), stream(in) {}
 
-StreamTokenizer::StreamTokenizer(TokenizerLanguage* language_)
-    : Tokenizer(language_), stream(nullptr) {}
+StreamTokenizer::StreamTokenizer(TokenizerLanguage* language_) : Tokenizer(language_), stream(nullptr) {}
 
 StreamTokenizer::StreamTokenizer() : Tokenizer(), stream(nullptr) {}
 
@@ -115,8 +113,7 @@ StreamEOFTokenizer::StreamEOFTokenizer(std::istream* in, TokenizerLanguage* lang
 
 StreamEOFTokenizer::StreamEOFTokenizer(std::istream* in) : StreamTokenizer(in), eof_seen(0) {}
 
-StreamEOFTokenizer::StreamEOFTokenizer(TokenizerLanguage* language_)
-    : StreamTokenizer(language_), eof_seen(0) {}
+StreamEOFTokenizer::StreamEOFTokenizer(TokenizerLanguage* language_) : StreamTokenizer(language_), eof_seen(0) {}
 
 StreamEOFTokenizer::StreamEOFTokenizer() : StreamTokenizer(), eof_seen(0) {}
 
@@ -149,8 +146,7 @@ StreamEOFCopyTokenizer::StreamEOFCopyTokenizer(TokenizerLanguage* language_)
   plain_hooks_ = false;
 }
 
-StreamEOFCopyTokenizer::StreamEOFCopyTokenizer()
-    : StreamEOFTokenizer(), reading_token(1), term_space(kNoSpace) {
+StreamEOFCopyTokenizer::StreamEOFCopyTokenizer() : StreamEOFTokenizer(), reading_token(1), term_space(kNoSpace) {
   plain_hooks_ = false;
 }
 
@@ -186,8 +182,7 @@ int StreamEOFCopyTokenizer::stream_get() {
 void StreamEOFCopyTokenizer::open_output(const char* name) {
   close_output();
   output_buffer.reset(new std::filebuf());
-  if (output_buffer->open(name, std::ios_base::out | std::ios_base::trunc |
-                                    std::ios_base::binary) == nullptr) {
+  if (output_buffer->open(name, std::ios_base::out | std::ios_base::trunc | std::ios_base::binary) == nullptr) {
     throw ParserError("can't open: " + std::string(name), TokenizerPos(), name);
   }
   output.reset(new std::ostream(output_buffer.get()));

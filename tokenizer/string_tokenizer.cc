@@ -5,8 +5,7 @@
 
 namespace refgrove {
 
-StringTokenizer::StringTokenizer(const char* text_, TokenizerLanguage* language_)
-    : Tokenizer(language_) {
+StringTokenizer::StringTokenizer(const char* text_, TokenizerLanguage* language_) : Tokenizer(language_) {
   init(text_);
 }
 

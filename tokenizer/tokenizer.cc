@@ -22,13 +22,13 @@ bool is_digit(int c) { return c >= '0' && c <= '9'; }
 inline __attribute__((always_inline)) bool same_classes(const TokenizerCharSet* a, const TokenizerCharSet* b) {
   const __m128i* x = reinterpret_cast<const __m128i*>(a);
   const __m128i* y = reinterpret_cast<const __m128i*>(b);
-  const __m128i diff = _mm_or_si128(
-      _mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x), _mm_loadu_si128(y)),
-                   _mm_xor_si128(_mm_loadu_si128(x + 1), _mm_loadu_si128(y + 1))),
-      _mm_or_si128(_mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x + 2), _mm_loadu_si128(y + 2)),
-                                _mm_xor_si128(_mm_loadu_si128(x + 3), _mm_loadu_si128(y + 3))),
-                   _mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x + 4), _mm_loadu_si128(y + 4)),
-                                _mm_xor_si128(_mm_loadu_si128(x + 5), _mm_loadu_si128(y + 5)))));
+  const __m128i diff =
+      _mm_or_si128(_mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x), _mm_loadu_si128(y)),
+                                _mm_xor_si128(_mm_loadu_si128(x + 1), _mm_loadu_si128(y + 1))),
+                   _mm_or_si128(_mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x + 2), _mm_loadu_si128(y + 2)),
+                                             _mm_xor_si128(_mm_loadu_si128(x + 3), _mm_loadu_si128(y + 3))),
+                                _mm_or_si128(_mm_xor_si128(_mm_loadu_si128(x + 4), _mm_loadu_si128(y + 4)),
+                                             _mm_xor_si128(_mm_loadu_si128(x + 5), _mm_loadu_si128(y + 5)))));
   return _mm_movemask_epi8(_mm_cmpeq_epi8(diff, _mm_setzero_si128())) == 0xFFFF;
 }
 #else
@@ -44,9 +44,9 @@ bool same_classes(const TokenizerCharSet* a, const TokenizerCharSet* b) {
 // shuffle gives 0 for an index with its top bit set, which keeps the two
 // apart), the high nibble picks the bit.
 __attribute__((target("ssse3"), always_inline)) inline const char* find_stop(const char* p, const char* end,
-                                                                          const unsigned char* low_hi0,
-                                                                          const unsigned char* low_hi1,
-                                                                          const TokenizerCharSet& stop) {
+                                                                             const unsigned char* low_hi0,
+                                                                             const unsigned char* low_hi1,
+                                                                             const TokenizerCharSet& stop) {
   const __m128i nibble = _mm_set1_epi8(0x0F);
   const __m128i top = _mm_set1_epi8(-128);
   const __m128i rows0 = _mm_load_si128(reinterpret_cast<const __m128i*>(low_hi0));
@@ -56,8 +56,8 @@ __attribute__((target("ssse3"), always_inline)) inline const char* find_stop(con
     const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
     const __m128i row = _mm_or_si128(_mm_shuffle_epi8(rows0, v), _mm_shuffle_epi8(rows1, _mm_xor_si128(v, top)));
     const __m128i bit = _mm_shuffle_epi8(bits, _mm_and_si128(_mm_srli_epi16(v, 4), nibble));
-    const unsigned outside = static_cast<unsigned>(
-        _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(row, bit), _mm_setzero_si128())));
+    const unsigned outside =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_and_si128(row, bit), _mm_setzero_si128())));
     if (outside != 0xFFFFu) return p + __builtin_ctz(~outside);
   }
   while (p != end && !stop.contains(*p)) ++p;
@@ -66,21 +66,20 @@ __attribute__((target("ssse3"), always_inline)) inline const char* find_stop(con
 
 // find_stop for the general scanner, which is not compiled for SSSE3.
 __attribute__((target("ssse3"))) const char* find_stop_ssse3(const char* p, const char* end,
-                                                             const unsigned char* low_hi0,
-                                                             const unsigned char* low_hi1,
+                                                             const unsigned char* low_hi0, const unsigned char* low_hi1,
                                                              const TokenizerCharSet& stop) {
   return find_stop(p, end, low_hi0, low_hi1, stop);
 }
 
 // same_classes, 32 bytes at a time.
 __attribute__((target("avx2"), always_inline)) inline bool same_classes_avx2(const TokenizerCharSet* a,
-                                                                           const TokenizerCharSet* b) {
+                                                                             const TokenizerCharSet* b) {
   const __m256i* x = reinterpret_cast<const __m256i*>(a);
   const __m256i* y = reinterpret_cast<const __m256i*>(b);
-  const __m256i diff = _mm256_or_si256(
-      _mm256_or_si256(_mm256_xor_si256(_mm256_loadu_si256(x), _mm256_loadu_si256(y)),
-                      _mm256_xor_si256(_mm256_loadu_si256(x + 1), _mm256_loadu_si256(y + 1))),
-      _mm256_xor_si256(_mm256_loadu_si256(x + 2), _mm256_loadu_si256(y + 2)));
+  const __m256i diff =
+      _mm256_or_si256(_mm256_or_si256(_mm256_xor_si256(_mm256_loadu_si256(x), _mm256_loadu_si256(y)),
+                                      _mm256_xor_si256(_mm256_loadu_si256(x + 1), _mm256_loadu_si256(y + 1))),
+                      _mm256_xor_si256(_mm256_loadu_si256(x + 2), _mm256_loadu_si256(y + 2)));
   return _mm256_testz_si256(diff, diff) != 0;
 }
 
@@ -96,8 +95,9 @@ bool have_ssse3() { return g_have_ssse3; }
 }  // namespace
 
 #ifdef REFGROVE_VECTOR_SCAN
-Tokenizer::FastPath Tokenizer::fast_path_ =
-    !have_ssse3() ? FastPath::kNone : cpu_supports(true) ? FastPath::kAvx2 : FastPath::kBase;
+Tokenizer::FastPath Tokenizer::fast_path_ = !have_ssse3()        ? FastPath::kNone
+                                            : cpu_supports(true) ? FastPath::kAvx2
+                                                                 : FastPath::kBase;
 #else
 Tokenizer::FastPath Tokenizer::fast_path_ = FastPath::kBase;
 #endif
@@ -112,9 +112,9 @@ inline __attribute__((always_inline)) bool Tokenizer::scan_tables_current() cons
   static_assert(offsetof(TokenizerLanguage, comment_chars) ==
                     offsetof(TokenizerLanguage, single_char_tokens) + 2 * sizeof(TokenizerCharSet),
                 "character classes of the language are not contiguous");
-  static_assert(offsetof(ScanTables, comment_chars) ==
-                    offsetof(ScanTables, single_char_tokens) + 2 * sizeof(TokenizerCharSet),
-                "character classes of the tables are not contiguous");
+  static_assert(
+      offsetof(ScanTables, comment_chars) == offsetof(ScanTables, single_char_tokens) + 2 * sizeof(TokenizerCharSet),
+      "character classes of the tables are not contiguous");
   return scan_flags_current() && same_classes(&scan_.single_char_tokens, &language->single_char_tokens);
 }
 
@@ -324,8 +324,7 @@ void Tokenizer::read_number_term(char c) {
   } else if (language->single_char_tokens.contains(ch)) {
     push_char(ch);
   } else {
-    throw error("illegal token_character '" + std::string(1, static_cast<char>(ch)) +
-                "' while reading number");
+    throw error("illegal token_character '" + std::string(1, static_cast<char>(ch)) + "' while reading number");
   }
 }
 
@@ -391,7 +390,7 @@ inline __attribute__((always_inline)) void Tokenizer::set_token(const char* p, s
 #endif
 
 inline REFGROVE_FAST_PATH __attribute__((always_inline)) bool Tokenizer::take_plain_token(const char** text,
-                                                                                     std::size_t* size) {
+                                                                                          std::size_t* size) {
   // Most tokens are a word or a single-character token after a blank or
   // two, with the character that ends the word a blank, a newline or a
   // single-character token, all in the direct characters. This takes such
@@ -448,9 +447,9 @@ inline REFGROVE_FAST_PATH __attribute__((always_inline)) bool Tokenizer::take_pl
   }
   if (kind != kStartWord) return false;
 
-  // A word, and what ends it. What happens then is looked up rather than
-  // decided by branches, which mispredict on text where a word is followed
-  // now by a blank, now by punctuation.
+    // A word, and what ends it. What happens then is looked up rather than
+    // decided by branches, which mispredict on text where a word is followed
+    // now by a blank, now by punctuation.
 #ifdef REFGROVE_VECTOR_SCAN
   const char* q = find_stop(start + 1, end, t.low_hi0, t.low_hi1, t.stop);
 #else

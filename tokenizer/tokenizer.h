@@ -56,17 +56,17 @@ struct TokenAndPos {
 
 class Tokenizer {
  public:
-  const char* file_name;      // for error messages; not owned; null if none
-  std::string token;          // current token; empty: no token left
-  int at_eof;                 // 1 once the source reported its end
-  int pushback_count;         // live entries of `pushback`
-  int char_pushback_count;    // 0 to 2
-  bool space_before;          // white space or a comment before `token`
-  char last_space_char;       // raw form of the last space character read
-  char char_pushback[2];      // pushed-back characters, last in first out
+  const char* file_name;              // for error messages; not owned; null if none
+  std::string token;                  // current token; empty: no token left
+  int at_eof;                         // 1 once the source reported its end
+  int pushback_count;                 // live entries of `pushback`
+  int char_pushback_count;            // 0 to 2
+  bool space_before;                  // white space or a comment before `token`
+  char last_space_char;               // raw form of the last space character read
+  char char_pushback[2];              // pushed-back characters, last in first out
   std::vector<TokenAndPos> pushback;  // token stack; entries past the count are dead
-  TokenizerPos token_pos;     // position of `token`
-  TokenizerPos pos;           // reading position
+  TokenizerPos token_pos;             // position of `token`
+  TokenizerPos pos;                   // reading position
   TokenizerLangHashPtr sub_language;  // selected root, or null: no merging
   TokenizerLanguage* language;        // not owned
 
@@ -189,7 +189,7 @@ class Tokenizer {
 
   // These consume the token when it matches and push it back otherwise.
   bool is_next_token(const char* s);
-  bool is_next_token_uc(const char* s);  // str_i_equals(token, s): a prefix test
+  bool is_next_token_uc(const char* s);     // str_i_equals(token, s): a prefix test
   int is_next_token_in(const char* chars);  // the character, or -1
 
   // These consume the token and throw ParserError when it is wrong.
@@ -357,8 +357,7 @@ inline void Tokenizer::get_token_2() {
   }
   space_before = pending_space_;
   pending_space_ = false;
-  if (plain_hooks_ && fast_path_usable() &&
-      (fast_path_ == FastPath::kAvx2 ? fast_token_avx2() : fast_token())) {
+  if (plain_hooks_ && fast_path_usable() && (fast_path_ == FastPath::kAvx2 ? fast_token_avx2() : fast_token())) {
     return;
   }
   scan_token();

@@ -38,8 +38,7 @@ void TokenizerLangHash::set_elem(TokenizerLangElem* e) {
   elem = e;
 }
 
-void TokenizerLangHash::addLangElem(const std::vector<std::string>& tokens,
-                                    TokenizerLangElem* e, unsigned int i) {
+void TokenizerLangHash::addLangElem(const std::vector<std::string>& tokens, TokenizerLangElem* e, unsigned int i) {
   // Iterative walk. Raw pointers suffice: every node on the path is held by
   // its parent's map, and this node by whoever called us.
   TokenizerLangHash* node = this;
@@ -64,9 +63,7 @@ void TokenizerLanguage::resetCharMaps() {
   comment_chars.clear();
 }
 
-void TokenizerLanguage::initDefaultSingleCharTokens() {
-  single_char_tokens.add_all(",.:;[]{}()+-*/=#<>|^@");
-}
+void TokenizerLanguage::initDefaultSingleCharTokens() { single_char_tokens.add_all(",.:;[]{}()+-*/=#<>|^@"); }
 
 void TokenizerLanguage::initDefaultSpaceTokens() { space_chars.add_all(" \t\n\r"); }
 
@@ -79,8 +76,7 @@ void TokenizerLanguage::addSubLanguages(int n) {
   for (int i = 0; i < n; ++i) sub_languages.emplace_back(new TokenizerLangHash());
 }
 
-void TokenizerLanguage::addLanguageElem(int sub, const std::vector<std::string>& tokens,
-                                        TokenizerLangElem* elem) {
+void TokenizerLanguage::addLanguageElem(int sub, const std::vector<std::string>& tokens, TokenizerLangElem* elem) {
   sub_languages[static_cast<std::size_t>(sub)]->addLangElem(tokens, elem, 0);
 }
 

@@ -84,9 +84,7 @@ class TokenizerLangHashPtr {
   TokenizerLangHashPtr() : node_(nullptr) {}
   explicit TokenizerLangHashPtr(TokenizerLangHash* node);
   TokenizerLangHashPtr(const TokenizerLangHashPtr& other);
-  TokenizerLangHashPtr(TokenizerLangHashPtr&& other) noexcept : node_(other.node_) {
-    other.node_ = nullptr;
-  }
+  TokenizerLangHashPtr(TokenizerLangHashPtr&& other) noexcept : node_(other.node_) { other.node_ = nullptr; }
   TokenizerLangHashPtr& operator=(const TokenizerLangHashPtr& other);
   TokenizerLangHashPtr& operator=(TokenizerLangHashPtr&& other) noexcept;
   ~TokenizerLangHashPtr() { release(); }
@@ -107,8 +105,7 @@ class TokenizerLangHashPtr {
 // project-wide name hash. try_add() finds or creates the value for a key; it
 // is defined for the values that know how to make themselves from a key.
 template <class Value>
-class StringKeyHash
-    : public std::unordered_map<std::string, Value, hash_name_hash_key, eq_name_hash_key> {
+class StringKeyHash : public std::unordered_map<std::string, Value, hash_name_hash_key, eq_name_hash_key> {
  public:
   Value try_add(const std::string& key);
 };
@@ -196,8 +193,7 @@ inline TokenizerLangHashPtr::TokenizerLangHashPtr(TokenizerLangHash* node) : nod
   if (node_ != nullptr) ++node_->refcount;
 }
 
-inline TokenizerLangHashPtr::TokenizerLangHashPtr(const TokenizerLangHashPtr& other)
-    : node_(other.node_) {
+inline TokenizerLangHashPtr::TokenizerLangHashPtr(const TokenizerLangHashPtr& other) : node_(other.node_) {
   if (node_ != nullptr) ++node_->refcount;
 }
 

@@ -179,9 +179,7 @@ double Tokenizer::next_double() {
   return std::strtod(token.c_str(), nullptr);
 }
 
-ParserError Tokenizer::error(const std::string& message) const {
-  return ParserError(message, token_pos, file_name);
-}
+ParserError Tokenizer::error(const std::string& message) const { return ParserError(message, token_pos, file_name); }
 
 ParserError Tokenizer::error(const TokenizerPos& at, const std::string& message) const {
   return ParserError(message, at, file_name);

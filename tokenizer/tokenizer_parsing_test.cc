@@ -68,19 +68,57 @@ TEST(ParsingTest, Errors) {
   };
   const Case cases[] = {
       {"Authors", [](Tokenizer& t) { t.ensure_next_token("Title"); }, "expected 'Title', found 'Authors' at 1:0"},
-      {"x ab", [](Tokenizer& t) { t.next_token(); t.ensure_next_token_in(",;"); },
+      {"x ab",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.ensure_next_token_in(",;");
+       },
        "expected one of ',;', found 'ab' at 1:2"},
       // Reported at the token before the list.
-      {"x\n: ;", [](Tokenizer& t) { t.next_token(); t.ensure_next_token_list("::"); }, "expected :: at 1:0"},
-      {"x :", [](Tokenizer& t) { t.next_token(); t.ensure_next_token_list("::"); }, "unexpected end of file at 1:2"},
+      {"x\n: ;",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.ensure_next_token_list("::");
+       },
+       "expected :: at 1:0"},
+      {"x :",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.ensure_next_token_list("::");
+       },
+       "unexpected end of file at 1:2"},
       {"12abc", [](Tokenizer& t) { t.next_integer(); }, "expected integer, not '12abc' at 1:0"},
-      {"a -", [](Tokenizer& t) { t.next_token(); t.next_integer(); }, "expected integer, not '-' at 1:2"},
+      {"a -",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.next_integer();
+       },
+       "expected integer, not '-' at 1:2"},
       // Errors name the file being read.
-      {"", [](Tokenizer& t) { t.file_name = "in.txt"; t.next_token(); },
+      {"",
+       [](Tokenizer& t) {
+         t.file_name = "in.txt";
+         t.next_token();
+       },
        "unexpected end of file at 0:-1, while reading 'in.txt'"},
-      {"a", [](Tokenizer& t) { t.next_token(); t.is_next_token("a"); }, "unexpected end of file at 1:0"},
-      {"a", [](Tokenizer& t) { t.next_token(); t.peek_token(&t.token); }, "unexpected end of file at 1:0"},
-      {"a", [](Tokenizer& t) { t.next_token(); t.next_double(); }, "unexpected end of file at 1:0"},
+      {"a",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.is_next_token("a");
+       },
+       "unexpected end of file at 1:0"},
+      {"a",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.peek_token(&t.token);
+       },
+       "unexpected end of file at 1:0"},
+      {"a",
+       [](Tokenizer& t) {
+         t.next_token();
+         t.next_double();
+       },
+       "unexpected end of file at 1:0"},
   };
   for (const Case& c : cases) {
     std::unique_ptr<TokenizerLanguage> lang = MakeLanguage(Lang::kBare);
@@ -98,9 +136,17 @@ TEST(ParsingTest, Integers) {
   };
   const Case cases[] = {
       // Whole numbers, clamped out of range as a 32-bit strtol does; then the others, with their leading digits.
-      {"42", true, 42}, {"+7", true, 7}, {"-0012", true, -12}, {"2147483647", true, INT_MAX},
-      {"2147483648", true, INT_MAX}, {"-2147483649", true, INT_MIN}, {"99999999999999999999999", true, INT_MAX},
-      {"12abc", false, 12}, {"x", false, 0}, {"-", false, 0}, {"1.5", false, 1},
+      {"42", true, 42},
+      {"+7", true, 7},
+      {"-0012", true, -12},
+      {"2147483647", true, INT_MAX},
+      {"2147483648", true, INT_MAX},
+      {"-2147483649", true, INT_MIN},
+      {"99999999999999999999999", true, INT_MAX},
+      {"12abc", false, 12},
+      {"x", false, 0},
+      {"-", false, 0},
+      {"1.5", false, 1},
   };
   TokenizerLanguage lang;  // no single-character tokens: "+7" is one token
   lang.strings = 0;
@@ -138,15 +184,33 @@ TEST(ParsingTest, RandomOperationSequencesStaySafe) {
     for (int step = 0; step < 40; ++step) {
       try {
         switch (rng() % 9) {
-          case 0: t.has_more_tokens(); break;
-          case 1: t.try_next_token(); break;
-          case 2: t.pushback_token(); break;
-          case 3: if (t.has_more_tokens()) t.peek_token(&s); break;
-          case 4: t.try_next_integer(&v); break;
-          case 5: t.is_next_token("a"); break;
-          case 6: t.read_line(); break;
-          case 7: if (!lang->sub_languages.empty()) t.try_find_lang_elem(0); break;
-          default: t.is_next_token_in(".:"); break;
+          case 0:
+            t.has_more_tokens();
+            break;
+          case 1:
+            t.try_next_token();
+            break;
+          case 2:
+            t.pushback_token();
+            break;
+          case 3:
+            if (t.has_more_tokens()) t.peek_token(&s);
+            break;
+          case 4:
+            t.try_next_integer(&v);
+            break;
+          case 5:
+            t.is_next_token("a");
+            break;
+          case 6:
+            t.read_line();
+            break;
+          case 7:
+            if (!lang->sub_languages.empty()) t.try_find_lang_elem(0);
+            break;
+          default:
+            t.is_next_token_in(".:");
+            break;
         }
       } catch (const ParserError&) {
       }

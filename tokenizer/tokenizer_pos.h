@@ -31,9 +31,7 @@ class TokenizerPos {
     column = 0;
   }
 
-  bool equals(const TokenizerPos& other) const {
-    return column == other.column && row == other.row;
-  }
+  bool equals(const TokenizerPos& other) const { return column == other.column && row == other.row; }
 
   // "row:column-1", or "?:?" when both fields are negative. No padding and
   // no line end.

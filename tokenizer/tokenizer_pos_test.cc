@@ -34,8 +34,9 @@ TEST(TokenizerPosTest, WriteAndGetString) {
   const Case cases[] = {
       // getString right-aligns the row and left-aligns the column, without padding when too narrow; write prints
       // "?:?" only when both fields are unknown. The column counter runs one ahead: 0 is the start of a line.
-      {TokenizerPos(), 2, 2, "?:?", " ?:? "}, {At(3, 5), 4, 3, "3:4", "   3:4  "}, {At(123, 1), 1, 1, "123:0", "123:0"},
-      {At(1, 0), 0, 0, "1:-1", "1:-1"}, {At(-10, 4), 3, 1, "-10:3", "  ?:3"}, {At(7, -1), 1, 2, "7:-2", "7:? "},
+      {TokenizerPos(), 2, 2, "?:?", " ?:? "}, {At(3, 5), 4, 3, "3:4", "   3:4  "},
+      {At(123, 1), 1, 1, "123:0", "123:0"},   {At(1, 0), 0, 0, "1:-1", "1:-1"},
+      {At(-10, 4), 3, 1, "-10:3", "  ?:3"},   {At(7, -1), 1, 2, "7:-2", "7:? "},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(Printed(c.pos), c.written) << c.written;
@@ -64,10 +65,9 @@ TEST(StringHelpersTest, TestsAndEdits) {
     const char* s;
     bool integer, floating;
   } numbers[] = {
-      {"", false, false},     {"0", true, true},      {"-", true, true},     {"+", true, true},
-      {"1-", false, true},    {"-12", true, true},    {"+-1", false, true},  {"E", false, true},
-      {"1.5x", false, false}, {"1e2e3", false, true}, {"..", false, true},   {" 1", false, false},
-      {"12a", false, false},  {"1.5", false, true},
+      {"", false, false},  {"0", true, true},    {"-", true, true},     {"+", true, true},      {"1-", false, true},
+      {"-12", true, true}, {"+-1", false, true}, {"E", false, true},    {"1.5x", false, false}, {"1e2e3", false, true},
+      {"..", false, true}, {" 1", false, false}, {"12a", false, false}, {"1.5", false, true},
   };
   for (const auto& c : numbers) {
     EXPECT_EQ(is_integer(c.s), c.integer) << '"' << c.s << '"';
@@ -89,7 +89,7 @@ TEST(StringHelpersTest, TestsAndEdits) {
     const char* t;
     bool equal;
   } prefixes[] = {
-      {"abc", "ABCDEF", true}, {"abc", "AB", false},  {"to", "TOKEN", true}, {"", "anything", true},
+      {"abc", "ABCDEF", true}, {"abc", "AB", false},   {"to", "TOKEN", true}, {"", "anything", true},
       {"ti", "Title", true},   {"tx", "Title", false}, {"a", "", false},
   };
   for (const auto& c : prefixes) EXPECT_EQ(str_i_equals(c.s, c.t), c.equal) << c.s << " / " << c.t;

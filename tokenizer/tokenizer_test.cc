@@ -54,44 +54,66 @@ struct ScanCase {
 // after the character read beyond it (".@1:2" in "3.x", "*@1:1" in "/*").
 const ScanCase kScanCases[] = {
     // Words, single-character tokens and white space; in a stream NUL is a word character.
-    {"", Lang::kDefault, ""}, {"  \n\t ", Lang::kDefault, ""}, {"a  b\n c", Lang::kDefault, "a@1:0 | _b@1:3 | _c@2:1"},
+    {"", Lang::kDefault, ""},
+    {"  \n\t ", Lang::kDefault, ""},
+    {"a  b\n c", Lang::kDefault, "a@1:0 | _b@1:3 | _c@2:1"},
     {"f(x,y);", Lang::kDefault, "f@1:0 | (@1:1 | x@1:2 | ,@1:3 | y@1:4 | )@1:5 | ;@1:6"},
-    {"a'b\"c!d$", Lang::kDefault, "a'b\"c!d$@1:0"}, {"a\r\nb", Lang::kDefault, "a@1:0 | _b@2:0"},
+    {"a'b\"c!d$", Lang::kDefault, "a'b\"c!d$@1:0"},
+    {"a\r\nb", Lang::kDefault, "a@1:0 | _b@2:0"},
     {"caf\xc3\xa9 x", Lang::kDefault, "caf\\xc3\\xa9@1:0 | _x@1:6"},
     {std::string("a\0b c", 5), Lang::kDefault, "a\\x00b@1:0 | _c@1:4"},
     // Tabs move to the next multiple of 8, also from the column just before one.
-    {"abc\tx", Lang::kDefault, "abc@1:0 | _x@1:8"}, {"abcdefg\tx", Lang::kDefault, "abcdefg@1:0 | _x@1:8"},
+    {"abc\tx", Lang::kDefault, "abc@1:0 | _x@1:8"},
+    {"abcdefg\tx", Lang::kDefault, "abcdefg@1:0 | _x@1:8"},
     {"abcdefgh\tx", Lang::kDefault, "abcdefgh@1:0 | _x@1:16"},
     // Without space characters only the blank separates; tab and newline are word characters that move the position.
-    {"a,b", Lang::kBare, "a,b@1:0"}, {"a\tb c", Lang::kBare, "a\\tb@1:0 | _c@1:10"},
+    {"a,b", Lang::kBare, "a,b@1:0"},
+    {"a\tb c", Lang::kBare, "a\\tb@1:0 | _c@1:10"},
     {"a\nb c", Lang::kBare, "a\\nb@1:0 | _c@2:2"},
     // Newline as a token.
-    {"a\nb", Lang::kLines, "a@1:0 | \\n@2:-1 | b@2:0"}, {"a % x\nb", Lang::kLines, "a@1:0 | _\\n@2:-1 | b@2:0"},
+    {"a\nb", Lang::kLines, "a@1:0 | \\n@2:-1 | b@2:0"},
+    {"a % x\nb", Lang::kLines, "a@1:0 | _\\n@2:-1 | b@2:0"},
     // Numbers.
     {"x=12.5e-3;", Lang::kNumbers, "x@1:0 | =@1:1 | 12.5e-3@1:2 | ;@1:9"},
-    {"3.x", Lang::kNumbers, "3@1:0 | .@1:2 | x@1:2"}, {"a.b", Lang::kNumbers, "a@1:0 | .@1:1 | b@1:2"},
-    {"1.2.3", Lang::kNumbers, "1.2@1:0 | .@1:3 | 3@1:4"}, {"1.", Lang::kNumbers, "1@1:0"},
-    {"1. 2", Lang::kNumbers, "1@1:0 | .@1:2 | _2@1:3"}, {"1.5e+-3 x", Lang::kNumbers, "1.5e+-3@1:0 | _x@1:8"},
-    {"1.5e", Lang::kNumbers, "1.5e@1:0"}, {"12.5E-3)", Lang::kNumbers, "12.5E-3@1:0 | )@1:7"},
-    {"-1.5", Lang::kNumbers, "-@1:0 | 1.5@1:1"}, {"1.5", Lang::kDefault, "1@1:0 | .@1:1 | 5@1:2"},
+    {"3.x", Lang::kNumbers, "3@1:0 | .@1:2 | x@1:2"},
+    {"a.b", Lang::kNumbers, "a@1:0 | .@1:1 | b@1:2"},
+    {"1.2.3", Lang::kNumbers, "1.2@1:0 | .@1:3 | 3@1:4"},
+    {"1.", Lang::kNumbers, "1@1:0"},
+    {"1. 2", Lang::kNumbers, "1@1:0 | .@1:2 | _2@1:3"},
+    {"1.5e+-3 x", Lang::kNumbers, "1.5e+-3@1:0 | _x@1:8"},
+    {"1.5e", Lang::kNumbers, "1.5e@1:0"},
+    {"12.5E-3)", Lang::kNumbers, "12.5E-3@1:0 | )@1:7"},
+    {"-1.5", Lang::kNumbers, "-@1:0 | 1.5@1:1"},
+    {"1.5", Lang::kDefault, "1@1:0 | .@1:1 | 5@1:2"},
     // Strings keep their quotes and escapes.
-    {"'it''s'", Lang::kDefault, "'it''s'@1:0"}, {"\"it\"\"s\"", Lang::kDefault, "\"it\"@1:0 | \"s\"@1:4"},
-    {"'a\\\\' b", Lang::kDefault, "'a\\\\'@1:0 | _b@1:6"}, {"'a\\'b' c", Lang::kDefault, "'a\\'b'@1:0 | _c@1:7"},
-    {"x'a b'", Lang::kDefault, "x'a@1:0 | _b'@1:4"}, {"'a b',", Lang::kDefault, "'a b'@1:0 | ,@1:5"},
+    {"'it''s'", Lang::kDefault, "'it''s'@1:0"},
+    {"\"it\"\"s\"", Lang::kDefault, "\"it\"@1:0 | \"s\"@1:4"},
+    {"'a\\\\' b", Lang::kDefault, "'a\\\\'@1:0 | _b@1:6"},
+    {"'a\\'b' c", Lang::kDefault, "'a\\'b'@1:0 | _c@1:7"},
+    {"x'a b'", Lang::kDefault, "x'a@1:0 | _b'@1:4"},
+    {"'a b',", Lang::kDefault, "'a b'@1:0 | ,@1:5"},
     {"\"a\\\"b\" c", Lang::kDefault, "\"a\\\"b\"@1:0 | _c@1:7"},
     // Comments; with them off, "/" and "*" are tokens.
-    {"a // c\nb", Lang::kComments, "a@1:0 | _b@2:0"}, {"a // c", Lang::kComments, "a@1:0"},
-    {"a/*x*/b", Lang::kComments, "a@1:0 | _b@1:6"}, {"/*/ x */y", Lang::kComments, "_y@1:8"},
-    {"/**/x", Lang::kComments, "_x@1:4"}, {"a%c\nb", Lang::kComments, "a%c@1:0 | _b@2:0"},
+    {"a // c\nb", Lang::kComments, "a@1:0 | _b@2:0"},
+    {"a // c", Lang::kComments, "a@1:0"},
+    {"a/*x*/b", Lang::kComments, "a@1:0 | _b@1:6"},
+    {"/*/ x */y", Lang::kComments, "_y@1:8"},
+    {"/**/x", Lang::kComments, "_x@1:4"},
+    {"a%c\nb", Lang::kComments, "a%c@1:0 | _b@2:0"},
     {"x=1 % rest\ny", Lang::kComments, "x@1:0 | =@1:1 | 1@1:2 | _y@2:0"},
     {"/* no end", Lang::kDefault, "/@1:1 | *@1:1 | _no@1:3 | _end@1:6"},
     {"a // c", Lang::kDefault, "a@1:0 | _/@1:3 | /@1:4 | _c@1:5"},
     // Elements. Merging never restores space_before, so a token that failed to merge carries the look-ahead's flag.
-    {"Title:", Lang::kElements, "Title:@1:0"}, {"Title :", Lang::kElements, "_Title@1:0 | _:@1:6"},
-    {"Title  :", Lang::kElements, "_Title@1:0 | _:@1:7"}, {"Title", Lang::kElements, "Title@1:0"},
-    {"Title:x", Lang::kElements, "Title:@1:0 | x@1:6"}, {"x foo", Lang::kElements, "_x@1:2 | _foo@1:2"},
-    {"a:b:c", Lang::kElements, "a:b:c@1:0"}, {"a:b:x", Lang::kElements, "a@1:0 | :@1:1 | b@1:2 | :@1:3 | x@1:4"},
-    {"<=", Lang::kElements, "<=@1:0"}, {"< =", Lang::kElements, "_<@1:0 | _=@1:2"},
+    {"Title:", Lang::kElements, "Title:@1:0"},
+    {"Title :", Lang::kElements, "_Title@1:0 | _:@1:6"},
+    {"Title  :", Lang::kElements, "_Title@1:0 | _:@1:7"},
+    {"Title", Lang::kElements, "Title@1:0"},
+    {"Title:x", Lang::kElements, "Title:@1:0 | x@1:6"},
+    {"x foo", Lang::kElements, "_x@1:2 | _foo@1:2"},
+    {"a:b:c", Lang::kElements, "a:b:c@1:0"},
+    {"a:b:x", Lang::kElements, "a@1:0 | :@1:1 | b@1:2 | :@1:3 | x@1:4"},
+    {"<=", Lang::kElements, "<=@1:0"},
+    {"< =", Lang::kElements, "_<@1:0 | _=@1:2"},
     {"Authors: Title:", Lang::kElements, "_Authors:@1:0 | Title:@1:9"},
     {"Authors:/*c*/x", Lang::kElements, "Authors:@1:0 | /@1:9 | *@1:9 | c@1:10 | *@1:11 | /@1:13 | x@1:13"},
     // Errors end the listing.
@@ -119,7 +141,10 @@ TEST(ScannerTest, HighBytesInCharacterClasses) {
   TokenizerLanguage lang;
   lang.space_chars.add(0xFF);
   lang.single_char_tokens.add(0x80);
-  std::istringstream in("a\xff" "b\x80" "c");
+  std::istringstream in(
+      "a\xff"
+      "b\x80"
+      "c");
   StreamTokenizer t(&in, &lang);
   EXPECT_EQ(Tokens(t), "a@1:0 | _b@1:2 | \\x80@1:3 | c@1:4");
   EXPECT_EQ(static_cast<unsigned char>(t.last_space_char), 0xFF);
@@ -133,8 +158,7 @@ TEST(ScannerTest, StreamAndStringSourcesAgreeOnRandomInput) {
     std::string input;
     const int n = static_cast<int>(rng() % 80);
     for (int i = 0; i < n; ++i) input += alphabet[rng() % alphabet.size()];
-    for (Lang kind : {Lang::kBare, Lang::kDefault, Lang::kNumbers, Lang::kComments, Lang::kLines,
-                      Lang::kElements}) {
+    for (Lang kind : {Lang::kBare, Lang::kDefault, Lang::kNumbers, Lang::kComments, Lang::kLines, Lang::kElements}) {
       const std::string expected = Scan(input, kind, Source::kCharByChar);
       ASSERT_EQ(Scan(input, kind, Source::kStream), expected) << "input: \"" << Escape(input) << '"';
       ASSERT_EQ(Scan(input, kind, Source::kString), expected) << "input: \"" << Escape(input) << '"';
@@ -200,8 +224,8 @@ std::string Drive(Tokenizer& t, unsigned seed, const std::string& alphabet) {
         t.pushback_token();
         out << "p";
       }
-      out << ' ' << t.pos.row << ':' << t.pos.column << ' ' << static_cast<int>(t.last_space_char) << ' '
-          << t.at_eof << t.char_pushback_count << t.stream_ok() << '\n';
+      out << ' ' << t.pos.row << ':' << t.pos.column << ' ' << static_cast<int>(t.last_space_char) << ' ' << t.at_eof
+          << t.char_pushback_count << t.stream_ok() << '\n';
     }
   } catch (const ParserError& e) {
     out << "!" << e.message << '@' << PosText(e.pos);

@@ -58,9 +58,11 @@ void add_check_command(CLI::App& app, CommandContext& ctx) {
       app.add_subcommand("check", "report what is inconsistent in a data directory, with files and offsets");
   cmd->footer(kHelp);
   auto dir = std::make_shared<std::string>();
-  cmd->add_option("DIR", *dir, "the data directory")->required()->check(CLI::Validator(
-      [](const std::string& s) { return s.empty() ? std::string("an empty directory name") : std::string(); },
-      "", "non-empty"));
+  cmd->add_option("DIR", *dir, "the data directory")
+      ->required()
+      ->check(CLI::Validator(
+          [](const std::string& s) { return s.empty() ? std::string("an empty directory name") : std::string(); }, "",
+          "non-empty"));
   cmd->callback([&ctx, dir] { ctx.status = check_dir(*dir, ctx.out, ctx.err); });
 }
 

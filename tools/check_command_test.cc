@@ -34,9 +34,11 @@ TEST(CheckCommandTest, CleanThenDamagedDirectory) {
   write_data_files(d, files);
   r = check({d});
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.out, d + "word-idx at offset 8: the size 12 is not a multiple of 8: the last 4 bytes are not a whole "
+  EXPECT_EQ(r.out, d +
+                       "word-idx at offset 8: the size 12 is not a multiple of 8: the last 4 bytes are not a whole "
                        "document header.\n" +
-                       d + "word-idx at offset 0: the last header has DID 7, not the end sentinel's -1: the sentinel "
+                       d +
+                       "word-idx at offset 0: the last header has DID 7, not the end sentinel's -1: the sentinel "
                        "is missing or the file is cut short.\n" +
                        d + "graph_data: the file is missing or cannot be read.\n3 problems found in " + d + ".\n");
 }
@@ -51,9 +53,11 @@ TEST(CheckCommandTest, FilesFromAnotherRunAreFound) {
   write_file(dir.path() + "graph_data", read_file(other.path() + "graph_data"));
   const ToolRun r = check({dir.path()});
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.out, dir.path() + "graph_data: the file is not the one refgrove-manifest.json lists (size 56, listed "
-                                "56; the checksum differs): the files come from different runs, or this one was "
-                                "changed since.\n1 problem found in " + dir.path() + ".\n");
+  EXPECT_EQ(r.out, dir.path() +
+                       "graph_data: the file is not the one refgrove-manifest.json lists (size 56, listed "
+                       "56; the checksum differs): the files come from different runs, or this one was "
+                       "changed since.\n1 problem found in " +
+                       dir.path() + ".\n");
 }
 
 TEST(CheckCommandTest, UsageErrorsExitTwo) {

@@ -6,10 +6,10 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <stdexcept>
-#include <string_view>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/data_set.h"
@@ -150,8 +150,8 @@ const QueryOp kQueryOps[] = {
      [](const RefgroveData& d, const int*, std::ostream& out) {
        int headers = 0, words = 0, authors = 0;
        refgrove::stats(&d, &headers, &words, &authors);
-       out << "word-idx headers " << headers << " (the end sentinel included), distinct words " << words
-           << ", authors " << authors << "\n";
+       out << "word-idx headers " << headers << " (the end sentinel included), distinct words " << words << ", authors "
+           << authors << "\n";
        return true;
      }},
     {"author_distance", "distance of two authors (always 0 for now)",

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "core/data_set.h"
+#include "generate/dump_generator.h"
 #include "testing/data_dir_builder.h"
 #include "tools/tool_test_util.h"
-#include "generate/dump_generator.h"
 
 namespace refgrove {
 
@@ -45,31 +45,42 @@ TEST(DataCommandsTest, Commands) {
       // The stats of the whole directory cover each of its four files.
       // The stats of the whole directory cover each of its four files; the
       // module's document count is that of the word-idx headers.
-      {{"stats", "DATA"}, 0,
+      {{"stats", "DATA"},
+       0,
        "graph records        3\ndocuments with words 3 (word-idx headers but the end sentinel)\n"
        "word-idx headers     4 (the end sentinel included: query stats counts these)\n"
        "distinct words       9\nauthors              2\n"
        "citations            3\ntitle words          5\nabstract words       8\nlargest DID          3\n"},
       {{"query", "DATA", "stats"}, 0, "word-idx headers 4 (the end sentinel included), distinct words 9, authors 2\n"},
-      {{"query", "DATA", "key", "1"}, 0, "lee98\n"},              {{"query", "DATA", "key", "2"}, 0, "\n"},
-      {{"query", "DATA", "key", "9"}, 1, ""},                     {{"query", "DATA", "year", "2"}, 0, "-1\n"},
-      {{"query", "DATA", "cite", "3", "1"}, 0, "2 41\n"},         {{"query", "DATA", "cite", "3", "2"}, 1, ""},
-      {{"query", "DATA", "title_word", "1", "1"}, 0, "graphs\n"}, {{"query", "DATA", "authors", "2"}, 0, "0 1\n"},
-      {{"query", "DATA", "author", "2", "1"}, 0, "B. Ray\n"},     {{"query", "DATA", "word", "1", "3"}, 0, ".\n"},
-      {{"query", "DATA", "has_word_info", "4"}, 0, "0\n"},        {{"query", "DATA", "id2author", "0"}, 0, "A. Lee\n"},
-      {{"query", "DATA", "nb_authors"}, 0, "2\n"},                {{"query", "DATA", "last_did"}, 0, "4\n"},
-      {{"query", "DATA", "author_distance", "0", "1"}, 0, "0\n"}, {{"query", "DATA", "author_distance", "0"}, 2},
+      {{"query", "DATA", "key", "1"}, 0, "lee98\n"},
+      {{"query", "DATA", "key", "2"}, 0, "\n"},
+      {{"query", "DATA", "key", "9"}, 1, ""},
+      {{"query", "DATA", "year", "2"}, 0, "-1\n"},
+      {{"query", "DATA", "cite", "3", "1"}, 0, "2 41\n"},
+      {{"query", "DATA", "cite", "3", "2"}, 1, ""},
+      {{"query", "DATA", "title_word", "1", "1"}, 0, "graphs\n"},
+      {{"query", "DATA", "authors", "2"}, 0, "0 1\n"},
+      {{"query", "DATA", "author", "2", "1"}, 0, "B. Ray\n"},
+      {{"query", "DATA", "word", "1", "3"}, 0, ".\n"},
+      {{"query", "DATA", "has_word_info", "4"}, 0, "0\n"},
+      {{"query", "DATA", "id2author", "0"}, 0, "A. Lee\n"},
+      {{"query", "DATA", "nb_authors"}, 0, "2\n"},
+      {{"query", "DATA", "last_did"}, 0, "4\n"},
+      {{"query", "DATA", "author_distance", "0", "1"}, 0, "0\n"},
+      {{"query", "DATA", "author_distance", "0"}, 2},
       {{"query", "DATA", "authors", "2", "0"}, 2},
       // The word count is the distance of two byte offsets read as a count of
       // word ids: 12 for 4 words, of which the 8 in the file are printed.
-      {{"printdoc", "DATA", "1"}, 0,
+      {{"printdoc", "DATA", "1"},
+       0,
        "Document 0 - DID=1 - # words=12\n# Authors = 1\nA. Lee\ntitle: abstract:\n"
        "We sort graphs . Graphs , again Trees \n",
        "Sorting graphs \n"},
       // show: the document's own abstract (printdoc reads the offset of
       // word-idx as a count, so for DID 2 it would print other words), and
       // the documents on both sides of its citations with their titles.
-      {{"show", "DATA", "2", "7", "3"}, 1,
+      {{"show", "DATA", "2", "7", "3"},
+       1,
        "DID      2\nkey      (none)\nyear     (none)\ntitle    Graphs again\nauthors  A. Lee; B. Ray\n"
        "abstract Graphs , again\ncites 1\n  1 lee98: Sorting graphs\ncited by 1\n  3 ray01: Trees\n\n"
        "DID      3\nkey      ray01\nyear     2001\ntitle    Trees\nauthors  B. Ray\nabstract Trees\n"
@@ -98,12 +109,26 @@ TEST(DataCommandsTest, Commands) {
       {{"key-docs", "DATA", "-"}, 1, "", "refgrove key-docs: no document with key -\n"},
       {{"--version"}, 0, "refgrove " REFGROVE_VERSION "\n"},
       // Usage errors, and directories that cannot be read (IN is not a data directory).
-      {{}, 2}, {{"bogus"}, 2}, {{"cited-by", "DATA", "x"}, 2}, {{"key-docs", "DATA"}, 2},
-      {{"query"}, 2}, {{"query", "DATA"}, 2}, {{"query", "DATA", "nonsense"}, 2}, {{"query", "DATA", "cite", "1"}, 2},
-      {{"query", "DATA", "year", "x1"}, 2}, {{"query", "--bogus", "DATA", "last_did"}, 2},
-      {{"query", "IN", "last_did"}, 1}, {{"printdoc", "DATA"}, 2}, {{"author", "DATA", "1.5"}, 2}, {{"stats"}, 2},
-      {{"stats", "DATA", "extra"}, 2}, {{"preprocess", "IN"}, 2}, {{"preprocess", "/nonexistent/refgrove", "OUT"}, 1},
-      {{"generate", "OUT"}, 2}, {{"generate", "--docs", "-3", "OUT"}, 2}, {{"generate", "--docs", "x", "OUT"}, 2},
+      {{}, 2},
+      {{"bogus"}, 2},
+      {{"cited-by", "DATA", "x"}, 2},
+      {{"key-docs", "DATA"}, 2},
+      {{"query"}, 2},
+      {{"query", "DATA"}, 2},
+      {{"query", "DATA", "nonsense"}, 2},
+      {{"query", "DATA", "cite", "1"}, 2},
+      {{"query", "DATA", "year", "x1"}, 2},
+      {{"query", "--bogus", "DATA", "last_did"}, 2},
+      {{"query", "IN", "last_did"}, 1},
+      {{"printdoc", "DATA"}, 2},
+      {{"author", "DATA", "1.5"}, 2},
+      {{"stats"}, 2},
+      {{"stats", "DATA", "extra"}, 2},
+      {{"preprocess", "IN"}, 2},
+      {{"preprocess", "/nonexistent/refgrove", "OUT"}, 1},
+      {{"generate", "OUT"}, 2},
+      {{"generate", "--docs", "-3", "OUT"}, 2},
+      {{"generate", "--docs", "x", "OUT"}, 2},
       {{"query", "--help"}, 0},
       {{"generate", "--help"}, 0},
   };

@@ -42,7 +42,7 @@ class InterruptCleanup {
   [[noreturn]] void clean_up_and_exit(int signal);
 
   sigset_t signals_, old_mask_;  // signals_: SIGINT, SIGTERM and the wake-up
-  std::mutex mutex_;  // guards the two paths, held while the files are moved
+  std::mutex mutex_;             // guards the two paths, held while the files are moved
   std::string staging_dir_, lock_file_;
   std::atomic<bool> stop_{false};
   std::thread watcher_;

@@ -81,28 +81,37 @@ void add_lookup(CLI::App& app, CommandContext& ctx, const Lookup<Arg>& lookup, b
   });
 }
 
-const Lookup<int> kCitedBy = {
-    "cited-by", "list the documents citing documents, by DID",
-    "Prints, for each DID, the DIDs of the graph records citing it, in\n"
-    "ascending order; a record citing it twice is listed twice. Exit status 1\n"
-    "when a DID is cited by none.",
-    "DID", "no document cites", refgrove::cited_by_count, refgrove::get_cited_by};
+const Lookup<int> kCitedBy = {"cited-by",
+                              "list the documents citing documents, by DID",
+                              "Prints, for each DID, the DIDs of the graph records citing it, in\n"
+                              "ascending order; a record citing it twice is listed twice. Exit status 1\n"
+                              "when a DID is cited by none.",
+                              "DID",
+                              "no document cites",
+                              refgrove::cited_by_count,
+                              refgrove::get_cited_by};
 
-const Lookup<int> kAuthorDocs = {
-    "author-docs", "list the documents of authors, by author id",
-    "Prints, for each author id, the DIDs of the documents listing the\n"
-    "author, in ascending order. --name NAME (repeatable) adds the authors\n"
-    "named NAME, ignoring case and accents, or, for NAME*, those whose name\n"
-    "starts with NAME. Exit status 1 when an author has none or a name names\n"
-    "no author.",
-    "ID", "no document by author", refgrove::author_doc_count, refgrove::get_author_doc};
+const Lookup<int> kAuthorDocs = {"author-docs",
+                                 "list the documents of authors, by author id",
+                                 "Prints, for each author id, the DIDs of the documents listing the\n"
+                                 "author, in ascending order. --name NAME (repeatable) adds the authors\n"
+                                 "named NAME, ignoring case and accents, or, for NAME*, those whose name\n"
+                                 "starts with NAME. Exit status 1 when an author has none or a name names\n"
+                                 "no author.",
+                                 "ID",
+                                 "no document by author",
+                                 refgrove::author_doc_count,
+                                 refgrove::get_author_doc};
 
-const Lookup<const char*> kKeyDocs = {
-    "key-docs", "list the documents with keys",
-    "Prints, for each key, the DIDs of the documents with that key, in\n"
-    "ascending order (\"-\" and the empty key stand for no key and match\n"
-    "nothing). Exit status 1 when no document has a key.",
-    "KEY", "no document with key", refgrove::key_doc_count, refgrove::get_key_doc};
+const Lookup<const char*> kKeyDocs = {"key-docs",
+                                      "list the documents with keys",
+                                      "Prints, for each key, the DIDs of the documents with that key, in\n"
+                                      "ascending order (\"-\" and the empty key stand for no key and match\n"
+                                      "nothing). Exit status 1 when no document has a key.",
+                                      "KEY",
+                                      "no document with key",
+                                      refgrove::key_doc_count,
+                                      refgrove::get_key_doc};
 
 }  // namespace
 

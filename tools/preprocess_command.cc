@@ -1,7 +1,7 @@
 // `refgrove preprocess [-v] IN_DIR OUT_DIR`: the text dumps of IN_DIR into the
 // data directory OUT_DIR, safely (see safe_preprocess.h).
-#include <CLI/CLI.hpp>
 #include <unistd.h>
+#include <CLI/CLI.hpp>
 
 #include <memory>
 #include <string>

@@ -33,7 +33,8 @@ std::string duration(double seconds) {
 }  // namespace
 
 std::string progress_line(std::uint64_t read, std::uint64_t total, double seconds) {
-  if (read >= total && total > 0) return "read " + megabytes(static_cast<double>(total)) + "; writing the data directory";
+  if (read >= total && total > 0)
+    return "read " + megabytes(static_cast<double>(total)) + "; writing the data directory";
   const int percent = total > 0 ? static_cast<int>(100.0 * static_cast<double>(read) / static_cast<double>(total)) : 0;
   std::string line = "reading the dumps: " + std::to_string(percent) + "% of " + megabytes(static_cast<double>(total));
   if (read == 0 || seconds <= 0) return line;
@@ -50,11 +51,9 @@ bool log_is_due(std::uint64_t read, std::uint64_t total, int* logged_tenths) {
 
 ProgressDisplay::ProgressDisplay(const std::atomic<std::uint64_t>& bytes_read, std::uint64_t total_bytes,
                                  std::ostream& out, Style style)
-    : bytes_read_(bytes_read),
-      total_bytes_(total_bytes),
-      out_(out),
-      style_(style),
-      thread_([this] { show_until_stopped(); }) {}
+    : bytes_read_(bytes_read), total_bytes_(total_bytes), out_(out), style_(style), thread_([this] {
+        show_until_stopped();
+      }) {}
 
 ProgressDisplay::~ProgressDisplay() {
   {

@@ -32,9 +32,9 @@ TEST(ProgressDisplayTest, LogLinesAtEachTenth) {
     bool due;
     int logged_after;
   } cases[] = {
-      {-1, 0, 100, true, 0},    {0, 9, 100, false, 0},     {0, 10, 100, true, 1},   {1, 19, 100, false, 1},
-      {1, 55, 100, true, 5},    {5, 100, 100, true, 10},   {10, 120, 100, false, 10},
-      {-1, 0, 0, true, 10},  // no dumps: all read at once
+      {-1, 0, 100, true, 0},     {0, 9, 100, false, 0}, {0, 10, 100, true, 1},
+      {1, 19, 100, false, 1},    {1, 55, 100, true, 5}, {5, 100, 100, true, 10},
+      {10, 120, 100, false, 10}, {-1, 0, 0, true, 10},  // no dumps: all read at once
   };
   for (const auto& c : cases) {
     int logged = c.logged;

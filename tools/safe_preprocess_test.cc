@@ -20,11 +20,11 @@
 #include <thread>
 
 #include "core/validate.h"
+#include "generate/dump_generator.h"
 #include "preproc/manifest.h"
 #include "testing/child_process.h"
 #include "testing/data_files.h"
 #include "testing/test_files.h"
-#include "generate/dump_generator.h"
 
 namespace refgrove {
 
@@ -156,7 +156,8 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
       {"more words than the data files hold", [] {}, in_, 1,
        "refgrove preprocess: the dumps hold more distinct words than a data directory can: word ids have 24 bits, "
        "so the abstracts and titles together can have at most 100 distinct words, which is about 5 documents like "
-       "those read so far\n" + left,
+       "those read so far\n" +
+           left,
        FormatLimits{std::numeric_limits<std::int32_t>::max(), 100}},
   };
   const DataFiles before = make_earlier_target();
@@ -176,8 +177,9 @@ TEST_F(SafePreprocessTest, AFailedRunLeavesTheTargetAsItWas) {
 TEST_F(SafePreprocessTest, AFailedWriteIsNamedWithTheSystemsError) {
   const ToolRun r = preprocess(in_, "/proc/refgrove-out");
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.err, "refgrove preprocess: cannot make the lock file /proc/.refgrove-out.refgrove-lock: No such file or "
-                   "directory\n");
+  EXPECT_EQ(r.err,
+            "refgrove preprocess: cannot make the lock file /proc/.refgrove-out.refgrove-lock: No such file or "
+            "directory\n");
 
   const DataFiles before = make_earlier_target();
   const ChildResult child = run_in_child([&] {
@@ -246,19 +248,20 @@ TEST_F(SafePreprocessTest, TheSummarySaysWhatWasSkippedOrChanged) {
   const ToolRun r = preprocess(in_, target_);
   ASSERT_EQ(r.status, 0) << r.err;
   EXPECT_EQ(r.out.substr(r.out.find("Made ")), "Made " + target_ +
-                                                    ":\n"
-                                                    "  24 documents with abstracts, 657 abstract words\n"
-                                                    "  32 graph records, 55 citations, 21 authors\n"
-                                                    "  430 distinct words (abstracts and titles)\n"
-                                                    "Skipped or changed:\n"
-                                                    "  1 word dump lines without a DID (skipped)\n"
-                                                    "  1 numbers beyond the int32 range (stored as the nearest int32)\n"
-                                                    "  2 documents whose DID cannot be indexed (negative or out of "
-                                                    "range: not found by DID)\n");
+                                                   ":\n"
+                                                   "  24 documents with abstracts, 657 abstract words\n"
+                                                   "  32 graph records, 55 citations, 21 authors\n"
+                                                   "  430 distinct words (abstracts and titles)\n"
+                                                   "Skipped or changed:\n"
+                                                   "  1 word dump lines without a DID (skipped)\n"
+                                                   "  1 numbers beyond the int32 range (stored as the nearest int32)\n"
+                                                   "  2 documents whose DID cannot be indexed (negative or out of "
+                                                   "range: not found by DID)\n");
 }
 
 // In a log the module's messages come without their running counters and
-// name the target where they named the staging directory, which -v keeps ("\r" and the DID or record count, every thousand).
+// name the target where they named the staging directory, which -v keeps ("\r" and the DID or record count, every
+// thousand).
 TEST_F(SafePreprocessTest, InALogTheRunningCountersNeedVerbose) {
   DumpGeneratorResult generated;
   std::string error;

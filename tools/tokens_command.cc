@@ -54,11 +54,21 @@ bool decode(const char* arg, std::string* out) {
       continue;
     }
     switch (*++p) {
-      case 'n': *out += '\n'; break;
-      case 't': *out += '\t'; break;
-      case 'r': *out += '\r'; break;
-      case 's': *out += ' '; break;
-      case '\\': *out += '\\'; break;
+      case 'n':
+        *out += '\n';
+        break;
+      case 't':
+        *out += '\t';
+        break;
+      case 'r':
+        *out += '\r';
+        break;
+      case 's':
+        *out += ' ';
+        break;
+      case '\\':
+        *out += '\\';
+        break;
       case 'x': {
         int value = 0;
         int digits = 0;
@@ -81,11 +91,21 @@ void write_escaped(std::ostream& out, const std::string& token) {
   out << '"';
   for (unsigned char c : token) {
     switch (c) {
-      case '\n': out << "\\n"; break;
-      case '\t': out << "\\t"; break;
-      case '\r': out << "\\r"; break;
-      case '\\': out << "\\\\"; break;
-      case '"': out << "\\\""; break;
+      case '\n':
+        out << "\\n";
+        break;
+      case '\t':
+        out << "\\t";
+        break;
+      case '\r':
+        out << "\\r";
+        break;
+      case '\\':
+        out << "\\\\";
+        break;
+      case '"':
+        out << "\\\"";
+        break;
       default:
         if (c < 32 || c >= 127) {
           char buf[8];
@@ -104,7 +124,7 @@ struct Options {
   std::string single, space, comment, number_char;
   bool strings = true, line_comments = false, block_comments = false;
   std::vector<std::string> elements;
-  std::string language;  // "graph", "words", or empty
+  std::string language;      // "graph", "words", or empty
   bool default_sets = true;  // neither --single nor --space given
 };
 

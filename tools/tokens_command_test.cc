@@ -29,20 +29,26 @@ TEST(TokensCommandTest, ListingsAndFailures) {
       {{}, "f(x, y)\n", "0\n1:0 - \"f\"\n1:1 - \"(\"\n1:2 - \"x\"\n1:3 - \",\"\n1:5 ws \"y\"\n1:6 - \")\"\n"},
       {{"-"}, "", "0\n"},
       // Explicit sets replace the defaults; newline as a visible token.
-      {{"--single", ":\\n", "--space", "\\s\\t"}, "a:b\n\tc",
+      {{"--single", ":\\n", "--space", "\\s\\t"},
+       "a:b\n\tc",
        "0\n1:0 - \"a\"\n1:1 - \":\"\n1:2 - \"b\"\n2:-1 - \"\\n\"\n2:8 ws \"c\"\n"},
       {{"--number-char", ".", "--comment", "%"}, "1.5 % x\n2", "0\n1:0 - \"1.5\"\n2:0 ws \"2\"\n"},
       {{"--no-strings"}, "'a'", "0\n1:0 - \"'a'\"\n"},
       {{}, "'a b' \"q\\\"\"", "0\n1:0 - \"'a b'\"\n1:6 ws \"\\\"q\\\\\\\"\\\"\"\n"},
       {{"--line-comments", "--block-comments"}, "a//x\n/*y*/b", "0\n1:0 - \"a\"\n2:5 ws \"b\"\n"},
       {{"--element", "Title:", "--element", "< ="}, "Title: <=", "0\n1:0 ws \"Title:\"\n1:7 - \"<=\"\n"},
-      {{"--space", "\\x01"}, "a\x01" "b c\xc3", "0\n1:0 - \"a\"\n1:2 ws \"b\"\n1:4 ws \"c\\xc3\"\n"},
+      {{"--space", "\\x01"},
+       "a\x01"
+       "b c\xc3",
+       "0\n1:0 - \"a\"\n1:2 ws \"b\"\n1:4 ws \"c\\xc3\"\n"},
       // The dump languages: punctuation splits words in the word dumps only;
       // the element "Title:" stands where the token after it does.
-      {{"--language", "words"}, "7 k Don't,\x01x\n",
+      {{"--language", "words"},
+       "7 k Don't,\x01x\n",
        "0\n1:0 - \"7\"\n1:2 ws \"k\"\n1:4 ws \"Don\"\n1:7 - \"'\"\n1:8 - \"t\"\n1:9 - \",\"\n1:11 ws \"x\"\n"
        "2:-1 - \"\\n\"\n"},
-      {{"--language", "graph"}, "5 \"q\" Title: a,b\n",
+      {{"--language", "graph"},
+       "5 \"q\" Title: a,b\n",
        "0\n1:0 - \"5\"\n1:2 ws \"\\\"q\\\"\"\n1:13 ws \"Title:\"\n1:13 ws \"a,b\"\n2:-1 - \"\\n\"\n"},
       // Tokenizing errors exit with 1 after the tokens before them, usage errors with 2.
       {{}, "ok 'open", "1\n1:0 - \"ok\"\nstderr: unterminated string constant at 1:3\n"},
@@ -54,9 +60,13 @@ TEST(TokensCommandTest, ListingsAndFailures) {
     EXPECT_EQ(RunTokens(c.args, c.input), c.expected) << "args: " << args << "input: " << c.input;
   }
   // Usage errors exit with 2 and CLI11's message naming the option at fault.
-  const std::vector<std::string> usage_errors[] = {
-      {"--bogus"}, {"--single"}, {"--space", "\\q"}, {"--number-char", ".."}, {"a", "b"}, {"--language", "xml"},
-      {"--language", "words", "--no-strings"}};
+  const std::vector<std::string> usage_errors[] = {{"--bogus"},
+                                                   {"--single"},
+                                                   {"--space", "\\q"},
+                                                   {"--number-char", ".."},
+                                                   {"a", "b"},
+                                                   {"--language", "xml"},
+                                                   {"--language", "words", "--no-strings"}};
   for (const std::vector<std::string>& args : usage_errors) {
     const std::string r = RunTokens(args, "");
     EXPECT_EQ(r.rfind("2\nstderr: ", 0), 0u) << args[0] << " " << r;

@@ -18,7 +18,8 @@ int parse_int(std::string_view text, std::string_view name, int lo, int hi) {
   return value;
 }
 
-std::size_t parse_choice(std::string_view text, std::string_view name, std::initializer_list<std::string_view> choices) {
+std::size_t parse_choice(std::string_view text, std::string_view name,
+                         std::initializer_list<std::string_view> choices) {
   std::size_t i = 0;
   std::string listed;
   for (const std::string_view choice : choices) {

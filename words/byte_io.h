@@ -50,20 +50,16 @@ void put_int32(Out& out, std::int32_t v) {
   put_bytes(out, b, 4);
 }
 
-inline std::uint16_t get_uint16(const unsigned char* p) {
-  return static_cast<std::uint16_t>(p[0] | (p[1] << 8));
-}
+inline std::uint16_t get_uint16(const unsigned char* p) { return static_cast<std::uint16_t>(p[0] | (p[1] << 8)); }
 
 inline std::int32_t get_int32(const unsigned char* p) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(p[0]) | (static_cast<std::uint32_t>(p[1]) << 8) |
-                                   (static_cast<std::uint32_t>(p[2]) << 16) |
-                                   (static_cast<std::uint32_t>(p[3]) << 24));
+                                   (static_cast<std::uint32_t>(p[2]) << 16) | (static_cast<std::uint32_t>(p[3]) << 24));
 }
 
 class ByteReader {
  public:
-  ByteReader(const char* data, std::size_t size)
-      : p_(reinterpret_cast<const unsigned char*>(data)), end_(p_ + size) {}
+  ByteReader(const char* data, std::size_t size) : p_(reinterpret_cast<const unsigned char*>(data)), end_(p_ + size) {}
 
   std::size_t remaining() const { return static_cast<std::size_t>(end_ - p_); }
   bool failed() const { return failed_; }

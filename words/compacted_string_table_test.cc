@@ -37,8 +37,8 @@ std::string le32(std::int32_t v) {
 }
 
 TEST(CompactedStringTable, WritesCountEntriesSizeAndBlock) {
-  const std::string expected = le32(3) + le32(0) + le32(0) + le32(1) + le32(3) + le32(2) + le32(4) + le32(6) +
-                               std::string("ab\0\0c\0", 6);
+  const std::string expected =
+      le32(3) + le32(0) + le32(0) + le32(1) + le32(3) + le32(2) + le32(4) + le32(6) + std::string("ab\0\0c\0", 6);
   EXPECT_EQ(bytes_of(freeze({"ab", "", "c"})), expected);
 }
 
@@ -108,8 +108,10 @@ TEST(CompactedStringTable, DamagedFilesGiveNothingOutsideWhatIsThere) {
       {"negative count", le32(-1) + le32(0), 0, {nullptr}},
       {"count larger than the file", le32(1000) + le32(0), 0, {nullptr}},
       {"block cut short", good.substr(0, good.size() - 6), 3, {"one", "two", nullptr, nullptr}},
-      {"offset past the block", le32(2) + le32(0) + le32(0) + le32(1) + le32(99) + le32(2) + std::string("a\0", 2),
-       2, {"a", nullptr, nullptr}},
+      {"offset past the block",
+       le32(2) + le32(0) + le32(0) + le32(1) + le32(99) + le32(2) + std::string("a\0", 2),
+       2,
+       {"a", nullptr, nullptr}},
       {"negative offset", le32(1) + le32(0) + le32(-5) + le32(2) + std::string("a\0", 2), 1, {nullptr}},
       {"unterminated block", le32(1) + le32(0) + le32(0) + le32(2) + "ab", 1, {"ab"}},
   };

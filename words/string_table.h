@@ -44,9 +44,9 @@ class StringTable {
   // field by field (a returned key would be copied whole from where it was
   // just written field by field, which stalls).
   struct Key {
-    std::uint64_t head;         // the slot form of the key (see Slot)
+    std::uint64_t head;  // the slot form of the key (see Slot)
     std::uint32_t tail_length;
-    std::uint32_t hash;         // hash_name_hash_key of the string
+    std::uint32_t hash;  // hash_name_hash_key of the string
     const char* s;
     std::size_t n;
   };
@@ -106,7 +106,7 @@ class StringTable {
   static void free_bytes(void* p, std::size_t bytes);
 
   std::vector<Slot, SlotAllocator<Slot>> slots_;
-  unsigned bits_;  // slots_.size() is 2^bits_
+  unsigned bits_;                      // slots_.size() is 2^bits_
   std::vector<std::uint32_t> hashes_;  // the hash of each id, for grow()
 };
 

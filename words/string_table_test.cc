@@ -18,9 +18,10 @@ TEST(NameHash, FiveTimesPlusSignedByteUpToFirstNul) {
       {"", 0},
       {"a", 97},
       {"ab", 5 * 97 + 98},
-      {"\xff", 0xFFFFFFFFu},                             // the byte counts as -1
-      {std::string("ab\0zz", 5), 5 * 97 + 98},           // stops at the NUL
-      {std::string(20, 'z'), [] {                         // wraps at 32 bits
+      {"\xff", 0xFFFFFFFFu},                    // the byte counts as -1
+      {std::string("ab\0zz", 5), 5 * 97 + 98},  // stops at the NUL
+      {std::string(20, 'z'),
+       [] {  // wraps at 32 bits
          std::uint32_t h = 0;
          for (int i = 0; i < 20; ++i) h = 5 * h + 'z';
          return h;
@@ -57,7 +58,7 @@ TEST(StringTable, KeysThatShareTheirFirstBytes) {
       "abcdefgh",
       "abcdefghi",
       "abcdefghijk",
-      "abcdefghijkl",   // longer than a slot holds
+      "abcdefghijkl",  // longer than a slot holds
       "abcdefghijkm",
       "abcdefghijklmnopqrstuvwxyz",
       "abcdefghijklmnopqrstuvwxyZ",

@@ -31,7 +31,9 @@ TEST(WordData, LoadsTheThreeFilesWithItsMessages) {
   const std::string before = "Reading Word Data from " + dir.path() + "word-table ...\n" +
                              "Read 3 words in 17 bytes.\n"
                              "Read 3 document headers\n"
-                             "Mapping abstract file " + dir.path() + "word-data...\n"
+                             "Mapping abstract file " +
+                             dir.path() +
+                             "word-data...\n"
                              "Mapped abstracts file at 0x";
   const std::string after = "\nstart=Done.\n";
   const std::string err = capture.err();
@@ -66,10 +68,10 @@ TEST(WordData, OnlyTheSentinelCountsAsOneHeader) {
 TEST(WordData, DamagedOrMissingFilesLoadWhatIsWhole) {
   const struct {
     const char* what;
-    std::string idx;        // bytes of word-idx, or "missing"
-    std::uint32_t data_ids; // word ids in word-data
-    std::size_t headers;    // expected doc_info size
-    std::int64_t readable;  // word positions that can be read
+    std::string idx;         // bytes of word-idx, or "missing"
+    std::uint32_t data_ids;  // word ids in word-data
+    std::size_t headers;     // expected doc_info size
+    std::int64_t readable;   // word positions that can be read
   } cases[] = {
       {"missing word-idx", "missing", 4, 1, 0},
       {"empty word-idx", "", 4, 1, 0},
