@@ -13,20 +13,11 @@
 #include "fronts/author_impact.h"
 #include "fronts/clusters.h"
 #include "fronts/main_path.h"
+#include "network/c_answer.h"
 
 using namespace refgrove;
 
 namespace {
-
-// Runs an analysis; a bad argument gives kNoAnswer.
-template <class F>
-int answer(F f) {
-  try {
-    return f();
-  } catch (const NetworkArgumentError&) {
-    return kNoAnswer;
-  }
-}
 
 // The numbers of the C enums in the order of the C++ ones.
 constexpr ClusterGraphKind kGraphs[] = {ClusterGraphKind::citation, ClusterGraphKind::cocitation,

@@ -9,6 +9,7 @@
 
 #include "core/c_results.h"
 #include "core/data_set.h"
+#include "network/c_answer.h"
 #include "network/components.h"
 #include "network/distance.h"
 #include "network/neighbourhood.h"
@@ -18,16 +19,6 @@
 using namespace refgrove;
 
 namespace {
-
-// Runs an analysis; a bad argument gives kNoAnswer.
-template <class F>
-int answer(F f) {
-  try {
-    return f();
-  } catch (const NetworkArgumentError&) {
-    return kNoAnswer;
-  }
-}
 
 std::optional<Direction> direction_of(int direction) {
   switch (direction) {
