@@ -6,7 +6,7 @@
 #   <mandir>/man1/refgrove.1
 #   <libdir>/refgrove.so
 #   include/refgrove/refgrove.h (the umbrella), export.h, query.h,
-#   preprocess.h, search.h, network.h: the folder include/refgrove/ as it is
+#   preprocess.h, search.h, network.h, fronts.h: the folder include/refgrove/ as it is
 #   <libdir>/pkgconfig/refgrove.pc
 #   <libdir>/cmake/refgrove/refgroveConfig.cmake, refgroveConfigVersion.cmake
 #
