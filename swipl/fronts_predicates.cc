@@ -40,8 +40,8 @@ bool get_cluster_options(term_t t, ClusterOptions* o) {
   if (!PL_is_functor(t, options)) return PL_type_error("cluster_options", t);
   const term_t arg = PL_new_term_ref();
   std::int64_t seed = 0, min_citations = 0, min_weight = 0, iterations = 0;
-  const auto at = [&](int i) {
-    PL_get_arg(i, t, arg);
+  const auto at = [&](int i) {  // t is known to have 7 arguments
+    _PL_get_arg(i, t, arg);
     return arg;
   };
   if (!get_choice(at(1), cluster_graph_from_text, &o->graph) ||
