@@ -19,12 +19,16 @@ GRAPH_DUMP = "graph-data-aug-2002.txt"
 WORD_DUMPS = ["word-data1-mar-2002.txt", "word-data2-mar-2002.txt", "word-data3-mar-2002.txt"]
 
 
+def tool_env():
+    """The environment for running the tool. A sanitized tool has its
+    sanitizer's runtime linked in: the one preloaded into this interpreter
+    is not passed on."""
+    return {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
+
+
 def tool(*args, check=True):
-    """The tool's run; its status must be 0 when `check`. A sanitized tool
-    has its sanitizer's runtime linked in: the one preloaded into this
-    interpreter is not passed on."""
-    env = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
-    run = subprocess.run([TOOL, *map(str, args)], capture_output=True, text=True, env=env)
+    """The tool's run; its status must be 0 when `check`."""
+    run = subprocess.run([TOOL, *map(str, args)], capture_output=True, text=True, env=tool_env())
     if check and run.returncode != 0:
         raise AssertionError(f"refgrove {' '.join(map(str, args))}: status {run.returncode}: {run.stderr}")
     return run

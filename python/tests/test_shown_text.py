@@ -10,7 +10,7 @@ import urllib.request
 import pytest
 
 import refgrove
-from conftest import TOOL, tool, write_dumps
+from conftest import TOOL, tool, tool_env, write_dumps
 
 
 def latin1(text):
@@ -36,7 +36,8 @@ def data(tmp_path_factory):
 
 @pytest.fixture(scope="module")
 def explorer(data):
-    server = subprocess.Popen([TOOL, "serve", data, "--port", "0"], stdout=subprocess.PIPE, text=True)
+    server = subprocess.Popen([TOOL, "serve", data, "--port", "0"], stdout=subprocess.PIPE, text=True,
+                              env=tool_env())
     try:
         url = re.search(r"http://127\.0\.0\.1:\d+/\S*", server.stdout.readline()).group(0)
         token = url.split("?token=")[1] if "?token=" in url else None
