@@ -24,6 +24,7 @@ import urllib.parse
 import urllib.request
 
 from selenium import webdriver
+from selenium.common.exceptions import StaleElementReferenceException, TimeoutException
 from selenium.webdriver.chrome.service import Service
 from selenium.webdriver.common.by import By
 from selenium.webdriver.support import expected_conditions as ec
@@ -86,10 +87,22 @@ class ExplorerCheck:
         box.submit()
         expected = self.api(f"search?q={word}&mode=and&limit=50")["hits"]
         assert expected, f"the sample has no hit for {word}"
-        first = self.wait.until(ec.element_to_be_clickable((By.CSS_SELECTOR, "ol.papers li a")))
+        # The front page lists papers too (the most cited): wait until the
+        # list shown is the search's, then take its first link.
+        wanted = [h["did"] for h in expected]
+
+        def shown(browser):
+            try:
+                return [int(li.get_attribute("data-did")) for li in browser.find_elements(By.CSS_SELECTOR, "ol.papers li")]
+            except StaleElementReferenceException:  # replaced while read: look again
+                return None
+
+        try:
+            self.wait.until(lambda browser: shown(browser) == wanted)
+        except TimeoutException:
+            raise AssertionError(f"results {shown(self.browser)}, API {wanted}") from None
         self.shot("search")
-        shown = [int(li.get_attribute("data-did")) for li in self.browser.find_elements(By.CSS_SELECTOR, "ol.papers li")]
-        assert shown == [h["did"] for h in expected], f"results {shown}, API {expected}"
+        first = self.wait.until(ec.element_to_be_clickable((By.CSS_SELECTOR, "ol.papers li a")))
         first.click()
         self.heading_is(expected[0]["title"])
         return expected[0]["did"]
